@@ -1,0 +1,49 @@
+// What a program installs so that the library can open windows, images and pages.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include <zel/platform/GraphicsDevice.h>
+
+namespace zel {
+
+// A file that a back end is asked to draw. Lengths are inches on the paper or image.
+struct FileDeviceOptions {
+    std::string path;    // where the finished file goes
+    std::string format;  // lower case: "png", "jpg", "pdf", "svg"
+    double width = 0;    // of the whole page or image
+    double height = 0;
+    // Inches from the page's left and top edge to the device's origin; the drawing may use what lies outside.
+    double marginLeft = 0;
+    double marginTop = 0;
+    double dotsPerInch = 96;    // pixels per inch of an image; other formats ignore it
+    double unitsPerInch = 0;    // device units that the device reports per inch; 0: the format's own choice
+    bool opaqueBackground = true;
+    COLORREF background = RGB(255, 255, 255);
+    int quality = 90;           // of a JPEG, 0 to 100
+    std::string title;          // document title, for formats that keep one
+};
+
+// Makes devices (and, with the window layer, windows). The base class is what a program without a back end has:
+// measuring works with built-in font metrics, files and windows do not.
+class Platform {
+  public:
+    virtual ~Platform();
+
+    // The installed platform; never null.
+    static Platform& Get();
+    // Replaces the installed platform. Pass null to go back to the base class. Call before drawing begins and
+    // from one thread only.
+    static void Install(std::unique_ptr<Platform> platform);
+
+    // A device with the resolution and fonts of the screen on which nothing is seen: for measuring text and for
+    // contexts "compatible with the screen".
+    virtual std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice();
+
+    // A device that draws the file described by `options`; nothing is written before its Finish().
+    // Throws CNotSupportedException* naming the missing back end, or CFileException* when the path is unusable.
+    virtual std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options);
+};
+
+}  // namespace zel
