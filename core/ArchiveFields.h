@@ -1,0 +1,63 @@
+// Fields of persistent objects, written and read by one statement.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <type_traits>
+#include <vector>
+
+#include <zel/platform/Archive.h>
+
+namespace zel {
+
+// Stores each of `fields` when the archive is storing, loads it otherwise, in the order given.
+template <class... Fields>
+void Exchange(CArchive& ar, Fields&... fields) {
+    if (ar.IsStoring()) {
+        (void)(ar << ... << fields);
+    } else {
+        (void)(ar >> ... >> fields);
+    }
+}
+
+inline bool IsComplete(CArchive& ar) { return ar.GetDialect() == CArchive::Dialect::COMPLETE; }
+
+// A bool as one byte.
+inline void ExchangeFlag(CArchive& ar, bool& flag) {
+    BYTE byte = flag ? 1 : 0;
+    Exchange(ar, byte);
+    flag = byte != 0;
+}
+
+// Signed 32-bit raw values, `count` of them.
+inline void ExchangeRaw(CArchive& ar, void* data, std::size_t bytes) {
+    if (ar.IsStoring()) {
+        ar.Write(data, static_cast<UINT>(bytes));
+    } else {
+        ar.ReadExact(data, bytes);
+    }
+}
+
+// A 32-bit count and the elements as one raw block; a count of 0 or less loads as an empty list. A count that the
+// bytes present cannot hold raises CArchiveException* before anything is allocated.
+template <class T>
+void ExchangeList(CArchive& ar, std::vector<T>& list) {
+    static_assert(std::is_arithmetic_v<T>);
+    int count = static_cast<int>(list.size());
+    Exchange(ar, count);
+    if (ar.IsLoading()) {
+        if (count < 0) count = 0;
+        ar.CheckCount(count, sizeof(T));
+        list.assign(static_cast<std::size_t>(count), T{});
+    }
+    if (!list.empty()) ExchangeRaw(ar, list.data(), list.size() * sizeof(T));
+}
+
+// Reads an object that the caller owns from here on. An archive object of another class than T, a null object, and
+// one that the archive has handed out before (it already has an owner) raise CArchiveException*.
+template <class T>
+std::unique_ptr<T> ReadOwned(CArchive& ar) {
+    return std::unique_ptr<T>(static_cast<T*>(ar.ReadOwnedObject(RUNTIME_CLASS(T))));
+}
+
+}  // namespace zel

@@ -1,0 +1,69 @@
+#include "drawing/DocumentHeader.h"
+
+#include <zlib.h>
+
+#include <cstring>
+
+#include <zel/ZelDocument.h>
+#include <zel/platform/Exception.h>
+
+namespace zel {
+namespace {
+
+constexpr std::uint8_t kMagic[8] = {0x89, 'Z', 'E', 'L', '\r', '\n', 0x1A, '\n'};
+constexpr std::size_t kChecksumAt = 36;
+
+template <class T>
+void Put(DocumentHeader::Bytes& bytes, std::size_t at, T value) {
+    for (std::size_t i = 0; i < sizeof(T); ++i) bytes[at + i] = static_cast<std::uint8_t>(value >> 8 * i);
+}
+
+template <class T>
+T Take(const DocumentHeader::Bytes& bytes, std::size_t at) {
+    T value = 0;
+    for (std::size_t i = sizeof(T); i-- > 0;) value = static_cast<T>(value << 8 | bytes[at + i]);
+    return value;
+}
+
+std::uint32_t HeaderChecksum(const DocumentHeader::Bytes& bytes) {
+    return static_cast<std::uint32_t>(crc32(0, bytes.data(), kChecksumAt));
+}
+
+[[noreturn]] void Refuse(int cause, const std::string& source, const std::string& why) {
+    AfxThrowArchiveException(cause, ("Cannot read the document \"" + source + "\": " + why).c_str());
+}
+
+}  // namespace
+
+DocumentHeader::Bytes DocumentHeader::Encode() const {
+    Bytes bytes{};
+    std::memcpy(bytes.data(), kMagic, sizeof kMagic);
+    Put<std::uint32_t>(bytes, 8, kDocumentVersion);
+    Put<std::uint32_t>(bytes, 12, rules == ZelRules::EXACT ? 1 : 0);
+    Put<std::uint64_t>(bytes, 16, contentLength);
+    Put<std::uint32_t>(bytes, 24, contentChecksum);
+    Put<std::uint32_t>(bytes, kChecksumAt, HeaderChecksum(bytes));
+    return bytes;
+}
+
+DocumentHeader DocumentHeader::Decode(const Bytes& bytes, const std::string& source) {
+    if (std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0) {
+        Refuse(CArchiveException::badClass, source, "it is no drawing document (its first bytes differ)");
+    }
+    const auto version = Take<std::uint32_t>(bytes, 8);
+    if (version > kDocumentVersion) {
+        Refuse(CArchiveException::badSchema, source,
+               "its format version " + std::to_string(version) + " is newer than this program's version " +
+                   std::to_string(kDocumentVersion));
+    }
+    if (Take<std::uint32_t>(bytes, kChecksumAt) != HeaderChecksum(bytes)) {
+        Refuse(CArchiveException::genericException, source, "its header is damaged (the checksum differs)");
+    }
+    DocumentHeader header;
+    header.rules = Take<std::uint32_t>(bytes, 12) == 1 ? ZelRules::EXACT : ZelRules::CLASSIC;
+    header.contentLength = Take<std::uint64_t>(bytes, 16);
+    header.contentChecksum = Take<std::uint32_t>(bytes, 24);
+    return header;
+}
+
+}  // namespace zel

@@ -1,0 +1,33 @@
+// The first bytes of a document.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include <zel/ZelRules.h>
+
+namespace zel {
+
+// 40 bytes, all integers little endian:
+//   0  8  magic number: 0x89 "ZEL" CR LF 0x1A LF, which a transfer as text or to 7 bits spoils visibly
+//   8  4  format version
+//  12  4  rule set: 0 classic, 1 exact
+//  16  8  length of the content that follows the header, in bytes
+//  24  4  CRC-32 of the content
+//  28  8  reserved, 0
+//  36  4  CRC-32 of the 36 bytes before
+struct DocumentHeader {
+    static constexpr std::size_t kSize = 40;
+    using Bytes = std::array<std::uint8_t, kSize>;
+
+    ZelRules rules = ZelRules::CLASSIC;
+    std::uint64_t contentLength = 0;
+    std::uint32_t contentChecksum = 0;
+
+    Bytes Encode() const;
+    // Throws CArchiveException* that names `source` when the bytes are no header, or one of a newer version.
+    static DocumentHeader Decode(const Bytes& bytes, const std::string& source);
+};
+
+}  // namespace zel

@@ -1,0 +1,215 @@
+#include <zel/Zel2PointSet.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include <zel/DrawColor.h>
+#include <zel/DrawPen.h>
+#include <zel/DrawSymbol.h>
+#include <zel/Zel2Graph.h>
+
+#include "core/ArchiveFields.h"
+#include "graphs/SeriesFill.h"
+
+IMPLEMENT_SERIAL(Zel2PointSet, Zel2, 0)
+IMPLEMENT_SERIAL(Zel2PointArray, Zel2PointSet, 0)
+
+namespace {
+
+constexpr std::size_t kBlock = 1024;  // points handed on at once by a series that has no arrays
+
+Zel2Graph* GraphAround(const Zel2& object) {
+    return dynamic_cast<Zel2Graph*>(object.GetParentClass(Zel2::CLASS_GRAPH));
+}
+
+// A graph's range widened by values; begins afresh where the range was not set yet.
+class Widened {
+  public:
+    Widened(double lo, double hi) : lo_(lo), hi_(hi), set_(lo < hi) {}
+    void Add(double value) {
+        if (!std::isfinite(value)) return;
+        if (!set_) lo_ = hi_ = value;
+        set_ = true;
+        lo_ = std::min(lo_, value);
+        hi_ = std::max(hi_, value);
+    }
+    bool IsSet() const { return set_; }
+    double Lo() const { return lo_; }
+    double Hi() const { return hi_; }
+
+  private:
+    double lo_;
+    double hi_;
+    bool set_;
+};
+
+}  // namespace
+
+Zel2PointSet::Zel2PointSet(const Zel2PointSet& other) : Zel2(other) { CopyFields(other); }
+
+Zel2PointSet& Zel2PointSet::operator=(const Zel2PointSet& other) {
+    if (this == &other) return *this;
+    Zel2::operator=(other);
+    CopyFields(other);
+    return *this;
+}
+
+void Zel2PointSet::CopyFields(const Zel2PointSet& other) {
+    symbol_ = other.symbol_;
+    pen_ = other.pen_;
+    color_ = other.color_;
+    start_ = other.start_;
+    end_ = other.end_;
+    symbolOnFirst_ = other.symbolOnFirst_;
+    pointSymbols_.Copy(other.pointSymbols_);
+}
+
+unsigned int Zel2PointSet::NPoints() { return 0; }
+double Zel2PointSet::X(long) { return 0.0; }
+double Zel2PointSet::Y(long) { return 0.0; }
+std::vector<double>* Zel2PointSet::GetXVec() { return nullptr; }
+std::vector<double>* Zel2PointSet::GetYVec() { return nullptr; }
+
+// A series is picked through its graph; it has no handles of its own.
+unsigned int Zel2PointSet::nCpt() { return Zel2::nCpt(); }
+CPoint Zel2PointSet::Cpt(int i) { return Zel2::Cpt(i); }
+MouseAction Zel2PointSet::OnMouse(const MouseStatus& ms) { return Zel2::OnMouse(ms); }
+
+void Zel2PointSet::OnPrint(CDC*, CPrintInfo*) { OnDraw(); }
+
+const WorldFrame* Zel2PointSet::GraphFrame() {
+    Zel2* graph = GetParentClass(CLASS_GRAPH);
+    return graph ? graph->Frame() : nullptr;
+}
+
+void Zel2PointSet::AdjustXAxis(int n) {
+    Zel2Graph* graph = GraphAround(*this);
+    if (!graph) return;
+    double x0, y0, x1, y1;
+    graph->GetFloatRect(x0, y0, x1, y1);
+    Widened range(x0, x1);
+    for (unsigned int i = 0; i < NPoints(); ++i) range.Add(X(i));
+    if (range.IsSet()) graph->AdjustXAxis(range.Lo(), range.Hi(), n, 1);
+}
+
+void Zel2PointSet::AdjustYAxis(int n) {
+    Zel2Graph* graph = GraphAround(*this);
+    if (!graph) return;
+    double x0, y0, x1, y1;
+    graph->GetFloatRect(x0, y0, x1, y1);
+    Widened range(y0, y1);
+    for (unsigned int i = 0; i < NPoints(); ++i) range.Add(Y(i));
+    if (range.IsSet()) graph->AdjustYAxis(range.Lo(), range.Hi(), n, 1);
+}
+
+void Zel2PointSet::OnDraw() {
+    if (color_ >= 0) Plot(Color(color_), start_, end_);
+    if (pen_ >= 0) Plot(Pen(pen_), start_, end_);
+    if (symbol_ >= 0) Plot(Symbol(symbol_));
+    if (pointSymbols_.GetSize() > 0) PlotPointSymbols();
+}
+
+void Zel2PointSet::PlotPointSymbols() {
+    for (unsigned int i = 0; i < NPoints(); ++i) {
+        DrawSymbol* symbol = Symbol(static_cast<int>(pointSymbols_.GetAt(static_cast<int>(i))));
+        if (symbol) symbol->PlotOn(this, X(i), Y(i));
+    }
+}
+
+void Zel2PointSet::Plot(DrawSymbol* symbol) {
+    const WorldFrame* frame = GraphFrame();
+    if (!symbol || !frame) return;
+    for (unsigned int i = symbolOnFirst_ ? 0 : 1; i < NPoints(); ++i) {
+        const double x = X(i);
+        const double y = Y(i);
+        if (frame->Contains(x, y)) symbol->PlotOn(this, F2L(x, y));
+    }
+}
+
+// Everything but the first and last extension. A series with arrays is drawn in one go.
+void Zel2PointSet::LineThroughPoints(DrawPen& pen, const WorldFrame& frame) {
+    const std::size_t n = NPoints();
+    const std::vector<double>* xs = GetXVec();
+    const std::vector<double>* ys = GetYVec();
+    if (xs && ys && xs->size() >= n && ys->size() >= n) {
+        pen.LineTo(frame, xs->data(), ys->data(), n);
+        return;
+    }
+    double x[kBlock];
+    double y[kBlock];
+    for (std::size_t begin = 0; begin < n; begin += kBlock) {
+        const std::size_t count = std::min(kBlock, n - begin);
+        for (std::size_t i = 0; i < count; ++i) {
+            x[i] = X(static_cast<long>(begin + i));
+            y[i] = Y(static_cast<long>(begin + i));
+        }
+        pen.LineTo(frame, x, y, count);
+    }
+}
+
+void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {
+    const WorldFrame* frame = GraphFrame();
+    const unsigned int n = NPoints();
+    if (n == 0 || !pen || !frame) return;
+    const zel::WorldPoint first{X(0), Y(0)};
+    const bool extends = frame->ContainsStrictly(first.x, first.y);
+    const zel::WorldPoint begin = extends ? zel::ExtensionPoint(start, *frame, first) : first;
+    pen->SetWorldPoint(this, begin.x, begin.y);
+    LineThroughPoints(*pen, *frame);
+    const zel::WorldPoint last{X(static_cast<long>(n) - 1), Y(static_cast<long>(n) - 1)};
+    const bool endExtends = zel::IsExtension(end) && frame->ContainsStrictly(last.x, last.y);
+    const zel::WorldPoint finish = endExtends ? zel::ExtensionPoint(end, *frame, last) : last;
+    pen->LineTo(this, finish.x, finish.y);
+}
+
+void Zel2PointSet::Plot(DrawColor* color, unsigned int start, unsigned int end) {
+    const WorldFrame* frame = GraphFrame();
+    const std::vector<double>* xs = GetXVec();
+    const std::vector<double>* ys = GetYVec();
+    if (NPoints() == 0 || !color || !frame || !xs || !ys) return;
+    zel::FillOutline outline = zel::OutlineOfFill(*frame, *xs, *ys, start, end);
+    color->Polygon(this, outline.x.data(), outline.y.data(), static_cast<int>(outline.x.size()));
+}
+
+void Zel2PointSet::Serialize(CArchive& ar) {
+    Zel2::Serialize(ar);
+    zel::Exchange(ar, symbol_, pen_, color_, start_, end_);
+    if (zel::IsComplete(ar)) {
+        zel::ExchangeFlag(ar, symbolOnFirst_);
+        pointSymbols_.Serialize(ar);
+    }
+}
+
+void Zel2PointArray::Append(double x, double y) {
+    xs_.push_back(x);
+    ys_.push_back(y);
+}
+
+void Zel2PointArray::Clear() {
+    xs_.clear();
+    ys_.clear();
+}
+
+void Zel2PointArray::SetPoints(const std::vector<double>& xs, const std::vector<double>& ys) {
+    xs_ = xs;
+    ys_ = ys;
+}
+
+void Zel2PointArray::SetPoints(std::vector<double>&& xs, std::vector<double>&& ys) {
+    xs_ = std::move(xs);
+    ys_ = std::move(ys);
+}
+
+void Zel2PointArray::Assign(std::vector<float>& xs, std::vector<float>& ys) {
+    xs_.assign(xs.begin(), xs.end());
+    ys_.assign(ys.begin(), ys.end());
+}
+
+// The number of x values; never more than there are y values.
+unsigned int Zel2PointArray::NPoints() { return static_cast<unsigned int>(std::min(xs_.size(), ys_.size())); }
+
+void Zel2PointArray::Serialize(CArchive& ar) {
+    Zel2PointSet::Serialize(ar);
+    zel::ExchangeList(ar, xs_);
+    zel::ExchangeList(ar, ys_);
+}

@@ -1,0 +1,109 @@
+// Named drawing tools and the tables that hold them.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include <zel/platform/Archive.h>
+#include <zel/platform/Object.h>
+#include <zel/platform/String.h>
+#include <zel/platform/WinTypes.h>
+
+class CDC;
+
+// The base of colours, pens, fonts and plotting symbols: a name, a printer flag that chooses between a screen and a
+// printer variant, and the context that the tool is open on.
+//
+// A tool is open between OpenOn and Close; only then may it hold platform objects. Drawing with a closed tool does
+// nothing.
+class DrawTool : public CObject {
+    DECLARE_SERIAL(DrawTool)
+  public:
+    DrawTool() = default;
+    explicit DrawTool(const char* name) : name_(name) {}
+    // A copy is never open.
+    DrawTool(const DrawTool& other);
+
+    // A new copy of the tool's own kind, owned by the caller; null in the base.
+    virtual DrawTool* ACopy() const;
+    // Attaches to `dc` (borrowed) at an output scale in thousandths.
+    virtual void OpenOn(CDC* dc, int scale);
+    virtual void Close();
+    // Stores the printer flag and answers the previous one.
+    virtual int SetPrinter(int on);
+    // Edits the tool interactively; the base does nothing.
+    virtual void Edit();
+    virtual DrawTool& operator=(const DrawTool& other);
+
+    // The name only.
+    void Serialize(CArchive& ar) override;
+
+    CString Name() const { return name_; }
+    void Name(const char* name) { name_ = name; }
+    CString GetName() const { return name_; }
+    void SetName(const char* name) { name_ = name; }
+    // The name without a copy.
+    const CString& NameRef() const { return name_; }
+
+  protected:
+    CDC* Dc() const { return dc_; }
+    void AttachDc(CDC* dc) { dc_ = dc; }
+    bool Printing() const { return printer_ != 0; }
+    void StoreScale(int scale) { scale_ = scale; }
+    int OutputScale() const { return scale_; }
+    // Copies name, printer flag and scale; the own context stays.
+    void CopyBase(const DrawTool& other);
+
+    CString name_ = "<Unknown>";
+    int printer_ = 0;
+
+  private:
+    CDC* dc_ = nullptr;
+    int scale_ = 0;
+};
+
+// The tools of one kind in a drawing, found by index (dense from 0, never changing once given) or by name. The table
+// owns its tools. The first tool of a name wins: later ones of the same name are discarded.
+class DrawToolTable : public CObject {
+    DECLARE_SERIAL(DrawToolTable)
+  public:
+    DrawToolTable();
+    // A deep copy; the copy is closed.
+    DrawToolTable(const DrawToolTable& other);
+
+    // Replaces the own tools by copies of those of `other`, unopened.
+    virtual void CopyFrom(const DrawToolTable* other);
+    virtual int Size() const;
+    // Edits the table interactively and answers whether changes were accepted. Tables without an editor answer 0.
+    virtual int Edit();
+    virtual DrawToolTable& operator=(const DrawToolTable& other);
+
+    // Takes ownership of `tool` and answers its index. When the name is taken, `tool` is deleted and the index of
+    // the tool that has the name is answered. In an open table the new tool is opened at once. Null answers -1.
+    int Register(DrawTool* tool);
+    // Null when there is no such tool.
+    DrawTool* Get(int i) const;
+    DrawTool* Get(const char* name) const;
+    // The index of the tool with exactly this name; -1 when there is none.
+    int GetIndex(const char* name) const;
+
+    // Opens every tool on `dc` (borrowed), with the printer flag that the context has.
+    void OpenOn(CDC* dc, int scale);
+    void Close();
+
+    // The count and the tools. Loading replaces the content; a repeated name keeps its first tool.
+    void Serialize(CArchive& ar) override;
+
+  protected:
+    CDC* Dc() const { return dc_; }
+
+  private:
+    void Clear();
+
+    std::vector<std::unique_ptr<DrawTool>> tools_;
+    std::unordered_map<std::string, int> indexOfName_;  // first tool of each name, built when first asked
+    CDC* dc_ = nullptr;
+    int scale_ = 0;
+};

@@ -1,0 +1,25 @@
+// The world range of a graph and where it lies on the surface.
+#pragma once
+
+#include <zel/platform/Geometry.h>
+
+// Linear map from graph (world) coordinates to logical ones. A range of width 0 gives NaN or an infinity, which
+// becomes 0 or an end of the integer range.
+struct WorldFrame {
+    double xmin = 0;
+    double xmax = 0;
+    double ymin = 0;
+    double ymax = 0;
+    CPoint lower;  // logical point of (xmin, ymin)
+    CPoint upper;  // logical point of (xmax, ymax)
+
+    // Each coordinate is truncated towards zero.
+    CPoint ToLogical(double x, double y) const {
+        return {zel::Truncate(lower.x + (x - xmin) / (xmax - xmin) * (static_cast<double>(upper.x) - lower.x)),
+                zel::Truncate(lower.y + (y - ymin) / (ymax - ymin) * (static_cast<double>(upper.y) - lower.y))};
+    }
+    // Limits included.
+    bool Contains(double x, double y) const { return x >= xmin && x <= xmax && y >= ymin && y <= ymax; }
+    // Limits excluded.
+    bool ContainsStrictly(double x, double y) const { return x > xmin && x < xmax && y > ymin && y < ymax; }
+};

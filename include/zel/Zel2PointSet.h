@@ -1,0 +1,123 @@
+// Data series in graphs.
+#pragma once
+
+#include <vector>
+
+#include <zel/Zel2.h>
+#include <zel/platform/Collections.h>
+
+class DrawColor;
+class DrawPen;
+class DrawSymbol;
+
+// A data series: an area fill, a line and symbols through the points that a derived class supplies, mapped by the
+// graph that the series stands in (Zel2Graph::AddIn). A series without points of its own; see Zel2PointArray.
+//
+// Coordinates that are not finite make a gap in the line, have no symbol, and are left out of fills and ranges.
+class Zel2PointSet : public Zel2 {
+    DECLARE_SERIAL(Zel2PointSet)
+  public:
+    // Where line and fill begin and end, beside the first and last point: straight to an edge, or to a corner.
+    enum Extension : unsigned int {
+        NO_EXTENSION = 0,
+        TOP = 1,
+        LEFT = 2,
+        BOTTOM = 3,
+        RIGHT = 4,
+        TOP_LEFT = 5,
+        BOTTOM_LEFT = 6,
+        TOP_RIGHT = 7,
+        BOTTOM_RIGHT = 8,
+    };
+
+    Zel2PointSet() = default;
+    Zel2PointSet(const Zel2PointSet& other);
+    Zel2PointSet& operator=(const Zel2PointSet& other);
+
+    // Indexes into the drawing's tables; -1 for none.
+    void SetSymbol(int index, bool onFirst) {
+        symbol_ = index;
+        symbolOnFirst_ = onFirst;
+    }
+    int GetSymbol() const { return symbol_; }
+    void SetPen(int index) { pen_ = index; }
+    int GetPen() const { return pen_; }
+    void SetColor(int index) { color_ = index; }
+    int GetColor() const { return color_; }
+    // Appends the symbol index of one more point. A series with any of these needs one for every point.
+    void AddSymbol(int index) { pointSymbols_.Add(static_cast<UINT>(index)); }
+    void SetExtension(unsigned int start, unsigned int end) {
+        start_ = start;
+        end_ = end;
+    }
+    void GetExtension(unsigned int& start, unsigned int& end) const {
+        start = start_;
+        end = end_;
+    }
+
+    // Widens the graph's range to take in all points, and chooses its scale with at most `n` intervals. A series
+    // without points leaves the graph as it is.
+    void AdjustXAxis(int n);
+    void AdjustYAxis(int n);
+
+    // One layer each: symbols, line, fill.
+    void Plot(DrawSymbol* symbol);
+    void Plot(DrawPen* pen, unsigned int start, unsigned int end);
+    void Plot(DrawColor* color, unsigned int start, unsigned int end);
+
+    void Serialize(CArchive& ar) override;
+    unsigned int nCpt() override;
+    CPoint Cpt(int i) override;
+    // Fill, line, symbols, point symbols. Throws CInvalidArgException* at the first point that has no point symbol
+    // when others have.
+    void OnDraw() override;
+    void OnPrint(CDC* dc, CPrintInfo* info) override;
+    MouseAction OnMouse(const MouseStatus& ms) override;
+
+    virtual unsigned int NPoints();
+    virtual double X(long i);
+    virtual double Y(long i);
+    // The arrays behind the points, for series that have them (the set keeps ownership); null otherwise, and then
+    // there is no fill.
+    virtual std::vector<double>* GetXVec();
+    virtual std::vector<double>* GetYVec();
+
+  private:
+    void PlotPointSymbols();
+    void LineThroughPoints(DrawPen& pen, const WorldFrame& frame);
+    void CopyFields(const Zel2PointSet& other);
+    // The enclosing graph's frame; null outside a graph.
+    const WorldFrame* GraphFrame();
+
+    int symbol_ = -1;
+    int pen_ = -1;
+    int color_ = -1;
+    unsigned int start_ = 0;
+    unsigned int end_ = 0;
+    bool symbolOnFirst_ = true;
+    CUIntArray pointSymbols_;
+};
+
+// A data series that holds its points.
+class Zel2PointArray : public Zel2PointSet {
+    DECLARE_SERIAL(Zel2PointArray)
+  public:
+    void Append(double x, double y);
+    void Clear();
+    // Copies both arrays; they should be of one length: the shorter one counts.
+    void SetPoints(const std::vector<double>& xs, const std::vector<double>& ys);
+    // Takes both arrays over without a copy.
+    void SetPoints(std::vector<double>&& xs, std::vector<double>&& ys);
+    void Assign(std::vector<float>& xs, std::vector<float>& ys);
+
+    void Serialize(CArchive& ar) override;
+    unsigned int NPoints() override;
+    double X(long i) override { return xs_[static_cast<std::size_t>(i)]; }
+    double Y(long i) override { return ys_[static_cast<std::size_t>(i)]; }
+    std::vector<double>* GetXVec() override { return &xs_; }
+    std::vector<double>* GetYVec() override { return &ys_; }
+
+  private:
+    std::vector<double> xs_;
+    std::vector<double> ys_;
+};

@@ -1,0 +1,45 @@
+// The objects that the user has selected in a drawing.
+#pragma once
+
+#include <zel/Zel2.h>
+#include <zel/platform/Collections.h>
+
+// A list of selected objects in the order in which they were added; at most one of them has the focus. The selection
+// owns nothing, and its destructor neither deselects nor deletes.
+//
+// A view drives dragging like this: StartDrag at the press over a selected object, DragTo at every move and at the
+// release, then EndDrag.
+class Zel2Selection : public CObArray {
+  public:
+    // Throws CInvalidArgException* out of range.
+    Zel2* operator[](int i) const { return static_cast<Zel2*>(GetAt(i)); }
+
+    // 0: Add replaces the first element; otherwise it appends.
+    void SetAccumulate(int accumulate) { accumulate_ = accumulate; }
+    int GetAccumulate() const { return accumulate_; }
+    Zel2* GetFocus() const { return focus_; }
+
+    // Null is ignored. Appends (once) or replaces the first element, which is not deselected; see SetAccumulate.
+    void Add(Zel2* object);
+    // 1 when any element is hit at `pt` (device pixels).
+    int IsIn(const CPoint& pt);
+    void Select(int on);
+    // Adds `object` and gives it the focus; null takes the focus away and leaves the object in the list.
+    void SetFocus(Zel2* object);
+    // Deselects what Select selected, takes the focus away and empties the list.
+    void RemoveAll();
+
+    void StartDrag(CPoint& pt);
+    void DragTo(CPoint& pt);
+    void EndDrag();
+
+  private:
+    template <class Visit>
+    void ForEach(Visit visit) {
+        for (int i = 0; i < static_cast<int>(GetSize()); ++i) visit((*this)[i]);
+    }
+
+    Zel2* focus_ = nullptr;
+    int selected_ = 0;
+    int accumulate_ = 0;
+};

@@ -1,0 +1,65 @@
+// The walk of a dash pattern along lines.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include <zel/DrawPen.h>
+#include <zel/platform/DC.h>
+
+// Draws lines from point to point through a pen's dash pattern and keeps the pen's dash state. One walker serves
+// any number of consecutive lines on the same context with the same pen.
+class DrawPen::DashWalker {
+  public:
+    DashWalker(DrawPen& pen, CDC& dc);
+    ~DashWalker() { FlushRun(); }
+    DashWalker(const DashWalker&) = delete;
+    DashWalker& operator=(const DashWalker&) = delete;
+
+    void MoveTo(const CPoint& to) {
+        if (!(to == position_)) Jump(to);
+        pen_.current_ = to;
+    }
+    void LineTo(const CPoint& to);
+    const CPoint& Current() const { return pen_.current_; }
+
+  private:
+    // Lengths in logical units of one pattern element, as the walk uses them.
+    struct Element {
+        int atStart = 0;  // when a call begins inside the element: its width is added once
+        int inLoop = 0;   // when the walk enters it: gaps grow by two widths, dashes shrink by a unit
+    };
+
+    void WalkDashes(const CPoint& to, int length);
+    void WalkVisiblePart(const CPoint& to);
+    void SkipAlong(std::int64_t distance);
+    bool Advances() const { return cycle_ > 0; }
+    bool IsDash() const { return pen_.dashIndex_ % 2 == 0; }
+    int Remaining() const {
+        return elements_[static_cast<std::size_t>(pen_.dashIndex_)].atStart - pen_.dashPosition_ - 1;
+    }
+    void NextElement();
+    void Go(const CPoint& to);
+
+    // Consecutive lines are handed on in runs.
+    void Draw(const CPoint& to) {
+        run_[runLength_++] = to;
+        position_ = to;
+        if (runLength_ == run_.size()) FlushRun();
+    }
+    void Jump(const CPoint& to) {
+        FlushRun();
+        dc_.MoveTo(to.x, to.y);
+        position_ = to;
+    }
+    void FlushRun();
+
+    DrawPen& pen_;
+    CDC& dc_;
+    std::array<Element, kPatternSize> elements_{};
+    int elementCount_ = 0;
+    std::int64_t cycle_ = 0;  // the sum of all elements in the loop
+    CPoint position_;         // where the context's position is, or will be after the run
+    std::array<CPoint, 1024> run_;
+    std::size_t runLength_ = 0;
+};
