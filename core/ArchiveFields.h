@@ -32,7 +32,7 @@ inline void ExchangeFlag(CArchive& ar, bool& flag) {
 // Signed 32-bit raw values, `count` of them.
 inline void ExchangeRaw(CArchive& ar, void* data, std::size_t bytes) {
     if (ar.IsStoring()) {
-        ar.Write(data, static_cast<UINT>(bytes));
+        ar.Write(data, bytes);
     } else {
         ar.ReadExact(data, bytes);
     }
@@ -57,7 +57,7 @@ void ExchangeList(CArchive& ar, std::vector<T>& list) {
 // one that the archive has handed out before (it already has an owner) raise CArchiveException*.
 template <class T>
 std::unique_ptr<T> ReadOwned(CArchive& ar) {
-    return std::unique_ptr<T>(static_cast<T*>(ar.ReadOwnedObject(RUNTIME_CLASS(T))));
+    return std::unique_ptr<T>(static_cast<T*>(ar.ReadNewObject(T::GetThisClass()).release()));
 }
 
 }  // namespace zel

@@ -112,12 +112,15 @@ void Zel2Main::OnPrint(CDC* dc, CPrintInfo* info) {
 }
 
 void Zel2Main::SetClipLog(CRgn* region) {
-    if (GetParent()) return GetParent()->SetClipLog(region);
+    if (GetParent()) {
+        GetParent()->SetClipLog(region);
+        return;
+    }
     if (!dc_) return;
     HRGN level = nullptr;
     if (rules_ == ZelRules::EXACT && region) {
         level = CreateRectRgn(0, 0, 0, 0);
-        const HRGN own = static_cast<HRGN>(region->GetSafeHandle());
+        const HRGN own = static_cast<HRGN>(*region);
         const HRGN outer = clipLevels_.empty() ? nullptr : clipLevels_.back();
         if (outer) {
             CombineRgn(level, outer, own, RGN_AND);
@@ -130,7 +133,10 @@ void Zel2Main::SetClipLog(CRgn* region) {
 }
 
 void Zel2Main::ResetClip() {
-    if (GetParent()) return GetParent()->ResetClip();
+    if (GetParent()) {
+        GetParent()->ResetClip();
+        return;
+    }
     if (!dc_) return;
     if (!clipLevels_.empty()) {
         if (clipLevels_.back()) DeleteObject(clipLevels_.back());

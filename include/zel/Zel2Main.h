@@ -65,9 +65,7 @@ class Zel2Main : public Zel2Tools {
   private:
     class Pass;
 
-    HMETAFILE CreateExactMF(const char* fileName, int& unitsPerInch);
     int CreateClassicPlaceableMF(const char* fileName);
-    int CreateExactPlaceableMF(const char* fileName);
     template <class DrawTree>
     void RunPass(CDC* dc, DrawTree drawTree);
     void SelectTopClip();

@@ -1,0 +1,177 @@
+// Formatted text: CDC::DrawText.
+#include <algorithm>
+#include <string>
+
+#include <zel/platform/DC.h>
+
+#include "platform/graphics/Utf8.h"
+
+namespace {
+
+constexpr int kTabStop = 8;  // average character widths
+
+struct FormattedLine {
+    std::string text;
+    int width = 0;
+    std::ptrdiff_t underlined = -1;  // byte offset of the character that is underlined
+};
+
+class Formatter {
+  public:
+    Formatter(const CDC& dc, UINT format) : dc_(dc), format_(format) { dc.GetTextMetrics(&metrics_); }
+
+    std::vector<FormattedLine> Lines(std::string_view text, int width) const {
+        std::vector<FormattedLine> lines;
+        if (format_ & DT_SINGLELINE) {
+            lines.push_back(Measured(text));
+            return lines;
+        }
+        while (true) {
+            const std::size_t end = text.find_first_of("\r\n");
+            AppendBroken(text.substr(0, end), width, lines);
+            if (end == std::string_view::npos) break;
+            // CR LF is one line end, and so is LF CR.
+            const bool pair = end + 1 < text.size() && text[end + 1] != text[end] &&
+                              (text[end + 1] == '\r' || text[end + 1] == '\n');
+            text.remove_prefix(end + (pair ? 2 : 1));
+            if (text.empty()) break;  // a line end at the very end adds no line
+        }
+        return lines;
+    }
+    int LineHeight() const {
+        return metrics_.tmHeight + (format_ & DT_EXTERNALLEADING ? metrics_.tmExternalLeading : 0);
+    }
+    const TEXTMETRIC& Metrics() const { return metrics_; }
+    int Width(std::string_view text) const { return dc_.GetTextExtent(text.data(), static_cast<int>(text.size())).cx; }
+
+    // Where a line's pieces between tabs begin, relative to the line.
+    template <class Piece>
+    int ForEachPiece(const std::string& line, Piece piece) const {
+        int x = 0;
+        if (!(format_ & DT_EXPANDTABS)) {
+            piece(std::string_view(line), 0);
+            return Width(line);
+        }
+        const int stop = std::max(1, kTabStop * metrics_.tmAveCharWidth);
+        std::string_view rest(line);
+        while (true) {
+            const std::size_t tab = rest.find('\t');
+            const std::string_view part = rest.substr(0, tab);
+            piece(part, x);
+            x += Width(part);
+            if (tab == std::string_view::npos) return x;
+            x = (x / stop + 1) * stop;
+            rest.remove_prefix(tab + 1);
+        }
+    }
+
+  private:
+    // The line with its '&' taken out, measured.
+    FormattedLine Measured(std::string_view text) const {
+        FormattedLine line;
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if (text[i] == '&' && !(format_ & DT_NOPREFIX) && i + 1 < text.size()) {
+                ++i;
+                if (text[i] != '&') line.underlined = static_cast<std::ptrdiff_t>(line.text.size());
+            }
+            line.text += text[i];
+        }
+        line.width = ForEachPiece(line.text, [](std::string_view, int) {});
+        return line;
+    }
+
+    void AppendBroken(std::string_view text, int width, std::vector<FormattedLine>& lines) const {
+        while (format_ & DT_WORDBREAK) {
+            const std::size_t cut = BreakAt(text, width);
+            if (cut >= text.size()) break;
+            std::size_t end = cut;
+            while (end > 0 && text[end - 1] == ' ') --end;
+            lines.push_back(Measured(text.substr(0, end)));
+            std::size_t next = cut;
+            while (next < text.size() && text[next] == ' ') ++next;
+            text.remove_prefix(next);
+        }
+        lines.push_back(Measured(text));
+    }
+
+    // How much of the text goes on one line: whole words as long as they fit, at least one.
+    std::size_t BreakAt(std::string_view text, int width) const {
+        std::size_t fits = 0;
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t word = std::min(text.find(' ', text.find_first_not_of(' ', at)), text.size());
+            if (fits > 0 && Measured(text.substr(0, word)).width > width) return fits;
+            fits = at = word;
+        }
+        return text.size();
+    }
+
+    const CDC& dc_;
+    UINT format_;
+    TEXTMETRIC metrics_{};
+};
+
+int HorizontalOffset(UINT format, int room, int width) {
+    if (format & DT_RIGHT) return room - width;
+    if (format & DT_CENTER) return (room - width) / 2;
+    return 0;
+}
+
+void Underline(CDC& dc, const Formatter& formatter, const FormattedLine& line, int x, int y) {
+    const std::string_view text(line.text);
+    auto end = static_cast<std::size_t>(line.underlined);
+    const int left = x + formatter.Width(text.substr(0, end));
+    zel::NextCodePoint(text, end);
+    const int right = x + formatter.Width(text.substr(0, end));
+    const int below = y + formatter.Metrics().tmAscent + 1;
+    CPen pen(PS_SOLID, 0, dc.GetTextColor());
+    CPen* previous = dc.SelectObject(&pen);
+    const CPoint position = dc.GetCurrentPosition();
+    dc.MoveTo(left, below);
+    dc.LineTo(right, below);
+    dc.MoveTo(position);
+    dc.SelectObject(previous);
+}
+
+}  // namespace
+
+int CDC::DrawText(const char* text, int length, RECT* rect, UINT format) {
+    const std::string_view whole = length < 0 ? std::string_view(text) : std::string_view(text, static_cast<std::size_t>(length));
+    const Formatter formatter(*this, format);
+    const int lineHeight = formatter.LineHeight();
+    if (whole.empty()) {
+        if (format & DT_CALCRECT) *rect = CRect(rect->left, rect->top, rect->left, rect->top);
+        return lineHeight;
+    }
+    const CRect box(*rect);
+    const std::vector<FormattedLine> lines = formatter.Lines(whole, box.Width());
+    const int height = lineHeight * static_cast<int>(lines.size());
+    int top = box.top;
+    if (format & DT_SINGLELINE) {
+        if (format & DT_VCENTER) top = box.top + box.Height() / 2 - height / 2;
+        if (format & DT_BOTTOM) top = box.bottom - height;
+    }
+    const int answer = top - box.top + height;
+    if (format & DT_CALCRECT) {
+        int widest = 0;
+        for (const FormattedLine& line : lines) widest = std::max(widest, line.width);
+        rect->right = rect->left + widest;
+        rect->bottom = rect->top + answer;
+        return answer;
+    }
+    const bool clips = !(format & DT_NOCLIP);
+    const int level = clips ? SaveDC() : 0;
+    if (clips) IntersectClipRect(&box);
+    const UINT align = SetTextAlign(TA_LEFT | TA_TOP);
+    int y = top;
+    for (const FormattedLine& line : lines) {
+        const int x = box.left + HorizontalOffset(format, box.Width(), line.width);
+        formatter.ForEachPiece(line.text, [&](std::string_view piece, int offset) {
+            if (!piece.empty()) TextOut(x + offset, y, piece.data(), static_cast<int>(piece.size()));
+        });
+        if (line.underlined >= 0) Underline(*this, formatter, line, x, y);
+        y += lineHeight;
+    }
+    SetTextAlign(align);
+    if (clips) RestoreDC(level);
+    return answer;
+}

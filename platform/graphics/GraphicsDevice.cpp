@@ -1,0 +1,136 @@
+#include <zel/platform/GraphicsDevice.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace zel {
+namespace {
+
+constexpr double kTurn = 2 * std::numbers::pi;
+
+// An ellipse in device units, y downwards.
+struct DeviceEllipse {
+    double cx, cy, rx, ry;
+
+    explicit DeviceEllipse(const CRect& box)
+        : cx((static_cast<double>(box.left) + box.right) / 2), cy((static_cast<double>(box.top) + box.bottom) / 2),
+          rx(std::fabs(static_cast<double>(box.right) - box.left) / 2),
+          ry(std::fabs(static_cast<double>(box.bottom) - box.top) / 2) {}
+
+    CPoint At(double angle) const {
+        return {Truncate(std::round(cx + rx * std::cos(angle))), Truncate(std::round(cy - ry * std::sin(angle)))};
+    }
+    // The parameter of the point in the direction of `p`.
+    double Towards(const CPoint& p) const {
+        return std::atan2((cy - p.y) * std::max(rx, 0.5), (p.x - cx) * std::max(ry, 0.5));
+    }
+    // As many steps as keep the chords within a quarter of a unit of the curve.
+    int Steps(double sweep) const {
+        const double radius = std::max({rx, ry, 1.0});
+        const double step = 2 * std::acos(std::max(0.0, 1 - 0.25 / radius));
+        return static_cast<int>(std::clamp(std::ceil(std::fabs(sweep) / step), 8.0, 4096.0));
+    }
+    void Append(std::vector<CPoint>& points, double begin, double sweep) const {
+        const int steps = Steps(sweep);
+        for (int i = 0; i <= steps; ++i) points.push_back(At(begin + sweep * i / steps));
+    }
+};
+
+// Points computed in device units go on in logical ones, as every primitive expects.
+void ToLogical(const CoordinateMap& map, std::vector<CPoint>& points) {
+    for (CPoint& point : points) point = map.ToLogical(point);
+}
+
+CRect DeviceBox(const GraphicsState& state, const CRect& rect) {
+    CRect box = state.map.ToDevice(rect);
+    box.NormalizeRect();
+    return box;
+}
+
+void OneRing(GraphicsDevice& device, const GraphicsState& state, std::vector<CPoint> devicePoints) {
+    ToLogical(state.map, devicePoints);
+    const int count = static_cast<int>(devicePoints.size());
+    device.Polygons(state, devicePoints, std::span(&count, 1));
+}
+
+}  // namespace
+
+GraphicsDevice::~GraphicsDevice() = default;
+
+void GraphicsDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
+    const CRect box = DeviceBox(state, rect);
+    if (box.Width() < 2 && box.Height() < 2) return;
+    OneRing(*this, state,
+            {box.TopLeft(), {box.right - 1, box.top}, {box.right - 1, box.bottom - 1}, {box.left, box.bottom - 1}});
+}
+
+void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) {
+    const CRect box = DeviceBox(state, rect);
+    const CSize size = state.map.ToDevice(corner);
+    const int w = std::min(std::abs(size.cx), box.Width());
+    const int h = std::min(std::abs(size.cy), box.Height());
+    const int right = box.right - 1;
+    const int bottom = box.bottom - 1;
+    std::vector<CPoint> points;
+    constexpr double kQuarter = kTurn / 4;
+    DeviceEllipse({right - w, box.top, right, box.top + h}).Append(points, 0, kQuarter);
+    DeviceEllipse({box.left, box.top, box.left + w, box.top + h}).Append(points, kQuarter, kQuarter);
+    DeviceEllipse({box.left, bottom - h, box.left + w, bottom}).Append(points, 2 * kQuarter, kQuarter);
+    DeviceEllipse({right - w, bottom - h, right, bottom}).Append(points, 3 * kQuarter, kQuarter);
+    OneRing(*this, state, std::move(points));
+}
+
+void GraphicsDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
+    CRect box = DeviceBox(state, rect);
+    box.right -= 1;
+    box.bottom -= 1;
+    std::vector<CPoint> points;
+    DeviceEllipse(box).Append(points, 0, kTurn);
+    points.pop_back();
+    OneRing(*this, state, std::move(points));
+}
+
+void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
+                         ArcKind kind) {
+    CRect box = DeviceBox(state, rect);
+    box.right -= 1;
+    box.bottom -= 1;
+    const DeviceEllipse ellipse(box);
+    double begin = ellipse.Towards(state.map.ToDevice(start));
+    double finish = ellipse.Towards(state.map.ToDevice(end));
+    if (state.arcDirection == AD_CLOCKWISE) std::swap(begin, finish);
+    double sweep = finish - begin;
+    while (sweep <= 1e-12) sweep += kTurn;
+    std::vector<CPoint> points;
+    ellipse.Append(points, begin, sweep);
+    if (kind == ArcKind::PIE) points.push_back({Truncate(std::round(ellipse.cx)), Truncate(std::round(ellipse.cy))});
+    if (kind != ArcKind::ARC) {
+        OneRing(*this, state, std::move(points));
+        return;
+    }
+    ToLogical(state.map, points);
+    Polyline(state, points.data(), points.size());
+}
+
+void GraphicsDevice::SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) {
+    const CPoint at = state.map.ToDevice(point);
+    const CRect pixel = state.map.ToLogical(CRect(at.x, at.y, Add(at.x, 1), Add(at.y, 1)));
+    FillRect(state, pixel, {BS_SOLID, color, 0}, PATCOPY);
+}
+
+void GraphicsDevice::FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush) {
+    for (const CRect& rect : region.Rects()) FillRect(state, rect, brush, PATCOPY);
+}
+
+std::vector<int> GraphicsDevice::PrefixExtents(const GraphicsState& state, std::string_view text,
+                                               std::span<const std::size_t> ends) {
+    std::vector<int> extents;
+    extents.reserve(ends.size());
+    for (const std::size_t end : ends) extents.push_back(TextExtent(state, text.substr(0, end)).cx);
+    return extents;
+}
+
+COLORREF GraphicsDevice::GetPixel(const CPoint&) { return CLR_INVALID; }
+void GraphicsDevice::Flush() {}
+
+}  // namespace zel

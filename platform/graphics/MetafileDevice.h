@@ -1,0 +1,85 @@
+// The device behind a metafile recorder.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include <zel/platform/GraphicsDevice.h>
+
+namespace zel {
+
+// Writes the records of a Windows metafile (Microsoft MS-WMF). A record of a setting is written only when a primitive
+// needs it and it differs from what was written last; objects are created when they are first needed and kept for
+// use again.
+class MetafileDevice : public GraphicsDevice {
+  public:
+    explicit MetafileDevice(std::string fileName) : fileName_(std::move(fileName)) {}
+
+    const std::string& FileName() const { return fileName_; }
+    // The complete metafile; nothing may be drawn afterwards.
+    std::vector<std::uint8_t> Finish();
+
+    int Caps(int index) const override { return index == TECHNOLOGY ? DT_METAFILE : 0; }
+    void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override;
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override;
+    void Rectangle(const GraphicsState& state, const CRect& rect) override;
+    void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) override;
+    void Ellipse(const GraphicsState& state, const CRect& rect) override;
+    void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
+             ArcKind kind) override;
+    void SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) override;
+    void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
+    CSize TextExtent(const GraphicsState&, std::string_view) override { return {}; }
+    TEXTMETRIC TextMetrics(const GraphicsState&) override { return {}; }
+
+  private:
+    using Words = std::vector<WORD>;
+    enum ObjectKind { PEN, BRUSH, FONT, KINDS };
+    struct Slot {
+        ObjectKind kind;
+        Words definition;
+    };
+    // What the player's context has after the records so far; the defaults of a fresh context at first.
+    struct Written {
+        CoordinateMap map;
+        int selected[KINDS] = {-1, -1, -1};
+        int rasterMode = R2_COPYPEN;
+        int polygonFillMode = ALTERNATE;
+        int backgroundMode = OPAQUE;
+        COLORREF backgroundColor = RGB(255, 255, 255);
+        COLORREF textColor = 0;
+        UINT textAlign = 0;
+    };
+
+    void Record(WORD function, const Words& parameters);
+    void WriteMap(const CoordinateMap& map);
+    void WriteClip(const GraphicsState& state);
+    void WriteCommon(const GraphicsState& state);
+    void WriteMode(WORD function, int& written, int wanted);
+    void WriteColor(WORD function, COLORREF& written, COLORREF wanted);
+    void WriteStroke(const GraphicsState& state);
+    void WriteShape(const GraphicsState& state);
+    void Select(ObjectKind kind, Words definition);
+    void SelectPen(const LOGPEN& pen);
+    void SelectBrush(const LOGBRUSH& brush);
+    void SelectFont(const LOGFONT& font);
+    int SlotFor(ObjectKind kind, const Words& definition);
+    int FreeSlot();
+    void WriteSpan(const TextSpan& span);
+    bool WriteRun(std::span<const TextSpan> spans);
+    void DrawThinned(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts);
+    void WritePolyline(const CPoint* points, std::size_t count);
+
+    std::string fileName_;
+    Words body_;
+    DWORD largestRecord_ = 3;
+    std::vector<Slot> slots_;
+    std::size_t nextVictim_ = 0;
+    Written written_;
+    std::shared_ptr<const Region> clip_;
+    Written beforeClip_;
+};
+
+}  // namespace zel
