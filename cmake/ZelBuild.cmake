@@ -15,6 +15,10 @@ endif()
 add_library(zel_settings INTERFACE)
 target_compile_options(zel_settings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wshadow -Wnon-virtual-dtor)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  # This compiler's library sets the warning off itself (its defect 105651).
+  target_compile_options(zel_settings INTERFACE -Wno-restrict)
+endif()
 # Values must not depend on the processor that compiled them: no fused multiply-add.
 target_compile_options(zel_settings INTERFACE -ffp-contract=off)
 if(ZEL_SANITIZE)

@@ -23,6 +23,8 @@ void Platform::Install(std::unique_ptr<Platform> platform) {
 
 std::unique_ptr<GraphicsDevice> Platform::CreateScreenCompatibleDevice() { return std::make_unique<MetricsDevice>(); }
 
+double Platform::UnitsPerInch(const FileDeviceOptions& options) { return options.dotsPerInch; }
+
 std::unique_ptr<DocumentDevice> Platform::CreateFileDevice(const FileDeviceOptions& options) {
     AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": drawing ." + options.format +
                                    " files needs a back end such as zel::qt, and none is installed.")

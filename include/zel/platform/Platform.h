@@ -14,9 +14,6 @@ struct FileDeviceOptions {
     std::string format;  // lower case: "png", "jpg", "pdf", "svg"
     double width = 0;    // of the whole page or image
     double height = 0;
-    // Inches from the page's left and top edge to the device's origin; the drawing may use what lies outside.
-    double marginLeft = 0;
-    double marginTop = 0;
     double dotsPerInch = 96;    // pixels per inch of an image; other formats ignore it
     double unitsPerInch = 0;    // device units that the device reports per inch; 0: the format's own choice
     bool opaqueBackground = true;
@@ -40,6 +37,10 @@ class Platform {
     // A device with the resolution and fonts of the screen on which nothing is seen: for measuring text and for
     // contexts "compatible with the screen".
     virtual std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice();
+
+    // The device units in an inch of paper or image that a device for `options` has, before unitsPerInch of the
+    // options changes what it reports.
+    virtual double UnitsPerInch(const FileDeviceOptions& options);
 
     // A device that draws the file described by `options`; nothing is written before its Finish().
     // Throws CNotSupportedException* naming the missing back end, or CFileException* when the path is unusable.

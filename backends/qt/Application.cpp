@@ -1,0 +1,59 @@
+#include "backends/qt/Application.h"
+
+#include <QGuiApplication>
+
+#include <clocale>
+#include <memory>
+#include <mutex>
+#include <string>
+
+#include <zel/platform/Exception.h>
+
+namespace zel::qt {
+namespace {
+
+// Qt sets the C locale from the environment when its application object is made; numbers that the program prints must
+// not change by that.
+class KeptLocale {
+  public:
+    KeptLocale() : locale_(std::setlocale(LC_ALL, nullptr)) {}
+    ~KeptLocale() { std::setlocale(LC_ALL, locale_.c_str()); }
+    KeptLocale(const KeptLocale&) = delete;
+    KeptLocale& operator=(const KeptLocale&) = delete;
+
+  private:
+    std::string locale_;
+};
+
+// Without a display Qt would end the process.
+void ChoosePlatform() {
+    const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+                        !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (!chosen) qputenv("QT_QPA_PLATFORM", "offscreen");
+}
+
+std::unique_ptr<QGuiApplication> MakeApplication() {
+    static int count = 1;
+    static char name[] = "zel";
+    static char* arguments[] = {name, nullptr};
+    const KeptLocale kept;
+    ChoosePlatform();
+    return std::make_unique<QGuiApplication>(count, arguments);
+}
+
+}  // namespace
+
+void EnsureApplication() {
+    static std::mutex mutex;
+    const std::lock_guard lock(mutex);
+    if (qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return;
+    if (QCoreApplication::instance()) {
+        AfxThrowNotSupportedException(
+            "Cannot draw: the program's Qt application object is a QCoreApplication, and text needs a QGuiApplication "
+            "or QApplication.");
+    }
+    // Kept for the life of the process: what Qt has made since would be destroyed before it at exit.
+    [[maybe_unused]] static const QGuiApplication* const application = MakeApplication().release();
+}
+
+}  // namespace zel::qt

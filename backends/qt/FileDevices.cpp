@@ -1,0 +1,68 @@
+#include "backends/qt/FileDevices.h"
+
+#include <cmath>
+
+#include <zel/platform/Exception.h>
+#include <zel/qt/ImageDevice.h>
+
+#include "backends/qt/Fonts.h"
+
+namespace zel::qt {
+
+CSize MeasuringDevice::TextExtent(const GraphicsState& state, std::string_view text) {
+    return qt::TextExtent(state, text);
+}
+std::vector<int> MeasuringDevice::PrefixExtents(const GraphicsState& state, std::string_view text,
+                                                std::span<const std::size_t> ends) {
+    return qt::PrefixExtents(state, text, ends);
+}
+TEXTMETRIC MeasuringDevice::TextMetrics(const GraphicsState& state) { return qt::TextMetrics(state); }
+
+namespace {
+
+// Draws on an image and saves it at the end. What lies left of and above the margins is the drawing's to use too, so
+// the origin is moved by the context's user, not here.
+class ImageFileDevice : public MeasuringDevice {
+  public:
+    explicit ImageFileDevice(const FileDeviceOptions& options)
+        : options_(options), image_(Pixels(options.width), Pixels(options.height), options.dotsPerInch,
+                                    options.unitsPerInch) {
+        image_.Clear(options.background, options.opaqueBackground || options.format != "png");
+    }
+
+    void NewPage() override {
+        AfxThrowNotSupportedException(
+            ("Cannot write a second page into the image \"" + options_.path + "\"; PDF files have pages.").c_str());
+    }
+    void Finish() override { image_.Save(options_.path.c_str(), options_.format.c_str(), options_.quality); }
+
+    int Caps(int index) const override { return image_.Caps(index); }
+    void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
+        image_.Polyline(state, points, count);
+    }
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override {
+        image_.Polygons(state, points, counts);
+    }
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override {
+        image_.FillRect(state, rect, brush, operation);
+    }
+    void Ellipse(const GraphicsState& state, const CRect& rect) override { image_.Ellipse(state, rect); }
+    void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override {
+        image_.DrawText(state, spans);
+    }
+    COLORREF GetPixel(const CPoint& devicePoint) override { return image_.GetPixel(devicePoint); }
+
+  private:
+    int Pixels(double inches) const { return std::max(1, static_cast<int>(std::lround(inches * options_.dotsPerInch))); }
+
+    FileDeviceOptions options_;
+    ImageDevice image_;
+};
+
+}  // namespace
+
+std::unique_ptr<DocumentDevice> CreateImageFileDevice(const FileDeviceOptions& options) {
+    return std::make_unique<ImageFileDevice>(options);
+}
+
+}  // namespace zel::qt

@@ -1,0 +1,26 @@
+// Devices that end in a file.
+#pragma once
+
+#include <memory>
+
+#include <zel/platform/Platform.h>
+
+namespace zel::qt {
+
+inline constexpr int kPdfUnitsPerInch = 1200;
+inline constexpr int kSvgUnitsPerInch = 1440;  // the view box scales them to the image's inches
+
+std::unique_ptr<DocumentDevice> CreatePdfDevice(const FileDeviceOptions& options);
+std::unique_ptr<DocumentDevice> CreateSvgDevice(const FileDeviceOptions& options);
+std::unique_ptr<DocumentDevice> CreateImageFileDevice(const FileDeviceOptions& options);
+
+// Text measured with Qt's fonts, for the devices of files.
+class MeasuringDevice : public DocumentDevice {
+  public:
+    CSize TextExtent(const GraphicsState& state, std::string_view text) override;
+    std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
+                                   std::span<const std::size_t> ends) override;
+    TEXTMETRIC TextMetrics(const GraphicsState& state) override;
+};
+
+}  // namespace zel::qt

@@ -1,0 +1,308 @@
+#include "backends/qt/Fonts.h"
+
+#include <QFontInfo>
+#include <QFontMetricsF>
+
+#include <cmath>
+#include <map>
+#include <string>
+#include <tuple>
+
+#include <zel/platform/Warning.h>
+
+#include "platform/graphics/StandardMetrics.h"
+#include "platform/graphics/Utf8.h"
+
+namespace zel::qt {
+namespace {
+
+constexpr int kDesignSize = 2048;       // pixels at which a face is measured
+constexpr char32_t kDirectGlyphs = 0x250;
+constexpr int kSizeSteps = 64;          // sizes of a face are told apart by this part of a pixel
+constexpr std::size_t kMostSizes = 64;
+
+QFont MakeFont(const LOGFONT& font) {
+    QFont made(QString::fromUtf8(font.lfFaceName));
+    made.setStyleHint(QFont::SansSerif);
+    made.setHintingPreference(QFont::PreferNoHinting);
+    made.setStyleStrategy(QFont::PreferAntialias);
+    made.setKerning(false);
+    if (font.lfWeight > 0) made.setWeight(font.lfWeight >= 600 ? QFont::Bold : QFont::Normal);
+    made.setItalic(font.lfItalic != 0);
+    made.setPixelSize(kDesignSize);
+    return made;
+}
+
+// Families that stand for one another without a change of any width.
+struct Stand {
+    const char* family;
+    const char* metricCompatible;
+};
+constexpr Stand kStands[] = {
+    {"arial", "liberation sans"},           {"helvetica", "liberation sans"},
+    {"arial", "arimo"},                     {"helvetica", "nimbus sans"},
+    {"times new roman", "liberation serif"}, {"times", "liberation serif"},
+    {"times new roman", "tinos"},           {"courier new", "liberation mono"},
+    {"courier", "liberation mono"},         {"courier new", "cousine"},
+};
+
+void WarnOfSubstitute(const QString& wanted, const QString& found) {
+    if (wanted.isEmpty() || wanted.compare(found, Qt::CaseInsensitive) == 0) return;
+    for (const Stand& stand : kStands) {
+        if (wanted.compare(QLatin1String(stand.family), Qt::CaseInsensitive) == 0 &&
+            found.compare(QLatin1String(stand.metricCompatible), Qt::CaseInsensitive) == 0)
+            return;
+    }
+    Warn("The font family \"" + wanted.toStdString() + "\" is not installed; \"" + found.toStdString() +
+         "\" stands in for it.");
+}
+
+QString ToQString(char32_t character) { return QString::fromUcs4(&character, 1); }
+QString ToQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+QColor ColorOf(COLORREF color) { return {GetRValue(color), GetGValue(color), GetBValue(color)}; }
+
+Face::Face(const LOGFONT& font) : font_(MakeFont(font)), design_(QRawFont::fromFont(font_)), latin_(kDirectGlyphs) {
+    WarnOfSubstitute(QString::fromUtf8(font.lfFaceName), design_.familyName());
+    ascent_ = design_.ascent() / kDesignSize;
+    descent_ = design_.descent() / kDesignSize;
+    leading_ = design_.leading() / kDesignSize;
+    for (Glyph& glyph : latin_) glyph.advance = -1;  // not looked up yet
+}
+
+const Face::Glyph& Face::GlyphOf(char32_t character) {
+    Glyph& glyph = character < kDirectGlyphs ? latin_[character] : glyphs_.try_emplace(character, Glyph{0, -1}).first->second;
+    if (glyph.advance >= 0) return glyph;
+    const QList<quint32> indexes = design_.glyphIndexesForString(ToQString(character));
+    glyph.index = indexes.isEmpty() ? 0 : indexes.first();
+    if (glyph.index != 0) {
+        glyph.advance = design_.advancesForGlyphIndexes({glyph.index}).value(0).x() / kDesignSize;
+    } else {
+        glyph.advance = QFontMetricsF(font_).horizontalAdvance(ToQString(character)) / kDesignSize;
+    }
+    return glyph;
+}
+
+const QRawFont& Face::AtSize(double pixels) {
+    const int key = static_cast<int>(std::lround(pixels * kSizeSteps));
+    const auto found = sizes_.find(key);
+    if (found != sizes_.end()) return found->second;
+    if (sizes_.size() >= kMostSizes) sizes_.clear();
+    QRawFont& font = sizes_[key];
+    font = design_;
+    font.setPixelSize(static_cast<double>(key) / kSizeSteps);
+    return font;
+}
+
+QFont Face::WithFallback(int pixels) const {
+    QFont font(font_);
+    font.setPixelSize(std::max(pixels, 1));
+    return font;
+}
+
+Face& FaceOf(const LOGFONT& font) {
+    using Key = std::tuple<std::string, bool, bool>;
+    thread_local std::map<Key, Face> faces;
+    thread_local const Face* last = nullptr;
+    thread_local Key lastKey;
+    Key key(font.lfFaceName, font.lfWeight >= 600, font.lfItalic != 0);
+    if (last && key == lastKey) return *const_cast<Face*>(last);
+    Face& face = faces.try_emplace(key, font).first->second;
+    last = &face;
+    lastKey = std::move(key);
+    return face;
+}
+
+double EmHeight(const GraphicsState& state) {
+    const double height = std::fabs(static_cast<double>(state.font.lfHeight)) * state.map.ScaleY();
+    if (state.font.lfHeight == 0) return kDefaultEm;
+    if (state.font.lfHeight < 0) return height;
+    const Face& face = FaceOf(state.font);
+    return height / (face.Ascent() + face.Descent());
+}
+
+double WidthOf(const GraphicsState& state, std::string_view text) {
+    Face& face = FaceOf(state.font);
+    double ems = 0;
+    for (std::size_t at = 0; at < text.size();) ems += face.GlyphOf(NextCodePoint(text, at)).advance;
+    return ems * EmHeight(state);
+}
+
+namespace {
+int LogicalX(const GraphicsState& state, double units) { return Truncate(std::round(units / state.map.ScaleX())); }
+int LogicalY(const GraphicsState& state, double units) { return Truncate(std::round(units / state.map.ScaleY())); }
+}  // namespace
+
+CSize TextExtent(const GraphicsState& state, std::string_view text) {
+    if (text.empty()) return {};
+    return {LogicalX(state, WidthOf(state, text)), TextMetrics(state).tmHeight};
+}
+
+std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text, std::span<const std::size_t> ends) {
+    Face& face = FaceOf(state.font);
+    const double em = EmHeight(state);
+    std::vector<int> extents;
+    extents.reserve(ends.size());
+    double ems = 0;
+    std::size_t at = 0;
+    for (const std::size_t end : ends) {
+        while (at < end) ems += face.GlyphOf(NextCodePoint(text, at)).advance;
+        extents.push_back(LogicalX(state, ems * em));
+    }
+    return extents;
+}
+
+TEXTMETRIC TextMetrics(const GraphicsState& state) {
+    Face& face = FaceOf(state.font);
+    const double em = EmHeight(state);
+    TEXTMETRIC metrics{};
+    metrics.tmAscent = LogicalY(state, face.Ascent() * em);
+    metrics.tmDescent = LogicalY(state, face.Descent() * em);
+    metrics.tmHeight = metrics.tmAscent + metrics.tmDescent;
+    metrics.tmInternalLeading = LogicalY(state, std::max(0.0, (face.Ascent() + face.Descent() - 1) * em));
+    metrics.tmExternalLeading = LogicalY(state, face.Leading() * em);
+    metrics.tmAveCharWidth = LogicalX(state, face.GlyphOf('x').advance * em);
+    metrics.tmMaxCharWidth = LogicalX(state, 2 * em);
+    metrics.tmWeight = state.font.lfWeight;
+    metrics.tmItalic = state.font.lfItalic;
+    metrics.tmUnderlined = state.font.lfUnderline;
+    metrics.tmStruckOut = state.font.lfStrikeOut;
+    return metrics;
+}
+
+BaselineOffset OffsetOf(const GraphicsState& state, double width) {
+    Face& face = FaceOf(state.font);
+    const double em = EmHeight(state);
+    BaselineOffset offset{0, face.Ascent() * em};
+    if ((state.textAlign & TA_BASELINE) == TA_BASELINE) {
+        offset.y = 0;
+    } else if (state.textAlign & TA_BOTTOM) {
+        offset.y = -face.Descent() * em;
+    }
+    if ((state.textAlign & TA_CENTER) == TA_CENTER) {
+        offset.x = -width / 2;
+    } else if (state.textAlign & TA_RIGHT) {
+        offset.x = -width;
+    }
+    return offset;
+}
+
+namespace {
+
+// A run of text on one baseline, in pixels along the rotated text.
+class Run {
+  public:
+    Run(QPainter& painter, const GraphicsState& state, double unitsPerPixel)
+        : painter_(painter), state_(state), face_(FaceOf(state.font)), em_(EmHeight(state) / unitsPerPixel),
+          unitsPerPixel_(unitsPerPixel) {}
+
+    void Draw(std::span<const TextSpan> spans) {
+        const QPointF origin = PixelOf(spans.front().at);
+        painter_.save();
+        painter_.translate(origin);
+        const double angle = state_.font.lfEscapement / 10.0;
+        if (angle != 0) painter_.rotate(-angle);
+        const double cosine = std::cos(angle * M_PI / 180), sine = std::sin(angle * M_PI / 180);
+        for (const TextSpan& span : spans) {
+            const QPointF away = PixelOf(span.at) - origin;
+            // Into the turned frame: x along the text, y across it.
+            Add(span.text, {away.x() * cosine - away.y() * sine, away.x() * sine + away.y() * cosine});
+        }
+        Flush();
+        painter_.restore();
+    }
+
+  private:
+    QPointF PixelOf(const CPoint& logical) const {
+        const CPoint device = state_.map.ToDevice(logical);
+        return {device.x / unitsPerPixel_, device.y / unitsPerPixel_};
+    }
+
+    void Add(std::string_view text, QPointF at) {
+        const double width = WidthOf(state_, text) / unitsPerPixel_;
+        const BaselineOffset offset = OffsetOf(state_, width * unitsPerPixel_);
+        at += QPointF(offset.x / unitsPerPixel_, offset.y / unitsPerPixel_);
+        FillCell(at, width);
+        // Within a fraction of a pixel of where the text before ends: the rounding of the given point is taken out.
+        const bool follows = !indexes_.isEmpty() && std::fabs(at.x() - next_.x()) < Tolerance() &&
+                             std::fabs(at.y() - next_.y()) < Tolerance();
+        QPointF pen = follows ? next_ : at;
+        for (std::size_t i = 0; i < text.size();) {
+            const std::size_t begin = i;
+            const char32_t character = NextCodePoint(text, i);
+            const Face::Glyph& glyph = face_.GlyphOf(character);
+            if (glyph.index != 0) {
+                indexes_.append(glyph.index);
+                positions_.append(pen);
+            } else {
+                DrawSubstitute(text.substr(begin, i - begin), pen);
+            }
+            pen.rx() += glyph.advance * em_;
+        }
+        Decorate(at, width);
+        next_ = pen;
+    }
+
+    double Tolerance() const { return std::max(2 / unitsPerPixel_, 0.02 * em_); }
+
+    void FillCell(const QPointF& baseline, double width) {
+        if (state_.backgroundMode != OPAQUE) return;
+        const QRectF cell(baseline.x(), baseline.y() - face_.Ascent() * em_, width,
+                          (face_.Ascent() + face_.Descent()) * em_);
+        painter_.fillRect(cell, ColorOf(state_.backgroundColor));
+    }
+
+    void Decorate(const QPointF& baseline, double width) {
+        const double thickness = std::max(em_ / 14, 1 / unitsPerPixel_);
+        const QColor color = ColorOf(state_.textColor);
+        if (state_.font.lfUnderline) {
+            painter_.fillRect(QRectF(baseline.x(), baseline.y() + em_ * 0.1, width, thickness), color);
+        }
+        if (state_.font.lfStrikeOut) {
+            painter_.fillRect(QRectF(baseline.x(), baseline.y() - em_ * 0.28, width, thickness), color);
+        }
+    }
+
+    // A character from another face, through Qt's own choice of it.
+    void DrawSubstitute(std::string_view text, const QPointF& at) {
+        constexpr int kPixels = 256;
+        painter_.save();
+        painter_.translate(at);
+        painter_.scale(em_ / kPixels, em_ / kPixels);
+        painter_.setFont(face_.WithFallback(kPixels));
+        painter_.setPen(ColorOf(state_.textColor));
+        painter_.drawText(QPointF(0, 0), ToQString(text));
+        painter_.restore();
+    }
+
+    void Flush() {
+        if (indexes_.isEmpty()) return;
+        QGlyphRun run;
+        run.setRawFont(face_.AtSize(em_));
+        run.setGlyphIndexes(indexes_);
+        run.setPositions(positions_);
+        painter_.setPen(ColorOf(state_.textColor));
+        painter_.drawGlyphRun(QPointF(0, 0), run);
+    }
+
+    QPainter& painter_;
+    const GraphicsState& state_;
+    Face& face_;
+    double em_;  // pixels
+    double unitsPerPixel_;
+    QPointF next_;
+    QList<quint32> indexes_;
+    QList<QPointF> positions_;
+};
+
+}  // namespace
+
+void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans, double unitsPerPixel) {
+    if (!spans.empty()) Run(painter, state, unitsPerPixel).Draw(spans);
+}
+
+}  // namespace zel::qt

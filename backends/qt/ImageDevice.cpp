@@ -1,0 +1,444 @@
+#include <zel/qt/ImageDevice.h>
+
+#include <QImage>
+#include <QImageWriter>
+#include <QPainter>
+#include <QPainterPath>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include <zel/platform/Exception.h>
+#include <zel/platform/SafeFile.h>
+
+#include "backends/qt/Application.h"
+#include "backends/qt/Fonts.h"
+#include "backends/qt/Hatch.h"
+#include "backends/qt/PolygonClip.h"
+#include "backends/qt/Stroker.h"
+
+namespace zel::qt {
+namespace {
+
+constexpr int kSub = ImageDevice::kSubPixels;
+constexpr double kFarOutside = 16000;  // pixels; the rasteriser's coordinates are exact up to twice that
+
+// The pixel that a device unit lies in.
+int PixelOf(LONG unit) { return static_cast<int>(unit >= 0 ? unit / kSub : -((static_cast<std::int64_t>(kSub) - 1 - unit) / kSub)); }
+double CentreOf(LONG unit) { return (unit + 0.5) / kSub; }
+
+bool IsAxisParallel(const CPoint* points, std::size_t count) {
+    for (std::size_t i = 1; i < count; ++i) {
+        if (points[i].x != points[i - 1].x && points[i].y != points[i - 1].y) return false;
+    }
+    return true;
+}
+
+std::uint32_t PixelValue(COLORREF color) {
+    return 0xFF000000u | static_cast<std::uint32_t>(GetRValue(color)) << 16 |
+           static_cast<std::uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
+}
+
+QPainter::CompositionMode CompositionOf(int rasterMode) {
+    switch (rasterMode) {
+        case R2_BLACK: return QPainter::RasterOp_ClearDestination;
+        case R2_NOTMERGEPEN: return QPainter::RasterOp_NotSourceAndNotDestination;
+        case R2_MASKNOTPEN: return QPainter::RasterOp_NotSourceAndDestination;
+        case R2_NOTCOPYPEN: return QPainter::RasterOp_NotSource;
+        case R2_MASKPENNOT: return QPainter::RasterOp_SourceAndNotDestination;
+        case R2_NOT: return QPainter::RasterOp_NotDestination;
+        case R2_XORPEN: return QPainter::RasterOp_SourceXorDestination;
+        case R2_NOTMASKPEN: return QPainter::RasterOp_NotSourceOrNotDestination;
+        case R2_MASKPEN: return QPainter::RasterOp_SourceAndDestination;
+        case R2_NOTXORPEN: return QPainter::RasterOp_NotSourceXorDestination;
+        case R2_NOP: return QPainter::CompositionMode_Destination;
+        case R2_MERGENOTPEN: return QPainter::RasterOp_NotSourceOrDestination;
+        case R2_MERGEPENNOT: return QPainter::RasterOp_SourceOrNotDestination;
+        case R2_MERGEPEN: return QPainter::RasterOp_SourceOrDestination;
+        case R2_WHITE: return QPainter::RasterOp_SetDestination;
+        default: return QPainter::CompositionMode_SourceOver;
+    }
+}
+
+// Painted and bare lengths in pixels.
+QList<qreal> DashesOf(UINT style) {
+    switch (style) {
+        case PS_DASH: return {18, 6};
+        case PS_DOT: return {3, 3};
+        case PS_DASHDOT: return {9, 6, 3, 6};
+        case PS_DASHDOTDOT: return {9, 3, 3, 3, 3, 3};
+        default: return {};
+    }
+}
+
+// Hands a long line on with at most four points to a column of pixels: the first, the lowest, the highest and the
+// last, in their order. What they leave out lies between them.
+template <class Emit>
+class ColumnThinner {
+  public:
+    explicit ColumnThinner(Emit emit) : emit_(emit) {}
+    ~ColumnThinner() { Finish(); }
+    ColumnThinner(const ColumnThinner&) = delete;
+    ColumnThinner& operator=(const ColumnThinner&) = delete;
+
+    void Add(const CPoint& p) {
+        const LONG column = p.x >> 4;
+        static_assert(kSub == 1 << 4);
+        if (column == column_ && any_) {
+            if (p.y < low_.y) low_ = p, lowLast_ = true;
+            if (p.y > high_.y) high_ = p, lowLast_ = false;
+            last_ = p;
+            return;
+        }
+        Finish();
+        first_ = low_ = high_ = last_ = p;
+        column_ = column;
+        any_ = true;
+    }
+
+  private:
+    void Finish() {
+        if (!any_) return;
+        CPoint given = first_;
+        emit_(given);
+        for (const CPoint& p : {lowLast_ ? high_ : low_, lowLast_ ? low_ : high_, last_}) {
+            if (p == given) continue;
+            given = p;
+            emit_(given);
+        }
+    }
+
+    Emit emit_;
+    CPoint first_, low_, high_, last_;
+    LONG column_ = 0;
+    bool any_ = false;
+    bool lowLast_ = false;  // the lowest point came after the highest
+};
+
+}  // namespace
+
+class ImageDevice::Impl {
+  public:
+    Impl(int pixelWidth, int pixelHeight, double resolution, double units)
+        : width(pixelWidth), height(pixelHeight), dotsPerInch(resolution),
+          unitsPerInch(units > 0 ? units : resolution * kSub),
+          pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFFFFFFFFu),
+          image(reinterpret_cast<uchar*>(pixels.data()), width, height, width * 4,
+                QImage::Format_ARGB32_Premultiplied),
+          stroker(width, height), painter(&image) {
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setRenderHint(QPainter::TextAntialiasing);
+        painter.setPen(Qt::NoPen);
+    }
+
+    // Makes the clip of `state` that of painter and strokes.
+    void UseClip(const GraphicsState& state) {
+        if (clipSet && state.clip == clip) return;
+        clip = state.clip;
+        clipSet = true;
+        clips.clear();
+        const CRect all(0, 0, width, height);
+        if (!clip) {
+            clips.push_back(all);
+            painter.setClipping(false);
+            return;
+        }
+        QRegion region;
+        for (const CRect& rect : clip->Rects()) {
+            const CRect box(PixelOf(rect.left), PixelOf(rect.top), PixelOf(Subtract(rect.right, 1)) + 1,
+                            PixelOf(Subtract(rect.bottom, 1)) + 1);
+            CRect seen;
+            if (!seen.IntersectRect(box, all)) continue;
+            clips.push_back(seen);
+            region += QRect(seen.left, seen.top, seen.Width(), seen.Height());
+        }
+        painter.setClipRegion(region.isEmpty() ? QRegion(-2, -2, 1, 1) : region);
+    }
+
+    double PenWidth(const GraphicsState& state) const {
+        return std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX() / kSub);
+    }
+
+    void FillPixels(const CRect& box, std::uint32_t value) {
+        for (const CRect& part : clips) {
+            CRect seen;
+            if (!seen.IntersectRect(box, part)) continue;
+            for (int y = seen.top; y < seen.bottom; ++y) {
+                auto row = pixels.begin() + static_cast<std::ptrdiff_t>(y) * width;
+                std::fill(row + seen.left, row + seen.right, value);
+            }
+        }
+    }
+
+    void DrawSmooth(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
+        const double half = penWidth / 2;
+        bool begun = false;
+        PointF previous{};
+        {
+            const auto emit = [&](const CPoint& p) {
+                const PointF at{CentreOf(p.x), CentreOf(p.y)};
+                if (begun) stroker.Add(previous, at, half);
+                previous = at;
+                begun = true;
+            };
+            ColumnThinner thinner(emit);
+            for (std::size_t i = 0; i < count; ++i) thinner.Add(points[i]);
+        }
+        stroker.Blend({pixels.data(), width, height}, color, clips);
+    }
+
+    // Along the axes: whole pixels. A line one pixel wide leaves out the unit that it ends on; wider ones have ends of
+    // half their width.
+    void DrawCrisp(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
+        const int wide = std::max(1, static_cast<int>(std::lround(penWidth)));
+        const int before = wide / 2;
+        for (std::size_t i = 1; i < count; ++i) {
+            CPoint a = points[i - 1];
+            CPoint b = points[i];
+            if (a == b) continue;
+            const bool closes = i + 1 < count;  // the next segment draws this one's last unit anyway
+            const auto shortened = [&](LONG from, LONG to) { return closes || wide > 1 ? to : to > from ? to - 1 : to < from ? to + 1 : to; };
+            b = {shortened(a.x, b.x), shortened(a.y, b.y)};
+            CRect box(PixelOf(std::min(a.x, b.x)), PixelOf(std::min(a.y, b.y)), PixelOf(std::max(a.x, b.x)) + 1,
+                      PixelOf(std::max(a.y, b.y)) + 1);
+            if (wide > 1) {
+                box.left -= before;
+                box.top -= before;
+                box.right += wide - 1 - before;
+                box.bottom += wide - 1 - before;
+            }
+            FillPixels(box, color);
+        }
+    }
+
+    // Dashed platform pens and raster modes: whole pixels through the painter.
+    void DrawPlain(const GraphicsState& state, const CPoint* points, std::size_t count) {
+        const double wide = PenWidth(state);
+        QPen pen(ColorOf(state.pen.lopnColor), wide, Qt::SolidLine, wide > 1 ? Qt::RoundCap : Qt::FlatCap, Qt::RoundJoin);
+        const QList<qreal> dashes = DashesOf(state.pen.lopnStyle);
+        if (!dashes.isEmpty() && wide <= 1) pen.setDashPattern(dashes);
+        QPolygonF line;
+        for (std::size_t i = 0; i < count; ++i) {
+            const QPointF at(PixelOf(points[i].x) + 0.5, PixelOf(points[i].y) + 0.5);
+            line.append({std::clamp(at.x(), -kFarOutside, kFarOutside), std::clamp(at.y(), -kFarOutside, kFarOutside)});
+        }
+        painter.save();
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        painter.setCompositionMode(CompositionOf(state.rasterMode));
+        painter.setPen(pen);
+        painter.drawPolyline(line);
+        painter.restore();
+    }
+
+    void FillRings(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) {
+        const QRectF near(-kFarOutside, -kFarOutside, 2 * kFarOutside, 2 * kFarOutside);
+        QPainterPath path;
+        path.setFillRule(state.polygonFillMode == WINDING ? Qt::WindingFill : Qt::OddEvenFill);
+        std::size_t begin = 0;
+        for (const int count : counts) {
+            QPolygonF ring;
+            ring.reserve(count);
+            for (const CPoint& p : points.subspan(begin, static_cast<std::size_t>(count))) {
+                const CPoint at = state.map.ToDevice(p);
+                ring.append({at.x / static_cast<double>(kSub), at.y / static_cast<double>(kSub)});
+            }
+            begin += static_cast<std::size_t>(count);
+            path.addPolygon(ClippedTo(ring, near));
+            path.closeSubpath();
+        }
+        PaintShape(state, [&] { painter.drawPath(path); });
+    }
+
+    template <class Paint>
+    void PaintShape(const GraphicsState& state, Paint paint) {
+        const bool plain = state.rasterMode == R2_COPYPEN;
+        painter.setBrush(BrushOf(state, state.brush));
+        painter.setBrushOrigin(state.brushOrigin.x / kSub, state.brushOrigin.y / kSub);
+        painter.setPen(Qt::NoPen);
+        if (!plain) {
+            painter.setRenderHint(QPainter::Antialiasing, false);
+            painter.setCompositionMode(CompositionOf(state.rasterMode));
+        }
+        paint();
+        if (!plain) {
+            painter.setRenderHint(QPainter::Antialiasing, true);
+            painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+        }
+    }
+
+    void FillBox(const GraphicsState& state, const CRect& box, const LOGBRUSH& brush, DWORD operation) {
+        if (operation == WHITENESS || operation == BLACKNESS) {
+            FillPixels(box, operation == WHITENESS ? 0xFFFFFFFFu : 0xFF000000u);
+        } else if (operation == PATCOPY && brush.lbStyle == BS_SOLID) {
+            FillPixels(box, PixelValue(brush.lbColor));
+        } else {
+            GraphicsState how = state;
+            how.brush = operation == DSTINVERT ? LOGBRUSH{BS_SOLID, RGB(255, 255, 255), 0} : brush;
+            how.rasterMode = operation == PATCOPY ? R2_COPYPEN : R2_XORPEN;
+            PaintShape(how, [&] { painter.drawRect(QRect(box.left, box.top, box.Width(), box.Height())); });
+        }
+    }
+
+    int width;
+    int height;
+    double dotsPerInch;
+    double unitsPerInch;
+    std::vector<std::uint32_t> pixels;
+    QImage image;
+    Stroker stroker;
+    QPainter painter;
+    std::shared_ptr<const Region> clip;
+    bool clipSet = false;
+    std::vector<CRect> clips;  // pixels
+};
+
+ImageDevice::ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch) {
+    EnsureApplication();
+    if (width < 1 || height < 1 || static_cast<std::int64_t>(width) * height > (std::int64_t{1} << 30)) {
+        AfxThrowInvalidArgException(("Cannot make an image of " + std::to_string(width) + " x " +
+                                     std::to_string(height) + " pixels.")
+                                        .c_str());
+    }
+    impl_ = std::make_unique<Impl>(width, height, dotsPerInch, unitsPerInch);
+}
+
+ImageDevice::~ImageDevice() = default;
+
+int ImageDevice::Width() const { return impl_->width; }
+int ImageDevice::Height() const { return impl_->height; }
+const std::uint32_t* ImageDevice::Pixels() const { return impl_->pixels.data(); }
+
+void ImageDevice::Clear(COLORREF color, bool opaque) {
+    std::fill(impl_->pixels.begin(), impl_->pixels.end(), opaque ? PixelValue(color) : 0);
+}
+
+void ImageDevice::Save(const char* path, const char* format, int quality) const {
+    std::string ending = format ? format : "";
+    if (!format) {
+        const std::string name(path);
+        const std::size_t dot = name.rfind('.');
+        ending = dot == std::string::npos ? "" : name.substr(dot + 1);
+    }
+    std::transform(ending.begin(), ending.end(), ending.begin(), [](char c) { return static_cast<char>(std::tolower(c)); });
+    const bool jpeg = ending == "jpg" || ending == "jpeg";
+    if (!jpeg && ending != "png") {
+        AfxThrowNotSupportedException(("Cannot write the image \"" + std::string(path) + "\": the format \"" + ending +
+                                       "\" is none of png, jpg.")
+                                          .c_str());
+    }
+    QImage image = impl_->image.copy();
+    const int dotsPerMetre = static_cast<int>(std::lround(impl_->dotsPerInch / 0.0254));
+    image.setDotsPerMeterX(dotsPerMetre);
+    image.setDotsPerMeterY(dotsPerMetre);
+    if (jpeg) image = image.convertToFormat(QImage::Format_RGB32);
+    SafeFile file(path);
+    QImageWriter writer(QString::fromStdString(file.TemporaryPath()), jpeg ? "JPG" : "PNG");
+    writer.setQuality(jpeg ? quality : 60);
+    if (!writer.write(image)) ThrowFileError("write", path, errno ? errno : EIO);
+    file.Commit();
+}
+
+int ImageDevice::Caps(int index) const {
+    const auto units = [](int pixels) { return pixels * kSub; };
+    switch (index) {
+        case TECHNOLOGY: return DT_RASDISPLAY;
+        case LOGPIXELSX:
+        case LOGPIXELSY: return static_cast<int>(std::lround(impl_->unitsPerInch));
+        case HORZRES: return units(impl_->width);
+        case VERTRES: return units(impl_->height);
+        case HORZSIZE: return static_cast<int>(impl_->width / impl_->dotsPerInch * 25.4);
+        case VERTSIZE: return static_cast<int>(impl_->height / impl_->dotsPerInch * 25.4);
+        case BITSPIXEL: return 32;
+        case PLANES: return 1;
+        case NUMCOLORS: return -1;
+        case ASPECTX:
+        case ASPECTY: return 36;
+        case ASPECTXY: return 51;
+        default: return 0;
+    }
+}
+
+void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) {
+    if (count < 2 || state.pen.lopnStyle == PS_NULL || state.rasterMode == R2_NOP) return;
+    std::vector<CPoint> mapped;
+    if (!state.map.IsIdentity()) {
+        mapped.reserve(count);
+        for (std::size_t i = 0; i < count; ++i) mapped.push_back(state.map.ToDevice(points[i]));
+        points = mapped.data();
+    }
+    Impl& impl = *impl_;
+    impl.UseClip(state);
+    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    const double penWidth = impl.PenWidth(state);
+    const std::uint32_t color = PixelValue(state.pen.lopnColor);
+    if (state.rasterMode != R2_COPYPEN || !solid) {
+        impl.DrawPlain(state, points, count);
+    } else if (IsAxisParallel(points, count)) {
+        impl.DrawCrisp(points, count, penWidth, color);
+    } else {
+        impl.DrawSmooth(points, count, penWidth, color);
+    }
+}
+
+void ImageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) {
+    impl_->UseClip(state);
+    if (state.brush.lbStyle != BS_NULL) impl_->FillRings(state, points, counts);
+    if (state.pen.lopnStyle == PS_NULL) return;
+    std::size_t begin = 0;
+    for (const int count : counts) {
+        const auto ring = points.subspan(begin, static_cast<std::size_t>(count));
+        std::vector<CPoint> closed(ring.begin(), ring.end());
+        if (!(closed.front() == closed.back())) closed.push_back(closed.front());
+        Polyline(state, closed.data(), closed.size());
+        begin += static_cast<std::size_t>(count);
+    }
+}
+
+void ImageDevice::FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) {
+    if (brush.lbStyle == BS_NULL && (operation == PATCOPY || operation == PATINVERT)) return;
+    CRect units = state.map.ToDevice(rect);
+    units.NormalizeRect();
+    const CRect box(PixelOf(units.left), PixelOf(units.top), PixelOf(units.right), PixelOf(units.bottom));
+    impl_->UseClip(state);
+    CRect seen;
+    if (seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height))) impl_->FillBox(state, seen, brush, operation);
+}
+
+void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
+    CRect box = state.map.ToDevice(rect);
+    box.NormalizeRect();
+    impl_->UseClip(state);
+    const double scale = kSub;
+    const QRectF shape(box.left / scale, box.top / scale, (box.Width() - 1) / scale, (box.Height() - 1) / scale);
+    const double limit = kFarOutside;
+    if (state.brush.lbStyle != BS_NULL && std::fabs(shape.left()) < limit && std::fabs(shape.right()) < limit) {
+        impl_->PaintShape(state, [&] { impl_->painter.drawEllipse(shape); });
+    }
+    if (state.pen.lopnStyle == PS_NULL) return;
+    GraphicsState outline = state;
+    outline.brush.lbStyle = BS_NULL;
+    GraphicsDevice::Ellipse(outline, rect);
+}
+
+void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
+    impl_->UseClip(state);
+    DrawSpans(impl_->painter, state, spans, kSub);
+}
+
+CSize ImageDevice::TextExtent(const GraphicsState& state, std::string_view text) { return qt::TextExtent(state, text); }
+std::vector<int> ImageDevice::PrefixExtents(const GraphicsState& state, std::string_view text,
+                                            std::span<const std::size_t> ends) {
+    return qt::PrefixExtents(state, text, ends);
+}
+TEXTMETRIC ImageDevice::TextMetrics(const GraphicsState& state) { return qt::TextMetrics(state); }
+
+COLORREF ImageDevice::GetPixel(const CPoint& devicePoint) {
+    const int x = PixelOf(devicePoint.x);
+    const int y = PixelOf(devicePoint.y);
+    if (x < 0 || y < 0 || x >= impl_->width || y >= impl_->height) return CLR_INVALID;
+    const std::uint32_t value = impl_->pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(impl_->width) + static_cast<std::size_t>(x)];
+    return RGB(static_cast<int>(value >> 16 & 0xFF), static_cast<int>(value >> 8 & 0xFF), static_cast<int>(value & 0xFF));
+}
+
+}  // namespace zel::qt

@@ -1,0 +1,291 @@
+#include <QBuffer>
+#include <QXmlStreamWriter>
+
+#include <cmath>
+#include <string>
+
+#include <zel/platform/Exception.h>
+#include <zel/platform/SafeFile.h>
+
+#include "backends/qt/Application.h"
+#include "backends/qt/FileDevices.h"
+#include "backends/qt/Fonts.h"
+#include "backends/qt/Hatch.h"
+
+namespace zel::qt {
+namespace {
+
+constexpr int kResolution = kSvgUnitsPerInch;
+constexpr double kHairline = 0.5 / 96 * kResolution;
+constexpr double kHatchSpacing = 8.0 / 96 * kResolution;
+
+QString Number(double value) { return QString::number(std::round(value * 100) / 100, 'g', 12); }
+
+QString HexColor(COLORREF color) {
+    return QString::asprintf("#%02x%02x%02x", GetRValue(color), GetGValue(color), GetBValue(color));
+}
+
+// One picture as Scalable Vector Graphics 1.1: an element for each primitive, text as text.
+class SvgDevice : public MeasuringDevice {
+  public:
+    explicit SvgDevice(const FileDeviceOptions& options) : options_(options), file_(options.path) {
+        buffer_.open(QIODevice::WriteOnly);
+        xml_.setDevice(&buffer_);
+        xml_.setAutoFormatting(true);
+        xml_.setAutoFormattingIndent(1);
+        xml_.writeStartDocument();
+        xml_.writeStartElement("svg");
+        xml_.writeDefaultNamespace("http://www.w3.org/2000/svg");
+        xml_.writeAttribute("version", "1.1");
+        xml_.writeAttribute("width", Number(options.width) + "in");
+        xml_.writeAttribute("height", Number(options.height) + "in");
+        const QString width = Number(Units(options.width)), height = Number(Units(options.height));
+        xml_.writeAttribute("viewBox", "0 0 " + width + " " + height);
+        xml_.writeAttribute("stroke-linecap", "round");
+        xml_.writeAttribute("stroke-linejoin", "round");
+        if (!options.title.empty()) xml_.writeTextElement("title", QString::fromStdString(options.title));
+        if (!options.opaqueBackground) return;
+        xml_.writeEmptyElement("rect");
+        xml_.writeAttribute("width", width);
+        xml_.writeAttribute("height", height);
+        xml_.writeAttribute("fill", HexColor(options.background));
+    }
+
+    void NewPage() override {
+        AfxThrowNotSupportedException(
+            ("Cannot write a second page into \"" + options_.path + "\"; PDF files have pages.").c_str());
+    }
+
+    void Finish() override {
+        EndClip();
+        xml_.writeEndDocument();
+        buffer_.close();
+        file_.Write(buffer_.data().constData(), static_cast<std::size_t>(buffer_.data().size()));
+        file_.Commit();
+    }
+
+    int Caps(int index) const override {
+        switch (index) {
+            case TECHNOLOGY: return DT_RASDISPLAY;
+            case LOGPIXELSX:
+            case LOGPIXELSY:
+                return static_cast<int>(std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
+            case HORZRES: return static_cast<int>(Units(options_.width));
+            case VERTRES: return static_cast<int>(Units(options_.height));
+            case HORZSIZE: return static_cast<int>(options_.width * 25.4);
+            case VERTSIZE: return static_cast<int>(options_.height * 25.4);
+            case BITSPIXEL: return 24;
+            case PLANES: return 1;
+            case NUMCOLORS: return -1;
+            default: return 0;
+        }
+    }
+
+    void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
+        if (count < 2 || state.pen.lopnStyle == PS_NULL || state.rasterMode == R2_NOP) return;
+        UseClip(state);
+        xml_.writeEmptyElement("polyline");
+        xml_.writeAttribute("points", PointsText(state, {points, count}));
+        xml_.writeAttribute("fill", "none");
+        WriteStroke(state);
+    }
+
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override {
+        UseClip(state);
+        QString path;
+        std::size_t begin = 0;
+        for (const int count : counts) {
+            path += "M" + PointsText(state, points.subspan(begin, static_cast<std::size_t>(count))) + "z";
+            begin += static_cast<std::size_t>(count);
+        }
+        const QString fill = FillOf(state, state.brush);
+        xml_.writeEmptyElement("path");
+        xml_.writeAttribute("d", path);
+        if (state.polygonFillMode != WINDING) xml_.writeAttribute("fill-rule", "evenodd");
+        WriteShape(state, fill);
+    }
+
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override {
+        if (operation == DSTINVERT || operation == PATINVERT) return;
+        UseClip(state);
+        CRect box = state.map.ToDevice(rect);
+        box.NormalizeRect();
+        if (box.IsRectEmpty()) return;
+        const QString fill = operation == WHITENESS   ? QString("#ffffff")
+                             : operation == BLACKNESS ? QString("#000000")
+                                                      : FillOf(state, brush);
+        xml_.writeEmptyElement("rect");
+        WriteBox(box);
+        xml_.writeAttribute("fill", fill);
+    }
+
+    void Ellipse(const GraphicsState& state, const CRect& rect) override {
+        UseClip(state);
+        CRect box = state.map.ToDevice(rect);
+        box.NormalizeRect();
+        const QString fill = FillOf(state, state.brush);
+        xml_.writeEmptyElement("ellipse");
+        xml_.writeAttribute("cx", Number(box.left + (box.Width() - 1) / 2.0));
+        xml_.writeAttribute("cy", Number(box.top + (box.Height() - 1) / 2.0));
+        xml_.writeAttribute("rx", Number((box.Width() - 1) / 2.0));
+        xml_.writeAttribute("ry", Number((box.Height() - 1) / 2.0));
+        WriteShape(state, fill);
+    }
+
+    // Characters that follow one another along the line are one text element, placed by its first.
+    void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override {
+        UseClip(state);
+        const double tolerance = std::max(2.0, EmHeight(state) * 0.02);
+        const double angle = state.font.lfEscapement / 10.0 * M_PI / 180;
+        std::size_t begin = 0;
+        while (begin < spans.size()) {
+            std::string text(spans[begin].text);
+            double width = WidthOf(state, text);
+            const CPoint start = state.map.ToDevice(spans[begin].at);
+            std::size_t next = begin + 1;
+            for (; next < spans.size(); ++next) {
+                const CPoint at = state.map.ToDevice(spans[next].at);
+                const double x = start.x + width * std::cos(angle), y = start.y - width * std::sin(angle);
+                if (std::hypot(at.x - x, at.y - y) > tolerance) break;
+                text += spans[next].text;
+                width = WidthOf(state, text);
+            }
+            WriteText(state, text, start, width);
+            begin = next;
+        }
+    }
+
+  private:
+    static double Units(double inches) { return std::round(inches * kResolution); }
+
+    QString PointsText(const GraphicsState& state, std::span<const CPoint> points) const {
+        QString text;
+        for (const CPoint& p : points) {
+            const CPoint at = state.map.ToDevice(p);
+            if (!text.isEmpty()) text += ' ';
+            text += QString::number(at.x) + ',' + QString::number(at.y);
+        }
+        return text;
+    }
+
+    void WriteBox(const CRect& box) {
+        xml_.writeAttribute("x", QString::number(box.left));
+        xml_.writeAttribute("y", QString::number(box.top));
+        xml_.writeAttribute("width", QString::number(box.Width()));
+        xml_.writeAttribute("height", QString::number(box.Height()));
+    }
+
+    void WriteStroke(const GraphicsState& state) {
+        const double width =
+            state.pen.lopnWidth.x == 0 ? kHairline : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
+        xml_.writeAttribute("stroke", HexColor(state.pen.lopnColor));
+        xml_.writeAttribute("stroke-width", Number(width));
+        static constexpr const char* kDashes[] = {nullptr, "18 6", "3 3", "9 6 3 6", "9 3 3 3 3 3"};
+        if (state.pen.lopnStyle >= PS_DASH && state.pen.lopnStyle <= PS_DASHDOTDOT) {
+            xml_.writeAttribute("stroke-dasharray", kDashes[state.pen.lopnStyle]);
+        }
+    }
+
+    void WriteShape(const GraphicsState& state, const QString& fill) {
+        xml_.writeAttribute("fill", fill);
+        if (state.pen.lopnStyle != PS_NULL) WriteStroke(state);
+    }
+
+    QString FillOf(const GraphicsState& state, const LOGBRUSH& brush) {
+        if (brush.lbStyle == BS_NULL) return "none";
+        if (brush.lbStyle == BS_SOLID) return HexColor(brush.lbColor);
+        return "url(#" + WriteHatch(state, brush) + ")";
+    }
+
+    QString WriteHatch(const GraphicsState& state, const LOGBRUSH& brush) {
+        const QString id = "hatch" + QString::number(++lastId_);
+        const double cell = kHatchSpacing;
+        xml_.writeStartElement("pattern");
+        xml_.writeAttribute("id", id);
+        xml_.writeAttribute("patternUnits", "userSpaceOnUse");
+        xml_.writeAttribute("width", Number(cell));
+        xml_.writeAttribute("height", Number(cell));
+        if (state.backgroundMode == OPAQUE) {
+            xml_.writeEmptyElement("rect");
+            xml_.writeAttribute("width", Number(cell));
+            xml_.writeAttribute("height", Number(cell));
+            xml_.writeAttribute("fill", HexColor(state.backgroundColor));
+        }
+        const QString c = Number(cell), half = Number(cell / 2);
+        const QString across = "M0," + half + "H" + c, down = "M" + half + ",0V" + c;
+        const QString falling = "M0,0L" + c + "," + c, rising = "M0," + c + "L" + c + ",0";
+        const QString paths[] = {across, down, falling, rising, across + down, falling + rising};
+        xml_.writeEmptyElement("path");
+        xml_.writeAttribute("d", paths[std::clamp<LONG>(brush.lbHatch, 0, 5)]);
+        xml_.writeAttribute("stroke", HexColor(brush.lbColor));
+        xml_.writeAttribute("stroke-width", Number(kHairline * 2));
+        xml_.writeEndElement();
+        return id;
+    }
+
+    // What is clipped stands in a group with a clip path.
+    void UseClip(const GraphicsState& state) {
+        if (clip_ == state.clip) return;
+        EndClip();
+        clip_ = state.clip;
+        if (!clip_) return;
+        const QString id = "clip" + QString::number(++lastId_);
+        xml_.writeStartElement("clipPath");
+        xml_.writeAttribute("id", id);
+        for (const CRect& rect : clip_->Rects()) {
+            xml_.writeEmptyElement("rect");
+            WriteBox(rect);
+        }
+        xml_.writeEndElement();
+        xml_.writeStartElement("g");
+        xml_.writeAttribute("clip-path", "url(#" + id + ")");
+    }
+
+    void EndClip() {
+        if (clip_) xml_.writeEndElement();
+        clip_.reset();
+    }
+
+    void WriteText(const GraphicsState& state, const std::string& text, const CPoint& at, double width) {
+        // Spaces of a label are kept, and nothing but spaces draws nothing.
+        if (text.find_first_not_of(' ') == std::string::npos) return;
+        const BaselineOffset offset = OffsetOf(state, width);
+        const double em = EmHeight(state);
+        const QString x = Number(at.x), y = Number(at.y);
+        xml_.writeStartElement("text");
+        xml_.writeAttribute("x", Number(at.x + offset.x));
+        xml_.writeAttribute("y", Number(at.y + offset.y));
+        if (state.font.lfEscapement % 3600 != 0) {
+            xml_.writeAttribute("transform", "rotate(" + Number(-state.font.lfEscapement / 10.0) + " " + x + " " + y + ")");
+        }
+        const QString face = QString::fromUtf8(state.font.lfFaceName);
+        xml_.writeAttribute("font-family", face + (face == "Arial" ? ", Liberation Sans, sans-serif" : ", sans-serif"));
+        xml_.writeAttribute("font-size", Number(em));
+        if (state.font.lfWeight >= 600) xml_.writeAttribute("font-weight", "bold");
+        if (state.font.lfItalic) xml_.writeAttribute("font-style", "italic");
+        if (state.font.lfUnderline || state.font.lfStrikeOut) {
+            xml_.writeAttribute("text-decoration", state.font.lfUnderline ? "underline" : "line-through");
+        }
+        xml_.writeAttribute("fill", HexColor(state.textColor));
+        xml_.writeAttribute("textLength", Number(width));
+        xml_.writeAttribute("xml:space", "preserve");
+        xml_.writeCharacters(QString::fromStdString(text));
+        xml_.writeEndElement();
+    }
+
+    FileDeviceOptions options_;
+    SafeFile file_;
+    QBuffer buffer_;
+    QXmlStreamWriter xml_;
+    std::shared_ptr<const Region> clip_;
+    int lastId_ = 0;
+};
+
+}  // namespace
+
+std::unique_ptr<DocumentDevice> CreateSvgDevice(const FileDeviceOptions& options) {
+    EnsureApplication();
+    return std::make_unique<SvgDevice>(options);
+}
+
+}  // namespace zel::qt

@@ -1,0 +1,142 @@
+#include <zel/ZelExport.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <utility>
+
+#include <zel/platform/DC.h>
+#include <zel/platform/Exception.h>
+#include <zel/platform/Platform.h>
+
+#include "drawing/MetafileOutput.h"
+
+namespace zel {
+namespace {
+
+constexpr double kMillimetresPerInch = 25.4;
+constexpr double kUnitsPerInch = 1000;  // of the drawing
+
+// Takes a drawing out of its window and gives it a mapping of its own, for one pass.
+class DetachedDrawing {
+  public:
+    explicit DetachedDrawing(Zel2Main& drawing)
+        : drawing_(drawing), mapping_(*drawing.Map()), window_(drawing.Window()), rules_(drawing.Rules()) {
+        drawing.SetWindow(nullptr);
+        drawing.Map()->SetZoom(0, 0);
+        drawing.Map()->SetLogicalOrg(CPoint(0, 0));
+    }
+    ~DetachedDrawing() {
+        *drawing_.Map() = mapping_;
+        drawing_.SetWindow(window_);
+        drawing_.SetRules(rules_);
+    }
+    DetachedDrawing(const DetachedDrawing&) = delete;
+    DetachedDrawing& operator=(const DetachedDrawing&) = delete;
+
+  private:
+    Zel2Main& drawing_;
+    Mapping mapping_;
+    CWnd* window_;
+    ZelRules rules_;
+};
+
+std::string FormatOf(const std::string& path) {
+    const std::size_t dot = path.rfind('.');
+    std::string ending = dot == std::string::npos || path.find('/', dot) != std::string::npos ? "" : path.substr(dot + 1);
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return ending == "jpeg" ? "jpg" : ending;
+}
+
+// Where the drawing comes to lie on the paper, in inches.
+struct Placement {
+    double scale = 1;
+    double left = 0;
+    double top = 0;
+};
+
+Placement PlaceOn(FileDeviceOptions& device, const ExportOptions& options, double width, double height) {
+    if (options.paperWidth <= 0 || options.paperHeight <= 0) {
+        device.width = width;
+        device.height = height;
+        return {};
+    }
+    device.width = options.paperWidth / kMillimetresPerInch;
+    device.height = options.paperHeight / kMillimetresPerInch;
+    const double margin = std::max(options.margin, 0.0) / kMillimetresPerInch;
+    const double roomX = device.width - 2 * margin;
+    const double roomY = device.height - 2 * margin;
+    if (roomX <= 0 || roomY <= 0) AfxThrowInvalidArgException("Cannot place a drawing on a paper that is all margin.");
+    Placement placement;
+    placement.scale = std::min({1.0, roomX / width, roomY / height});
+    placement.left = (device.width - width * placement.scale) / 2;
+    placement.top = (device.height - height * placement.scale) / 2;
+    return placement;
+}
+
+void DrawOn(Zel2Main& drawing, DocumentDevice& device, const Placement& placement, double unitsPerPaperInch,
+            bool printerTools) {
+    CDC dc(device);
+    dc.m_bPrinting = printerTools ? TRUE : FALSE;
+    if (placement.left != 0 || placement.top != 0) {
+        dc.SetViewportOrg(Truncate(std::round(placement.left * unitsPerPaperInch)),
+                          Truncate(std::round(placement.top * unitsPerPaperInch)));
+    }
+    drawing.PrepareMappingFor(&dc, nullptr, 0, 0);
+    drawing.Draw(&dc);
+}
+
+}  // namespace
+
+bool SetPaper(ExportOptions& options, const std::string& name, bool landscape) {
+    struct Paper {
+        const char* name;
+        double width;
+        double height;
+    };
+    static constexpr std::array kPapers = {Paper{"a2", 420, 594},    Paper{"a3", 297, 420},
+                                           Paper{"a4", 210, 297},    Paper{"a5", 148, 210},
+                                           Paper{"letter", 215.9, 279.4}, Paper{"legal", 215.9, 355.6}};
+    std::string wanted = name;
+    std::transform(wanted.begin(), wanted.end(), wanted.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    for (const Paper& paper : kPapers) {
+        if (wanted != paper.name) continue;
+        options.paperWidth = paper.width;
+        options.paperHeight = paper.height;
+        if (landscape) std::swap(options.paperWidth, options.paperHeight);
+        return true;
+    }
+    return false;
+}
+
+void Export(Zel2Main& drawing, const char* path, const ExportOptions& options) {
+    const CSize size = drawing.Size();
+    if (size.cx <= 0 || size.cy <= 0) {
+        AfxThrowInvalidArgException(("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
+    }
+    const DetachedDrawing detached(drawing);
+    FileDeviceOptions device;
+    device.path = path;
+    device.format = FormatOf(path);
+    if (device.format == "wmf") {
+        drawing.SetRules(ZelRules::EXACT);  // the metafile that other programs read, whatever the drawing's rules
+        WritePlaceableMetafile(drawing, path);
+        return;
+    }
+    const double width = size.cx / kUnitsPerInch;
+    const Placement placement = PlaceOn(device, options, width, size.cy / kUnitsPerInch);
+    device.dotsPerInch = options.pixelWidth > 0 ? options.pixelWidth / device.width : options.dotsPerInch;
+    device.opaqueBackground = !options.transparent;
+    device.background = options.background;
+    device.quality = options.quality;
+    device.title = options.title;
+    const double natural = Platform::Get().UnitsPerInch(device);
+    if (placement.scale != 1) device.unitsPerInch = natural * placement.scale;
+    const auto output = Platform::Get().CreateFileDevice(device);
+    DrawOn(drawing, *output, placement, natural, options.printerTools);
+    output->Finish();
+}
+
+}  // namespace zel

@@ -1,0 +1,20 @@
+// The whole library.
+#pragma once
+
+#include <zel/DrawColor.h>
+#include <zel/DrawFont.h>
+#include <zel/DrawPen.h>
+#include <zel/DrawSymbol.h>
+#include <zel/Mapping.h>
+#include <zel/Zel2.h>
+#include <zel/Zel2Graph.h>
+#include <zel/Zel2Main.h>
+#include <zel/Zel2PointSet.h>
+#include <zel/Zel2Rect.h>
+#include <zel/Zel2Selection.h>
+#include <zel/Zel2Set.h>
+#include <zel/Zel2Text.h>
+#include <zel/Zel2Tools.h>
+#include <zel/ZelDocument.h>
+#include <zel/ZelExport.h>
+#include <zel/ZelRules.h>
