@@ -1,0 +1,52 @@
+#include <iostream>
+
+#include <zel/zel.h>
+
+#include "apps/zel/Commands.h"
+#include "apps/zel/Csv.h"
+
+namespace zel::cli {
+
+void OutputChoice::AddTo(CLI::App& command, bool positional) {
+    command.add_option(positional ? "output" : "-o,--output", path,
+                       "File to write; its ending chooses the format: .png .jpg .pdf .svg .wmf .zel")
+        ->required();
+    command.add_option("--dpi", dpi, "Pixels per inch of an image")->capture_default_str()->check(CLI::Range(10.0, 2400.0));
+    command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi")->check(CLI::Range(1, 30000));
+    command.add_option("--paper", paper, "Paper of a page: A2 to A5, letter, legal (default: as large as the drawing)");
+    command.add_flag("--landscape", landscape, "Lay the paper on its side");
+    command.add_flag("--printer", printer, "Use the tools' printer colours");
+    command.add_flag("--transparent", transparent, "Leave the background out (.png, .svg)");
+}
+
+void OutputChoice::Write(Zel2Main& drawing, const std::string& title) const {
+    if (path.size() > 4 && path.ends_with(".zel")) {
+        SaveDocument(drawing, path.c_str());
+        return;
+    }
+    ExportOptions options;
+    options.dotsPerInch = dpi;
+    options.pixelWidth = pixels;
+    options.printerTools = printer;
+    options.transparent = transparent;
+    options.title = title;
+    if (!paper.empty() && !SetPaper(options, paper, landscape)) {
+        throw Error("Cannot use the paper \"" + paper + "\"; known are A2, A3, A4, A5, letter and legal");
+    }
+    Export(drawing, path.c_str(), options);
+}
+
+void AddConvertCommand(CLI::App& app) {
+    CLI::App* command = app.add_subcommand("convert", "Write a drawing in another format");
+    auto input = std::make_shared<std::string>();
+    auto output = std::make_shared<OutputChoice>();
+    command->add_option("drawing", *input, "Document (.zel) to read")->required();
+    output->AddTo(*command, true);
+    command->footer("Examples:\n  zel convert drawing.zel picture.svg\n  zel convert drawing.zel page.pdf --paper A4 --landscape");
+    command->callback([input, output] {
+        const auto drawing = LoadDocument(input->c_str());
+        output->Write(*drawing, "");
+    });
+}
+
+}  // namespace zel::cli

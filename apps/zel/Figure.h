@@ -1,0 +1,36 @@
+// A figure of one graph with titles and a legend.
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <zel/zel.h>
+
+namespace zel::cli {
+
+struct Series {
+    std::string name;
+    std::vector<double> x;
+    std::vector<double> y;
+};
+
+struct FigureOptions {
+    std::string title;
+    std::string xTitle;
+    std::string yTitle;
+    std::optional<std::pair<double, double>> xRange;  // automatic without
+    std::optional<std::pair<double, double>> yRange;
+    double width = 160;   // millimetres
+    double height = 100;
+    bool line = true;
+    bool fill = false;
+    bool symbols = false;
+};
+
+// A drawing with exact rules. Throws Error when no series has a point to draw.
+std::unique_ptr<Zel2Main> MakeFigure(const std::vector<Series>& series, const FigureOptions& options);
+
+}  // namespace zel::cli

@@ -1,0 +1,46 @@
+// zel: drawings from the command line.
+#include <iostream>
+
+#include <zel/platform/Exception.h>
+#include <zel/platform/Warning.h>
+#include <zel/qt/Install.h>
+
+#include "apps/zel/Commands.h"
+
+namespace {
+
+constexpr int kFailed = 1;  // the command could not be carried out; the parser has codes of its own from 100 on
+
+int Complain(const std::string& message) {
+    std::cerr << "zel: " << message << "\n";
+    return kFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app("Graphs from data, and drawings in other formats.", "zel");
+    app.set_version_flag("--version", ZEL_VERSION);
+    app.require_subcommand(1);
+    app.footer(
+        "Examples:\n"
+        "  zel plot data.csv --x year --y temp -o out.pdf\n"
+        "  zel convert drawing.zel out.svg\n"
+        "  zel info drawing.zel\n"
+        "\"zel plot --help\" tells more. Exit codes: 0 done, 1 failed, others wrong usage.");
+    zel::cli::AddPlotCommand(app);
+    zel::cli::AddConvertCommand(app);
+    zel::cli::AddInfoCommand(app);
+    zel::SetWarningHandler([](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });
+    zel::qt::Install();
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& e) {
+        return app.exit(e);
+    } catch (CException* e) {
+        return Complain(zel::TakeMessage(e));
+    } catch (const std::exception& e) {
+        return Complain(e.what());
+    }
+    return 0;
+}
