@@ -47,7 +47,8 @@ int LengthBetween(const CPoint& a, const CPoint& b) {
 
 }  // namespace
 
-DrawPen::DashWalker::DashWalker(DrawPen& pen, CDC& dc) : pen_(pen), dc_(dc) {
+DrawPen::DashWalker::DashWalker(DrawPen& pen, CDC& dc)
+    : pen_(pen), dc_(dc), current_(pen.current_), dashPosition_(pen.dashPosition_), dashIndex_(pen.dashIndex_) {
     const int inch = pen.LogicalInch();
     int unit = MulDiv(inch, pen.OutputScale(), 1000);
     if (unit == 0 && inch > 0) unit = 1;
@@ -60,8 +61,15 @@ DrawPen::DashWalker::DashWalker(DrawPen& pen, CDC& dc) : pen_(pen), dc_(dc) {
                                : MulDiv(length, unit, 254) - 1;
         cycle_ += element.inLoop;
     }
-    if (pen.dashIndex_ >= elementCount_) pen.dashIndex_ = 0;
+    if (dashIndex_ >= elementCount_) dashIndex_ = 0;
     position_ = dc.GetCurrentPosition();
+}
+
+DrawPen::DashWalker::~DashWalker() {
+    FlushRun();
+    pen_.current_ = current_;
+    pen_.dashPosition_ = dashPosition_;
+    pen_.dashIndex_ = dashIndex_;
 }
 
 void DrawPen::DashWalker::FlushRun() {
@@ -69,26 +77,58 @@ void DrawPen::DashWalker::FlushRun() {
     runLength_ = 0;
 }
 
+void DrawPen::DashWalker::MoveTo(const CPoint& to) {
+    if (!(to == position_)) Jump(to);
+    current_ = to;
+}
+
 void DrawPen::DashWalker::LineTo(const CPoint& to) {
     if (elementCount_ == 0) {
         MoveTo(to);
         return;
     }
-    if (to == pen_.current_) return;
-    if (!(position_ == pen_.current_)) Jump(pen_.current_);
-    const int length = LengthBetween(pen_.current_, to);
+    if (to == current_) return;
+    if (!(position_ == current_)) Jump(current_);
+    const int length = LengthBetween(current_, to);
     if (length <= Remaining()) {
         Go(to);
-        pen_.dashPosition_ += length;
-        pen_.current_ = to;
+        dashPosition_ += length;
+        current_ = to;
     } else if (!Advances()) {
         // A pattern that vanishes at this zoom would walk back and forth for ever.
         Draw(to);
-        pen_.current_ = to;
+        current_ = to;
     } else if (length > kLongLine) {
         WalkVisiblePart(to);
     } else {
         WalkDashes(to, length);
+    }
+}
+
+// Nearly every line of a long series is short and ends within the current dash: those need no more than their length.
+void DrawPen::DashWalker::LinesTo(const int* x, const int* y, std::size_t n) {
+    for (std::size_t i = 0; i < n;) {
+        const std::int64_t left = DashLeft();
+        std::int64_t used = 0;
+        std::int64_t cx = current_.x, cy = current_.y;
+        std::size_t length = runLength_;
+        for (; i < n; ++i) {
+            const std::int64_t dx = x[i] - cx, dy = y[i] - cy;
+            const std::int64_t distance = LengthOf(dx, dy);
+            if (used + distance > left || length + 1 >= run_.size()) break;
+            used += distance;
+            cx = x[i];
+            cy = y[i];
+            // A point on the same unit is overwritten by the next one: no branch that cannot be foreseen.
+            run_[length] = CPoint(x[i], y[i]);
+            length += (dx | dy) != 0 ? 1 : 0;
+        }
+        runLength_ = length;
+        if (used > 0) {
+            current_ = position_ = CPoint(static_cast<int>(cx), static_cast<int>(cy));
+            dashPosition_ += static_cast<int>(used);
+        }
+        if (i < n) LineTo(CPoint(x[i], y[i])), ++i;
     }
 }
 
@@ -101,36 +141,36 @@ void DrawPen::DashWalker::Go(const CPoint& to) {
 }
 
 void DrawPen::DashWalker::NextElement() {
-    pen_.dashIndex_ = pen_.dashIndex_ + 1 < elementCount_ ? pen_.dashIndex_ + 1 : 0;
+    dashIndex_ = dashIndex_ + 1 < elementCount_ ? dashIndex_ + 1 : 0;
 }
 
 void DrawPen::DashWalker::WalkDashes(const CPoint& to, int length) {
-    CPoint at = pen_.current_;
+    CPoint at = current_;
     int remaining = Remaining();
     int lengthAtCycleStart = length + 1;
     while (length > remaining) {
         const CSize delta = to - at;
         at = {zel::Add(at.x, MulDiv(delta.cx, remaining, length)), zel::Add(at.y, MulDiv(delta.cy, remaining, length))};
         Go(at);
-        pen_.current_ = at;
-        pen_.dashPosition_ = 0;
+        current_ = at;
+        dashPosition_ = 0;
         NextElement();
-        remaining = elements_[static_cast<std::size_t>(pen_.dashIndex_)].inLoop;
+        remaining = elements_[static_cast<std::size_t>(dashIndex_)].inLoop;
         length = LengthBetween(at, to);
         if (length <= 0) return;
-        if (pen_.dashIndex_ == 0) {
+        if (dashIndex_ == 0) {
             // Rounding can undo the small advance of a cycle: the rest is drawn solid then.
             if (length >= lengthAtCycleStart) {
                 Draw(to);
-                pen_.current_ = to;
+                current_ = to;
                 return;
             }
             lengthAtCycleStart = length;
         }
     }
     Go(to);
-    pen_.dashPosition_ += length;
-    pen_.current_ = to;
+    dashPosition_ += length;
+    current_ = to;
 }
 
 void DrawPen::DashWalker::SkipAlong(std::int64_t distance) {
@@ -138,11 +178,11 @@ void DrawPen::DashWalker::SkipAlong(std::int64_t distance) {
     while (distance > remaining) {
         distance -= remaining;
         NextElement();
-        pen_.dashPosition_ = 0;
-        if (pen_.dashIndex_ == 0) distance %= cycle_;
-        remaining = std::max(elements_[static_cast<std::size_t>(pen_.dashIndex_)].inLoop, 0);
+        dashPosition_ = 0;
+        if (dashIndex_ == 0) distance %= cycle_;
+        remaining = std::max(elements_[static_cast<std::size_t>(dashIndex_)].inLoop, 0);
     }
-    pen_.dashPosition_ += static_cast<int>(distance);
+    dashPosition_ += static_cast<int>(distance);
 }
 
 // A line far longer than the surface has millions of dashes that nobody sees. They are counted, not drawn.
@@ -152,12 +192,12 @@ void DrawPen::DashWalker::WalkVisiblePart(const CPoint& to) {
     box.NormalizeRect();
     const int margin = zel::Saturate(cycle_ + pen_.LogicalInch());
     box.InflateRect(margin, margin);
-    const CPoint from = pen_.current_;
+    const CPoint from = current_;
     const Span seen = VisibleSpan(from, to, box);
     if (seen.begin >= seen.end) {
         SkipAlong(LengthBetween(from, to));
         Jump(to);
-        pen_.current_ = to;
+        current_ = to;
         return;
     }
     const CPoint entry = seen.begin > 0 ? Along(from, to, seen.begin) : from;
@@ -165,12 +205,12 @@ void DrawPen::DashWalker::WalkVisiblePart(const CPoint& to) {
     if (!(entry == from)) {
         SkipAlong(LengthBetween(from, entry));
         Jump(entry);
-        pen_.current_ = entry;
+        current_ = entry;
     }
     if (!(entry == exit)) WalkDashes(exit, LengthBetween(entry, exit));
     if (!(exit == to)) {
         SkipAlong(LengthBetween(exit, to));
         Jump(to);
-        pen_.current_ = to;
+        current_ = to;
     }
 }

@@ -12,16 +12,16 @@
 class DrawPen::DashWalker {
   public:
     DashWalker(DrawPen& pen, CDC& dc);
-    ~DashWalker() { FlushRun(); }
+    // Hands on what is left, and the dash state back to the pen.
+    ~DashWalker();
     DashWalker(const DashWalker&) = delete;
     DashWalker& operator=(const DashWalker&) = delete;
 
-    void MoveTo(const CPoint& to) {
-        if (!(to == position_)) Jump(to);
-        pen_.current_ = to;
-    }
+    void MoveTo(const CPoint& to);
     void LineTo(const CPoint& to);
-    const CPoint& Current() const { return pen_.current_; }
+    // `n` lines one after another.
+    void LinesTo(const int* x, const int* y, std::size_t n);
+    const CPoint& Current() const { return current_; }
 
   private:
     // Lengths in logical units of one pattern element, as the walk uses them.
@@ -34,9 +34,11 @@ class DrawPen::DashWalker {
     void WalkVisiblePart(const CPoint& to);
     void SkipAlong(std::int64_t distance);
     bool Advances() const { return cycle_ > 0; }
-    bool IsDash() const { return pen_.dashIndex_ % 2 == 0; }
-    int Remaining() const {
-        return elements_[static_cast<std::size_t>(pen_.dashIndex_)].atStart - pen_.dashPosition_ - 1;
+    bool IsDash() const { return dashIndex_ % 2 == 0; }
+    int Remaining() const { return elements_[static_cast<std::size_t>(dashIndex_)].atStart - dashPosition_ - 1; }
+    // What is left of a dash for a line that begins now; negative in a gap, or when the context stands elsewhere.
+    int DashLeft() const {
+        return elementCount_ > 0 && IsDash() && position_ == current_ ? Remaining() : -1;
     }
     void NextElement();
     void Go(const CPoint& to);
@@ -56,6 +58,9 @@ class DrawPen::DashWalker {
 
     DrawPen& pen_;
     CDC& dc_;
+    CPoint current_;
+    int dashPosition_;
+    int dashIndex_;
     std::array<Element, kPatternSize> elements_{};
     int elementCount_ = 0;
     std::int64_t cycle_ = 0;  // the sum of all elements in the loop

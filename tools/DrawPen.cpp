@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 #include <zel/Zel2.h>
 #include <zel/platform/DC.h>
@@ -131,15 +132,6 @@ void DrawPen::Style(int style) {
 
 void DrawPen::Pattern(int* pattern) { std::copy_n(pattern, kPatternSize, pattern_.begin()); }
 
-int DrawPen::Length(int dx, int dy) {
-    const std::int64_t a = std::llabs(dx);
-    const std::int64_t b = std::llabs(dy);
-    const std::int64_t longer = std::max(a, b);
-    if (2 * std::min(a, b) <= longer) return zel::Saturate(longer);
-    // 13/10 rounded to the nearest, halves up: MulDiv without its limits.
-    return zel::Saturate((longer * 13 + 5) / 10);
-}
-
 int DrawPen::Clip(double& x1, double& y1, double& x2, double& y2, double xmin, double ymin, double xmax,
                   double ymax) {
     if (!IsFinite(x2 - x1, y2 - y1) && IsFinite(x1, y1) && IsFinite(x2, y2)) {
@@ -236,16 +228,36 @@ void DrawPen::DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* ob
 
 namespace {
 
-// Converts a block of values of one axis; those that are not finite or out of the integer range get some integer.
-void ToLogical(const double* values, std::size_t n, double low, double high, double from, double to, double* out) {
-    const double range = high - low;
-    const double extent = to - from;
-    for (std::size_t i = 0; i < n; ++i) {
-        double v = from + (values[i] - low) / range * extent;
-        v = v > -2147483648.0 ? v : -2147483648.0;
-        out[i] = v < 2147483647.0 ? v : 2147483647.0;
+constexpr std::size_t kBlock = 256;
+
+// One axis of a block of points on its way from world to logical coordinates.
+struct AxisBlock {
+    std::array<double, kBlock> fraction;  // of the way from one end of the world range to the other
+    std::array<int, kBlock> logical;
+
+    void SetFractions(const double* values, std::size_t n, double low, double high) {
+        const double range = high - low;
+        for (std::size_t i = 0; i < n; ++i) fraction[i] = (values[i] - low) / range;
     }
-}
+    // Whether all values lie strictly within the range; those that are no numbers do not. Told by the upper halves of
+    // the fractions' bits, which are in order: above that of 0 and below that of 1.
+    bool AllInside(std::size_t n) const {
+        constexpr std::int64_t kBelowOne = 0x3FEFFFFF;
+        std::array<std::uint64_t, kBlock> bits;
+        std::memcpy(bits.data(), fraction.data(), n * sizeof(double));
+        std::int64_t outside = 0;
+        for (std::size_t i = 0; i < n; ++i) {
+            const auto upper = static_cast<std::int64_t>(bits[i] >> 32);
+            outside |= (upper - 1) | (kBelowOne - upper);
+        }
+        return outside >= 0;
+    }
+    // Only for fractions inside: the results lie between the two ends.
+    void SetLogical(std::size_t n, double from, double to) {
+        const double extent = to - from;
+        for (std::size_t i = 0; i < n; ++i) logical[i] = static_cast<int>(from + fraction[i] * extent);
+    }
+};
 
 }  // namespace
 
@@ -257,31 +269,30 @@ void DrawPen::LineTo(const WorldFrame& frame, const double* x, const double* y, 
     }
     const Selected selected(*this, *Dc());
     DashWalker walker(*this, *Dc());
-    constexpr std::size_t kBlock = 256;
-    double px[kBlock];
-    double py[kBlock];
-    bool lastInside = frame.ContainsStrictly(world_.x, world_.y) &&
-                      frame.ToLogical(world_.x, world_.y) == walker.Current();
     for (std::size_t begin = 0; begin < n; begin += kBlock) {
-        const std::size_t count = std::min(kBlock, n - begin);
-        ToLogical(x + begin, count, frame.xmin, frame.xmax, frame.lower.x, frame.upper.x, px);
-        ToLogical(y + begin, count, frame.ymin, frame.ymax, frame.lower.y, frame.upper.y, py);
-        for (std::size_t i = 0; i < count; ++i) {
-            const double wx = x[begin + i];
-            const double wy = y[begin + i];
-            const bool inside = frame.ContainsStrictly(wx, wy);
-            if (inside && lastInside) {
-                // Nothing to clip, and the pen stands where the last point was drawn.
-                walker.LineTo(CPoint(static_cast<int>(px[i]), static_cast<int>(py[i])));
-            } else {
-                const std::size_t k = begin + i;
-                if (k > 0) world_ = {x[k - 1], y[k - 1]};
-                DrawClipped(walker, frame, nullptr, wx, wy);
-            }
-            lastInside = inside;
-        }
+        DrawBlock(walker, frame, x + begin, y + begin, std::min(kBlock, n - begin));
     }
-    world_ = {x[n - 1], y[n - 1]};
+}
+
+// Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the pen stands.
+void DrawPen::DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
+                        std::size_t n) {
+    const bool joins = frame.ContainsStrictly(world_.x, world_.y) &&
+                       frame.ToLogical(world_.x, world_.y) == walker.Current();
+    AxisBlock xs, ys;
+    xs.SetFractions(x, n, frame.xmin, frame.xmax);
+    ys.SetFractions(y, n, frame.ymin, frame.ymax);
+    if (joins && xs.AllInside(n) && ys.AllInside(n)) {
+        xs.SetLogical(n, frame.lower.x, frame.upper.x);
+        ys.SetLogical(n, frame.lower.y, frame.upper.y);
+        walker.LinesTo(xs.logical.data(), ys.logical.data(), n);
+        world_ = {x[n - 1], y[n - 1]};
+        return;
+    }
+    for (std::size_t i = 0; i < n; ++i) {
+        DrawClipped(walker, frame, nullptr, x[i], y[i]);
+        world_ = {x[i], y[i]};
+    }
 }
 
 void DrawPen::Rect(const CRect& rect) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace zel::qt {
@@ -23,10 +24,6 @@ bool ClipTo(PointF& a, PointF& b, double left, double top, double right, double 
     if (end < 1) b = {start.x + end * dx, start.y + end * dy};
     if (begin > 0) a = {start.x + begin * dx, start.y + begin * dy};
     return true;
-}
-
-std::uint8_t ToByte(double coverage) {
-    return static_cast<std::uint8_t>(std::clamp(coverage, 0.0, 1.0) * 255.0 + 0.5);
 }
 
 }  // namespace
@@ -51,6 +48,30 @@ void Stroker::Add(PointF a, PointF b, double halfWidth) {
     }
 }
 
+namespace {
+
+constexpr int kLanes = 4;  // pixels computed at once
+
+// A segment and the distance of points from it.
+struct Segment {
+    float x, y, dx, dy, inverseSquare;
+
+    Segment(const PointF& a, const PointF& b)
+        : x(static_cast<float>(a.x)), y(static_cast<float>(a.y)), dx(static_cast<float>(b.x - a.x)),
+          dy(static_cast<float>(b.y - a.y)) {
+        const float square = dx * dx + dy * dy;
+        inverseSquare = square > 0 ? 1 / square : 0;
+    }
+    float DistanceOf(float px, float py) const {
+        const float rx = px - x, ry = py - y;
+        const float t = std::min(std::max((rx * dx + ry * dy) * inverseSquare, 0.0F), 1.0F);
+        const float ex = rx - t * dx, ey = ry - t * dy;
+        return std::sqrt(ex * ex + ey * ey);
+    }
+};
+
+}  // namespace
+
 // Walks along the longer axis (y when steep). "Major" is along it, "minor" across.
 template <bool kSteep>
 void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
@@ -59,47 +80,47 @@ void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
     if (major(a) > major(b)) std::swap(a, b);
     const double dMajor = major(b) - major(a);
     const double dMinor = minor(b) - minor(a);
-    const double length = std::sqrt(dMajor * dMajor + dMinor * dMinor);
     const double slope = dMajor > 0 ? dMinor / dMajor : 0;
-    const double cosine = length > 0 ? dMajor / length : 1;
     const double reach = halfWidth + 0.5;
-    const double acrossReach = reach / cosine;
+    const double acrossReach = reach * std::sqrt(1 + slope * slope);
     const int majorEnd = (kSteep ? height_ : width_) - 1;
     const int minorEnd = (kSteep ? width_ : height_) - 1;
     const int first = std::max(0, static_cast<int>(std::floor(major(a) - reach)));
     const int last = std::min(majorEnd, static_cast<int>(std::floor(major(b) + reach)));
-    const double minorLow = std::min(minor(a), minor(b)) - reach;
-    const double minorHigh = std::max(minor(a), minor(b)) + reach;
-    for (int i = first; i <= last; ++i) {
-        const double centre = i + 0.5;
-        const double axis = minor(a) + (centre - major(a)) * slope;
-        // Where the segment ends nearby, distances are those from its end points.
-        const bool nearEnd = centre < major(a) + reach || centre > major(b) - reach;
-        const int low = std::max(0, static_cast<int>(std::floor(std::max(axis - acrossReach, minorLow))));
-        const int high = std::min(minorEnd, static_cast<int>(std::floor(std::min(axis + acrossReach, minorHigh))));
+    const double minorLow = std::max(std::min(minor(a), minor(b)) - reach, 0.0);
+    const double minorHigh = std::min(std::max(minor(a), minor(b)) + reach, static_cast<double>(minorEnd));
+    if (minorHigh < minorLow) return;
+    const Segment segment(a, b);
+    const auto reachF = static_cast<float>(reach);
+    const std::ptrdiff_t stride = kSteep ? 1 : width_;
+    double axis = minor(a) + (first + 0.5 - major(a)) * slope;
+    for (int i = first; i <= last; ++i, axis += slope) {
+        const int low = static_cast<int>(std::max(axis - acrossReach, minorLow));
+        const int high = static_cast<int>(std::min(axis + acrossReach, minorHigh));
         if (low > high) continue;
-        for (int k = low; k <= high; ++k) {
-            const double across = k + 0.5;
-            double distance = std::fabs(across - axis) * cosine;
-            if (nearEnd) {
-                const double along = (centre - major(a)) * dMajor + (across - minor(a)) * dMinor;
-                if (along < 0) {
-                    distance = std::hypot(centre - major(a), across - minor(a));
-                } else if (along > length * length) {
-                    distance = std::hypot(centre - major(b), across - minor(b));
-                }
+        std::uint8_t* at = mask_.data() + (kSteep ? static_cast<std::ptrdiff_t>(i) * width_ + low
+                                                  : static_cast<std::ptrdiff_t>(low) * width_ + i);
+        for (int k = low; k <= high; k += kLanes, at += kLanes * stride) {
+            int coverage[kLanes];
+            for (int lane = 0; lane < kLanes; ++lane) {
+                const float across = static_cast<float>(k + lane) + 0.5F, along = static_cast<float>(i) + 0.5F;
+                const float part = reachF - segment.DistanceOf(kSteep ? across : along, kSteep ? along : across);
+                coverage[lane] = static_cast<int>(std::min(std::max(part, 0.0F), 1.0F) * 255.0F + 0.5F);
             }
-            const double coverage = reach - distance;
-            if (coverage <= 0) continue;
-            const std::size_t at = kSteep ? static_cast<std::size_t>(i) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(k)
-                                          : static_cast<std::size_t>(k) * static_cast<std::size_t>(width_) + static_cast<std::size_t>(i);
-            mask_[at] = std::max(mask_[at], ToByte(coverage));
-            if (!kSteep) Touch(k, i, i);
+            const int lanes = std::min(kLanes, high - k + 1);
+            for (int lane = 0; lane < lanes; ++lane) {
+                std::uint8_t& byte = at[lane * stride];
+                byte = static_cast<std::uint8_t>(std::max<int>(byte, coverage[lane]));
+            }
         }
-        if (kSteep) Touch(i, low, high);
+        if (kSteep) {
+            Touch(i, low, high);
+        } else {
+            for (int k = low; k <= high; ++k) Touch(k, i, i);
+        }
     }
-    const int rowLow = kSteep ? first : std::max(0, static_cast<int>(std::floor(minorLow)));
-    const int rowHigh = kSteep ? last : std::min(height_ - 1, static_cast<int>(std::floor(minorHigh)));
+    const int rowLow = kSteep ? first : static_cast<int>(minorLow);
+    const int rowHigh = kSteep ? last : static_cast<int>(minorHigh);
     top_ = std::min(top_, rowLow);
     bottom_ = std::max(bottom_, rowHigh);
 }
@@ -117,6 +138,18 @@ std::uint32_t Mix(std::uint32_t a, std::uint32_t b, std::uint32_t alpha) {
 
 }  // namespace
 
+namespace {
+
+// Whether the next eight bytes are there and all 0: most of a row is, between the strands of a curve.
+bool IsBare(const std::uint8_t* mask, int left) {
+    std::uint64_t eight = 0;
+    if (left < static_cast<int>(sizeof eight)) return false;
+    std::memcpy(&eight, mask, sizeof eight);
+    return eight == 0;
+}
+
+}  // namespace
+
 void Stroker::Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips) {
     for (int y = std::max(top_, 0); y <= std::min(bottom_, height_ - 1); ++y) {
         RowSpan& span = rows_[static_cast<std::size_t>(y)];
@@ -127,6 +160,10 @@ void Stroker::Blend(const PixelBuffer& target, std::uint32_t color, const std::v
             const int begin = std::max<int>(span.first, clip.left);
             const int end = std::min<int>(span.last + 1, clip.right);
             for (int x = begin; x < end; ++x) {
+                if (IsBare(&mask_[row + static_cast<std::size_t>(x)], end - x)) {
+                    x += static_cast<int>(sizeof(std::uint64_t)) - 1;
+                    continue;
+                }
                 const std::uint32_t alpha = mask_[row + static_cast<std::size_t>(x)];
                 std::uint32_t& pixel = target.pixels[row + static_cast<std::size_t>(x)];
                 if (alpha == 255) pixel = color;

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 #include <zel/ToolTableOf.h>
@@ -78,7 +79,7 @@ class DrawPen : public DrawTool {
     void Ellipse(const CRect& rect);
 
     // A fast estimate of the length of (dx, dy): the larger side, or 1.3 times it where the smaller is over half.
-    static int Length(int dx, int dy);
+    static int Length(int dx, int dy) { return zel::Saturate(LengthOf(dx, dy)); }
     // Clips a segment to a rectangle, in place; 0 when nothing is left (the start may have moved then). A point on a
     // bound counts as outside.
     static int Clip(double& x1, double& y1, double& x2, double& y2, double xmin, double ymin, double xmax,
@@ -92,10 +93,20 @@ class DrawPen : public DrawTool {
     class Selected;
     class DashWalker;
 
+    // The estimate without the limits of an int; 13/10 rounded to the nearest, halves up, as MulDiv does.
+    static std::int64_t LengthOf(std::int64_t dx, std::int64_t dy) {
+        const std::int64_t a = dx < 0 ? -dx : dx;
+        const std::int64_t b = dy < 0 ? -dy : dy;
+        const std::int64_t longer = a > b ? a : b;
+        const std::int64_t shorter = a > b ? b : a;
+        return 2 * shorter <= longer ? longer : (longer * 13 + 5) / 10;
+    }
     void CopyFields(const DrawPen& other);
     void InstallPattern(int style);
     int LogicalInch() const;
     void DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* obj, double x, double y);
+
+    void DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y, std::size_t n);
 
     struct WorldPoint {
         double x = 0;
