@@ -72,48 +72,42 @@ QList<qreal> DashesOf(UINT style) {
     }
 }
 
-// Hands a long line on with at most four points to a column of pixels: the first, the lowest, the highest and the
-// last, in their order. What they leave out lies between them.
-template <class Emit>
+// Cuts a long line into segments, at most two for each run of points in one column of pixels: one that comes from the
+// run before, and one between the run's lowest and highest point. What is left out lies between those two.
+template <class Draw>
 class ColumnThinner {
   public:
-    explicit ColumnThinner(Emit emit) : emit_(emit) {}
+    explicit ColumnThinner(Draw draw) : draw_(draw) {}
     ~ColumnThinner() { Finish(); }
     ColumnThinner(const ColumnThinner&) = delete;
     ColumnThinner& operator=(const ColumnThinner&) = delete;
 
     void Add(const CPoint& p) {
-        const LONG column = p.x >> 4;
         static_assert(kSub == 1 << 4);
-        if (column == column_ && any_) {
-            if (p.y < low_.y) low_ = p, lowLast_ = true;
-            if (p.y > high_.y) high_ = p, lowLast_ = false;
-            last_ = p;
-            return;
+        const LONG column = p.x >> 4;
+        if (column != column_ || !any_) {
+            Finish();
+            if (any_) draw_(last_, p);
+            low_ = high_ = p;
+            column_ = column;
+            any_ = true;
+        } else if (p.y < low_.y) {
+            low_ = p;
+        } else if (p.y > high_.y) {
+            high_ = p;
         }
-        Finish();
-        first_ = low_ = high_ = last_ = p;
-        column_ = column;
-        any_ = true;
+        last_ = p;
     }
 
   private:
     void Finish() {
-        if (!any_) return;
-        CPoint given = first_;
-        emit_(given);
-        for (const CPoint& p : {lowLast_ ? high_ : low_, lowLast_ ? low_ : high_, last_}) {
-            if (p == given) continue;
-            given = p;
-            emit_(given);
-        }
+        if (any_ && !(low_ == high_)) draw_(low_, high_);
     }
 
-    Emit emit_;
-    CPoint first_, low_, high_, last_;
+    Draw draw_;
+    CPoint low_, high_, last_;
     LONG column_ = 0;
     bool any_ = false;
-    bool lowLast_ = false;  // the lowest point came after the highest
 };
 
 }  // namespace
@@ -173,16 +167,10 @@ class ImageDevice::Impl {
 
     void DrawSmooth(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
         const double half = penWidth / 2;
-        bool begun = false;
-        PointF previous{};
         {
-            const auto emit = [&](const CPoint& p) {
-                const PointF at{CentreOf(p.x), CentreOf(p.y)};
-                if (begun) stroker.Add(previous, at, half);
-                previous = at;
-                begun = true;
-            };
-            ColumnThinner thinner(emit);
+            ColumnThinner thinner([&](const CPoint& a, const CPoint& b) {
+                stroker.Add({CentreOf(a.x), CentreOf(a.y)}, {CentreOf(b.x), CentreOf(b.y)}, half);
+            });
             for (std::size_t i = 0; i < count; ++i) thinner.Add(points[i]);
         }
         stroker.Blend({pixels.data(), width, height}, color, clips);

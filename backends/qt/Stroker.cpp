@@ -29,14 +29,9 @@ bool ClipTo(PointF& a, PointF& b, double left, double top, double right, double 
 }  // namespace
 
 Stroker::Stroker(int width, int height)
-    : width_(width), height_(height), mask_(static_cast<std::size_t>(width) * static_cast<std::size_t>(height)),
+    : width_(width), height_(height), stride_((width + kWord - 1) / kWord * kWord),
+      mask_(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height)),
       rows_(static_cast<std::size_t>(height), RowSpan{width, -1}), top_(height), bottom_(-1) {}
-
-void Stroker::Touch(int row, int first, int last) {
-    RowSpan& span = rows_[static_cast<std::size_t>(row)];
-    span.first = std::min(span.first, first);
-    span.last = std::max(span.last, last);
-}
 
 void Stroker::Add(PointF a, PointF b, double halfWidth) {
     const double reach = halfWidth + 1;
@@ -51,8 +46,16 @@ void Stroker::Add(PointF a, PointF b, double halfWidth) {
 namespace {
 
 constexpr int kLanes = 4;  // pixels computed at once
+using Floats = float __attribute__((vector_size(kLanes * sizeof(float))));
+using Ints = int __attribute__((vector_size(kLanes * sizeof(int))));
 
-// A segment and the distance of points from it.
+Floats All(float value) { return Floats{value, value, value, value}; }
+Floats Clamp01(const Floats& v) {
+    const Floats positive = v > All(0) ? v : All(0);
+    return positive < All(1) ? positive : All(1);
+}
+
+// A segment and the coverage of pixels by a line along it.
 struct Segment {
     float x, y, dx, dy, inverseSquare;
 
@@ -62,11 +65,14 @@ struct Segment {
         const float square = dx * dx + dy * dy;
         inverseSquare = square > 0 ? 1 / square : 0;
     }
-    float DistanceOf(float px, float py) const {
-        const float rx = px - x, ry = py - y;
-        const float t = std::min(std::max((rx * dx + ry * dy) * inverseSquare, 0.0F), 1.0F);
-        const float ex = rx - t * dx, ey = ry - t * dy;
-        return std::sqrt(ex * ex + ey * ey);
+    // 0 to 255 for pixel centres at these places.
+    Ints Coverage(const Floats& px, const Floats& py, float reach) const {
+        const Floats rx = px - x, ry = py - y;
+        const Floats t = Clamp01((rx * dx + ry * dy) * inverseSquare);
+        const Floats ex = rx - t * dx, ey = ry - t * dy;
+        Floats distance = ex * ex + ey * ey;
+        for (int lane = 0; lane < kLanes; ++lane) distance[lane] = std::sqrt(distance[lane]);
+        return __builtin_convertvector(Clamp01(reach - distance) * 255.0F + 0.5F, Ints);
     }
 };
 
@@ -92,21 +98,20 @@ void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
     if (minorHigh < minorLow) return;
     const Segment segment(a, b);
     const auto reachF = static_cast<float>(reach);
-    const std::ptrdiff_t stride = kSteep ? 1 : width_;
+    const std::ptrdiff_t stride = kSteep ? 1 : stride_;
     double axis = minor(a) + (first + 0.5 - major(a)) * slope;
     for (int i = first; i <= last; ++i, axis += slope) {
         const int low = static_cast<int>(std::max(axis - acrossReach, minorLow));
         const int high = static_cast<int>(std::min(axis + acrossReach, minorHigh));
         if (low > high) continue;
-        std::uint8_t* at = mask_.data() + (kSteep ? static_cast<std::ptrdiff_t>(i) * width_ + low
-                                                  : static_cast<std::ptrdiff_t>(low) * width_ + i);
+        std::uint8_t* at = mask_.data() + (kSteep ? static_cast<std::ptrdiff_t>(i) * stride_ + low
+                                                  : static_cast<std::ptrdiff_t>(low) * stride_ + i);
         for (int k = low; k <= high; k += kLanes, at += kLanes * stride) {
-            int coverage[kLanes];
-            for (int lane = 0; lane < kLanes; ++lane) {
-                const float across = static_cast<float>(k + lane) + 0.5F, along = static_cast<float>(i) + 0.5F;
-                const float part = reachF - segment.DistanceOf(kSteep ? across : along, kSteep ? along : across);
-                coverage[lane] = static_cast<int>(std::min(std::max(part, 0.0F), 1.0F) * 255.0F + 0.5F);
-            }
+            const float first4 = static_cast<float>(k) + 0.5F;
+            const Floats across{first4, first4 + 1, first4 + 2, first4 + 3};
+            const Floats along = All(static_cast<float>(i) + 0.5F);
+            const Ints coverage =
+                kSteep ? segment.Coverage(across, along, reachF) : segment.Coverage(along, across, reachF);
             const int lanes = std::min(kLanes, high - k + 1);
             for (int lane = 0; lane < lanes; ++lane) {
                 std::uint8_t& byte = at[lane * stride];
@@ -138,40 +143,32 @@ std::uint32_t Mix(std::uint32_t a, std::uint32_t b, std::uint32_t alpha) {
 
 }  // namespace
 
-namespace {
-
-// Whether the next eight bytes are there and all 0: most of a row is, between the strands of a curve.
-bool IsBare(const std::uint8_t* mask, int left) {
-    std::uint64_t eight = 0;
-    if (left < static_cast<int>(sizeof eight)) return false;
-    std::memcpy(&eight, mask, sizeof eight);
-    return eight == 0;
+// Eight pixels of the mask are looked at in one word: between the strands of a curve most words are empty.
+void Stroker::BlendRow(const PixelBuffer& target, std::uint32_t color, int y, int begin, int end) {
+    const std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
+    std::uint32_t* pixels = target.pixels + static_cast<std::ptrdiff_t>(y) * width_;
+    for (int word = begin & ~(kWord - 1); word < end; word += kWord) {
+        std::uint64_t eight = 0;
+        std::memcpy(&eight, mask + word, kWord);
+        if (eight == 0) continue;
+        const int last = std::min(word + kWord, end);
+        for (int x = std::max(word, begin); x < last; ++x) {
+            const std::uint32_t alpha = mask[x];
+            if (alpha != 0) pixels[x] = alpha == 255 ? color : Mix(color, pixels[x], alpha);
+        }
+    }
 }
-
-}  // namespace
 
 void Stroker::Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips) {
     for (int y = std::max(top_, 0); y <= std::min(bottom_, height_ - 1); ++y) {
         RowSpan& span = rows_[static_cast<std::size_t>(y)];
         if (span.first > span.last) continue;
-        const std::size_t row = static_cast<std::size_t>(y) * static_cast<std::size_t>(width_);
         for (const CRect& clip : clips) {
             if (y < clip.top || y >= clip.bottom) continue;
-            const int begin = std::max<int>(span.first, clip.left);
-            const int end = std::min<int>(span.last + 1, clip.right);
-            for (int x = begin; x < end; ++x) {
-                if (IsBare(&mask_[row + static_cast<std::size_t>(x)], end - x)) {
-                    x += static_cast<int>(sizeof(std::uint64_t)) - 1;
-                    continue;
-                }
-                const std::uint32_t alpha = mask_[row + static_cast<std::size_t>(x)];
-                std::uint32_t& pixel = target.pixels[row + static_cast<std::size_t>(x)];
-                if (alpha == 255) pixel = color;
-                else if (alpha != 0) pixel = Mix(color, pixel, alpha);
-            }
+            BlendRow(target, color, y, std::max<int>(span.first, clip.left), std::min<int>(span.last + 1, clip.right));
         }
-        std::fill(mask_.begin() + static_cast<std::ptrdiff_t>(row) + span.first,
-                  mask_.begin() + static_cast<std::ptrdiff_t>(row) + span.last + 1, std::uint8_t{0});
+        std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
+        std::memset(mask + span.first, 0, static_cast<std::size_t>(span.last + 1 - span.first));
         span = {width_, -1};
     }
     top_ = height_;

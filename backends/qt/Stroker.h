@@ -36,15 +36,23 @@ class Stroker {
   private:
     template <bool kSteep>
     void AddAlong(PointF a, PointF b, double halfWidth);
-    void Touch(int row, int first, int last);
+    void BlendRow(const PixelBuffer& target, std::uint32_t color, int y, int begin, int end);
+    void Touch(int row, int first, int last) {
+        RowSpan& span = rows_[static_cast<std::size_t>(row)];
+        if (first < span.first) span.first = first;
+        if (last > span.last) span.last = last;
+    }
 
     struct RowSpan {
         int first;
         int last;
     };
 
+    static constexpr int kWord = 8;
+
     int width_;
     int height_;
+    int stride_;  // bytes of a row of the mask, whole words
     std::vector<std::uint8_t> mask_;
     std::vector<RowSpan> rows_;  // the touched columns of each row; none when first > last
     int top_;
