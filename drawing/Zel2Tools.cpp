@@ -1,5 +1,7 @@
 #include <zel/Zel2Tools.h>
 
+#include <zel/platform/DC.h>
+
 IMPLEMENT_SERIAL(Zel2Tools, Zel2Set, 0)
 
 Zel2Tools::Zel2Tools() : Zel2Tools(nullptr, {}, 0, {}, nullptr) {}
@@ -47,33 +49,42 @@ int Zel2Tools::GetFontIndex(const char* name) { return fonts_ ? fonts_->GetIndex
 int Zel2Tools::GetPenIndex(const char* name) { return pens_ ? pens_->GetIndex(name) : -1; }
 int Zel2Tools::GetSymbolIndex(const char* name) { return symbols_ ? symbols_->GetIndex(name) : -1; }
 
+// A tool that is registered in the middle of a pass is opened at once, but classic rules leave its printer flag as it
+// was made: pens then draw in their printer colour until the next pass.
+int Zel2Tools::Adopt(DrawToolTable* table, std::unique_ptr<DrawTool> tool) {
+    if (!table) return -1;
+    const CDC* dc = IsExact() ? DC() : nullptr;
+    if (dc) tool->SetPrinter(dc->m_bPrinting);
+    return table->Register(tool.release());
+}
+
+namespace {
+// Interface colours are wider than a colour is.
+COLORREF Cut(unsigned long color) { return static_cast<COLORREF>(color); }
+}  // namespace
+
 int Zel2Tools::RegisterColor(const char* name, unsigned long screen, unsigned long printer) {
-    return colors_ ? colors_->RegisterColor(name, static_cast<COLORREF>(screen), static_cast<COLORREF>(printer)) : -1;
+    return Adopt(Colors(), std::make_unique<DrawColor>(name, Cut(screen), Cut(printer)));
 }
 
 int Zel2Tools::RegisterPen(const char* name, int style, int width, unsigned long screen, unsigned long printer,
                            int* pattern) {
-    return pens_ ? pens_->RegisterPen(name, style, width, static_cast<COLORREF>(screen),
-                                      static_cast<COLORREF>(printer), pattern)
-                 : -1;
+    return Adopt(Pens(), std::make_unique<DrawPen>(name, style, width, Cut(screen), Cut(printer), pattern));
 }
 
 int Zel2Tools::RegisterFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
                             int strikeOut, unsigned long screen, unsigned long printer) {
-    return fonts_ ? fonts_->RegisterFont(name, face, ptSize10, bold, italic, underline, strikeOut,
-                                         static_cast<COLORREF>(screen), static_cast<COLORREF>(printer))
-                  : -1;
+    return Adopt(Fonts(), std::make_unique<DrawFont>(name, face, ptSize10, bold, italic, underline, strikeOut,
+                                                     Cut(screen), Cut(printer)));
 }
 
 int Zel2Tools::RegisterSymbol(const char* name, CSize size, zel::SymbolKind type, const char* text, int penWidth,
                               unsigned long penScreen, unsigned long penPrinter, unsigned long brushScreen,
                               unsigned long brushPrinter, int border, const char* face, int fontSize,
                               unsigned long fontScreen, unsigned long fontPrinter, int* xs, int* ys, int n) {
-    if (!symbols_) return -1;
-    const auto color = [](unsigned long value) { return static_cast<COLORREF>(value); };
-    return symbols_->RegisterSymbol(name, size, type, text, penWidth, color(penScreen), color(penPrinter),
-                                    color(brushScreen), color(brushPrinter), border, face, fontSize,
-                                    color(fontScreen), color(fontPrinter), xs, ys, n);
+    return Adopt(Symbols(), std::make_unique<DrawSymbol>(name, size, type, text, penWidth, Cut(penScreen),
+                                                         Cut(penPrinter), Cut(brushScreen), Cut(brushPrinter), border,
+                                                         face, fontSize, Cut(fontScreen), Cut(fontPrinter), xs, ys, n));
 }
 
 void Zel2Tools::OpenOn(CDC* dc, int scale) {

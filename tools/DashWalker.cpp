@@ -1,6 +1,7 @@
 #include "tools/DashWalker.h"
 
 #include <algorithm>
+#include <climits>
 #include <cmath>
 
 namespace {
@@ -147,7 +148,7 @@ void DrawPen::DashWalker::NextElement() {
 void DrawPen::DashWalker::WalkDashes(const CPoint& to, int length) {
     CPoint at = current_;
     int remaining = Remaining();
-    int lengthAtCycleStart = length + 1;
+    int lengthAtCycleStart = INT_MAX;  // a call can begin by stepping back: whole cycles count
     while (length > remaining) {
         const CSize delta = to - at;
         at = {zel::Add(at.x, MulDiv(delta.cx, remaining, length)), zel::Add(at.y, MulDiv(delta.cy, remaining, length))};

@@ -61,6 +61,8 @@ class Zel2Tools : public Zel2Set {
     void Serialize(CArchive& ar) override;
 
   private:
+    int Adopt(DrawToolTable* table, std::unique_ptr<DrawTool> tool);
+
     std::shared_ptr<DrawColorTable> colors_;
     std::shared_ptr<DrawFontTable> fonts_;
     std::shared_ptr<DrawPenTable> pens_;

@@ -1,0 +1,92 @@
+// Draws the examples in every format, reads each document back, draws it again and compares the pictures.
+//
+//     zel_gallery DATA_FOLDER OUTPUT_FOLDER
+#include "examples/gallery.h"
+
+#include <chrono>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include <zel/platform/Exception.h>
+#include <zel/qt/Install.h>
+
+#include "apps/zel/Csv.h"
+
+std::vector<double> ReadColumn(const std::string& path, const std::string& name) {
+    return zel::cli::CsvTable::Read(path).Column(name);
+}
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+struct Example {
+    const char* name;
+    std::unique_ptr<Zel2Main> (*make)(const std::string& folder);
+};
+
+constexpr Example kExamples[] = {{"temperature", MakeTemperature}, {"co2", MakeCo2},     {"weather", MakeWeather},
+                                 {"earthquakes", MakeEarthquakes}, {"styles", MakeStyles}, {"texts", MakeTexts}};
+
+std::string Content(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Writes one file and a row of the table about it.
+template <class Write>
+void Timed(const fs::path& path, Write write) {
+    const auto begin = Clock::now();
+    write(path.c_str());
+    const double ms = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
+    std::printf("%-24s %10ju bytes %9.1f ms\n", path.filename().c_str(), static_cast<std::uintmax_t>(fs::file_size(path)), ms);
+}
+
+// Whether the example comes back from its document and draws the same picture.
+bool DrawExample(const Example& example, const std::string& data, const fs::path& out) {
+    const std::unique_ptr<Zel2Main> drawing = example.make(data);
+    const fs::path base = out / example.name;
+    zel::ExportOptions options;
+    options.title = example.name;
+    for (const char* ending : {".png", ".pdf", ".svg", ".wmf"}) {
+        Timed(base.string() + ending, [&](const char* path) { zel::Export(*drawing, path, options); });
+    }
+    const std::string document = base.string() + ".zel";
+    Timed(document, [&](const char* path) { zel::SaveDocument(*drawing, path); });
+    const std::string again = base.string() + ".again.png";
+    zel::Export(*zel::LoadDocument(document.c_str()), again.c_str(), options);
+    const bool equal = Content(base.string() + ".png") == Content(again);
+    fs::remove(again);
+    if (!equal) std::printf("%s: the picture of the document differs\n", example.name);
+    return equal;
+}
+
+int DrawGallery(const std::string& data, const fs::path& out) {
+    fs::create_directories(out);
+    int equal = 0;
+    for (const Example& example : kExamples) equal += DrawExample(example, data, out) ? 1 : 0;
+    const int count = static_cast<int>(std::size(kExamples));
+    std::printf("%d of %d drawings came back from their documents with the same picture.\n", equal, count);
+    return equal == count ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: %s DATA_FOLDER OUTPUT_FOLDER\n", argv[0]);
+        return 2;
+    }
+    try {
+        zel::qt::Install();
+        return DrawGallery(argv[1], argv[2]);
+    } catch (CException* e) {
+        std::fprintf(stderr, "%s\n", zel::TakeMessage(e).c_str());
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s\n", e.what());
+    }
+    return 1;
+}

@@ -1,0 +1,18 @@
+// The examples. Each makes one drawing; `folder` holds the CSV files of examples/data.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <zel/zel.h>
+
+std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder);
+std::unique_ptr<Zel2Main> MakeCo2(const std::string& folder);
+std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder);
+std::unique_ptr<Zel2Main> MakeEarthquakes(const std::string& folder);
+std::unique_ptr<Zel2Main> MakeStyles(const std::string& folder);
+std::unique_ptr<Zel2Main> MakeTexts(const std::string& folder);
+
+// A column of a CSV file; dates become decimal years.
+std::vector<double> ReadColumn(const std::string& path, const std::string& name);
