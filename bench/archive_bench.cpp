@@ -1,12 +1,11 @@
 // Storing and loading series.
-#include <benchmark/benchmark.h>
-
-#include <cmath>
-#include <memory>
-
 #include <zel/platform/Archive.h>
 #include <zel/platform/File.h>
 #include <zel/zel.h>
+
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <memory>
 
 namespace {
 

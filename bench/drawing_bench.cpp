@@ -1,12 +1,11 @@
 // Redraws of one graph on an image of 1000 x 800 pixels.
-#include <benchmark/benchmark.h>
-
-#include <cmath>
-
 #include <zel/platform/DC.h>
 #include <zel/qt/ImageDevice.h>
 #include <zel/qt/Install.h>
 #include <zel/zel.h>
+
+#include <benchmark/benchmark.h>
+#include <cmath>
 
 namespace {
 
@@ -36,7 +35,14 @@ void DrawSine(benchmark::State& state, int style) {
     }
     state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * state.range(0));
 }
-BENCHMARK_CAPTURE(DrawSine, solid, DrawPen::SOLID)->Arg(100)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
-BENCHMARK_CAPTURE(DrawSine, dashed, DrawPen::DASH)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DrawSine, solid, DrawPen::SOLID)
+    ->Arg(100)
+    ->Arg(10'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(DrawSine, dashed, DrawPen::DASH)
+    ->Arg(10'000)
+    ->Arg(1'000'000)
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace

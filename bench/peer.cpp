@@ -2,8 +2,15 @@
 //
 //     zel_peer WORK N REPS DATA OUT VARIANT
 //
-// WORK is line, zoom, scatter or pdf; DATA holds N pairs of doubles; OUT is a file to write, "-" for none. Prints a
-// line "ms T" for each redraw of a graph of 1000 x 800 pixels; exits with 3 for a work that it does not know.
+// WORK is line, zoom, scatter or pdf; DATA holds N pairs of doubles; OUT is a file to write, "-" for none.
+// Prints a line "ms T" for each redraw of a graph of 1000 x 800 pixels; exits with 3 for a work that it does
+// not know.
+#include <zel/platform/DC.h>
+#include <zel/platform/Platform.h>
+#include <zel/qt/ImageDevice.h>
+#include <zel/qt/Install.h>
+#include <zel/zel.h>
+
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -11,12 +18,6 @@
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <zel/qt/ImageDevice.h>
-#include <zel/qt/Install.h>
-#include <zel/platform/DC.h>
-#include <zel/platform/Platform.h>
-#include <zel/zel.h>
 
 namespace {
 
@@ -44,7 +45,8 @@ Series ReadSeries(const char* path, std::size_t n) {
     }
     std::vector<double> block(1 << 14);
     while (series.x.size() < n) {
-        const std::size_t pairs = std::fread(block.data(), 16, std::min(block.size() / 2, n - series.x.size()), file);
+        const std::size_t pairs =
+            std::fread(block.data(), 16, std::min(block.size() / 2, n - series.x.size()), file);
         if (pairs == 0) break;
         for (std::size_t i = 0; i < pairs; ++i) {
             series.x.push_back(block[2 * i]);
@@ -60,16 +62,18 @@ Series ReadSeries(const char* path, std::size_t n) {
     return series;
 }
 
-// Once for REPS 1; otherwise at least REPS times, on to 60 while under 0.3 s in all, and no more than 3 after 8 s.
+// Once for REPS 1; otherwise at least REPS times, on to 60 while under 0.3 s in all, and no more than 3 after
+// 8 s.
 template <class Work>
 void Repeat(int repetitions, Work work) {
     double sum = 0;
-    for (int r = 0; r == 0 || (repetitions > 1 &&
-                               (r < 3 || (r < repetitions && sum < 8000) || (r < 60 && sum < 300)));
+    for (int r = 0;
+         r == 0 || (repetitions > 1 && (r < 3 || (r < repetitions && sum < 8000) || (r < 60 && sum < 300)));
          ++r) {
         const auto begin = std::chrono::steady_clock::now();
         work();
-        const double ms = std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+        const double ms =
+            std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
         sum += ms;
         std::printf("ms %.4f\n", ms);
         std::fflush(stdout);
@@ -106,9 +110,10 @@ class Plot {
     }
     void UseDiscs() {
         points_->SetPen(-1);
-        points_->SetSymbol(root_.RegisterSymbol("disc", CSize(60, 60), zel::SYMBOL_CIRCLE, "", 0, kBlue, kBlue, kBlue,
-                                                kBlue, 0, "Arial", 80, 0, 0, nullptr, nullptr, 0),
-                           true);
+        points_->SetSymbol(
+            root_.RegisterSymbol("disc", CSize(60, 60), zel::SYMBOL_CIRCLE, "", 0, kBlue, kBlue, kBlue, kBlue,
+                                 0, "Arial", 80, 0, 0, nullptr, nullptr, 0),
+            true);
     }
 
   private:

@@ -1,0 +1,29 @@
+# What cmake --install puts in place: libraries, headers, the package for find_package and the one for pkg-config.
+include(CMakePackageConfigHelpers)
+
+set(ZEL_INSTALL_TARGETS zel_framework zel_zel)
+if(ZEL_QT)
+  list(APPEND ZEL_INSTALL_TARGETS zel_qt)
+endif()
+install(TARGETS ${ZEL_INSTALL_TARGETS} EXPORT zelTargets
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(DIRECTORY include/zel DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+
+set(ZEL_CONFIG_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/zel)
+install(EXPORT zelTargets NAMESPACE zel:: DESTINATION ${ZEL_CONFIG_DIR})
+configure_package_config_file(cmake/zelConfig.cmake.in "${PROJECT_BINARY_DIR}/zelConfig.cmake"
+  INSTALL_DESTINATION ${ZEL_CONFIG_DIR})
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/zelConfigVersion.cmake" COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/zelConfig.cmake" "${PROJECT_BINARY_DIR}/zelConfigVersion.cmake"
+  DESTINATION ${ZEL_CONFIG_DIR})
+
+if(ZEL_QT)
+  set(ZEL_PC_QT "-lzelqt")
+endif()
+configure_file(cmake/zel.pc.in "${PROJECT_BINARY_DIR}/zel.pc.configured" @ONLY)
+# The prefix is known only when the package is installed.
+install(CODE "
+  file(READ \"${PROJECT_BINARY_DIR}/zel.pc.configured\" content)
+  string(REPLACE \"ZEL_PREFIX\" \"\${CMAKE_INSTALL_PREFIX}\" content \"\${content}\")
+  file(WRITE \"${PROJECT_BINARY_DIR}/zel.pc\" \"\${content}\")")
+install(FILES "${PROJECT_BINARY_DIR}/zel.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -1,12 +1,12 @@
 // Fields of persistent objects, written and read by one statement.
 #pragma once
 
+#include <zel/platform/Archive.h>
+
 #include <cstdint>
 #include <memory>
 #include <type_traits>
 #include <vector>
-
-#include <zel/platform/Archive.h>
 
 namespace zel {
 
@@ -20,7 +20,9 @@ void Exchange(CArchive& ar, Fields&... fields) {
     }
 }
 
-inline bool IsComplete(CArchive& ar) { return ar.GetDialect() == CArchive::Dialect::COMPLETE; }
+inline bool IsComplete(CArchive& ar) {
+    return ar.GetDialect() == CArchive::Dialect::COMPLETE;
+}
 
 // A bool as one byte.
 inline void ExchangeFlag(CArchive& ar, bool& flag) {
@@ -38,8 +40,8 @@ inline void ExchangeRaw(CArchive& ar, void* data, std::size_t bytes) {
     }
 }
 
-// A 32-bit count and the elements as one raw block; a count of 0 or less loads as an empty list. A count that the
-// bytes present cannot hold raises CArchiveException* before anything is allocated.
+// A 32-bit count and the elements as one raw block; a count of 0 or less loads as an empty list. A count that
+// the bytes present cannot hold raises CArchiveException* before anything is allocated.
 template <class T>
 void ExchangeList(CArchive& ar, std::vector<T>& list) {
     static_assert(std::is_arithmetic_v<T>);
@@ -53,8 +55,8 @@ void ExchangeList(CArchive& ar, std::vector<T>& list) {
     if (!list.empty()) ExchangeRaw(ar, list.data(), list.size() * sizeof(T));
 }
 
-// Reads an object that the caller owns from here on. An archive object of another class than T, a null object, and
-// one that the archive has handed out before (it already has an owner) raise CArchiveException*.
+// Reads an object that the caller owns from here on. An archive object of another class than T, a null
+// object, and one that the archive has handed out before (it already has an owner) raise CArchiveException*.
 template <class T>
 std::unique_ptr<T> ReadOwned(CArchive& ar) {
     return std::unique_ptr<T>(static_cast<T*>(ar.ReadNewObject(T::GetThisClass()).release()));

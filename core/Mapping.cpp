@@ -1,8 +1,8 @@
+#include "core/ArchiveFields.h"
+
 #include <zel/Mapping.h>
 
 #include <cstdlib>
-
-#include "core/ArchiveFields.h"
 
 IMPLEMENT_SERIAL(Mapping, CObject, 0)
 
@@ -11,7 +11,9 @@ constexpr int kZoomTermLimit = 1024;
 constexpr int kZoomLimit = 32;
 }  // namespace
 
-Mapping::Mapping(const Mapping& other) : CObject() { *this = other; }
+Mapping::Mapping(const Mapping& other) : CObject() {
+    *this = other;
+}
 
 Mapping& Mapping::operator=(const Mapping& other) {
     world_ = other.world_;
@@ -23,11 +25,21 @@ Mapping& Mapping::operator=(const Mapping& other) {
     return *this;
 }
 
-void Mapping::SetWorld(const CPoint& org, const CSize& ext) { SetWorld(org, org + ext); }
-void Mapping::SetWorld(const CPoint& p1, const CPoint& p2) { world_ = {p1.x, p1.y, p2.x, p2.y}; }
-void Mapping::SetLogical(const CPoint& org, const CSize& ext) { SetLogical(org, org + ext); }
-void Mapping::SetLogical(const CPoint& p1, const CPoint& p2) { logical_ = {p1.x, p1.y, p2.x, p2.y}; }
-void Mapping::SetDevice(const CPoint& p1, const CPoint& p2) { device_ = {p1.x, p1.y, p2.x, p2.y}; }
+void Mapping::SetWorld(const CPoint& org, const CSize& ext) {
+    SetWorld(org, org + ext);
+}
+void Mapping::SetWorld(const CPoint& p1, const CPoint& p2) {
+    world_ = {p1.x, p1.y, p2.x, p2.y};
+}
+void Mapping::SetLogical(const CPoint& org, const CSize& ext) {
+    SetLogical(org, org + ext);
+}
+void Mapping::SetLogical(const CPoint& p1, const CPoint& p2) {
+    logical_ = {p1.x, p1.y, p2.x, p2.y};
+}
+void Mapping::SetDevice(const CPoint& p1, const CPoint& p2) {
+    device_ = {p1.x, p1.y, p2.x, p2.y};
+}
 
 void Mapping::SetLogicalOrg(const CPoint& p) {
     device_.x1 = p.x;
@@ -74,11 +86,19 @@ void Mapping::StoreZoom(long long n, long long d) {
     if (n > kZoomLimit * d) zoom_ = {kZoomLimit, 1};
 }
 
-int Mapping::Scale() const { return Zoomed(1000); }
+int Mapping::Scale() const {
+    return Zoomed(1000);
+}
 
-int Mapping::Zoomed(int length) const { return MulDiv(length, zoom_.numerator, zoom_.denominator); }
-int Mapping::ScaleX(int length) const { return MulDiv(logical_.Width(), length, world_.Width()); }
-int Mapping::ScaleY(int length) const { return MulDiv(logical_.Height(), length, world_.Height()); }
+int Mapping::Zoomed(int length) const {
+    return MulDiv(length, zoom_.numerator, zoom_.denominator);
+}
+int Mapping::ScaleX(int length) const {
+    return MulDiv(logical_.Width(), length, world_.Width());
+}
+int Mapping::ScaleY(int length) const {
+    return MulDiv(logical_.Height(), length, world_.Height());
+}
 
 CPoint Mapping::ToLogical(const CPoint& world) const {
     const int x = zel::Add(ScaleX(zel::Subtract(world.x, world_.x1)), logical_.x1);
@@ -86,7 +106,9 @@ CPoint Mapping::ToLogical(const CPoint& world) const {
     return {Zoomed(x), Zoomed(y)};
 }
 
-CPoint Mapping::ToDevice(const CPoint& world) const { return ToLogical(world) + CSize(device_.x1, device_.y1); }
+CPoint Mapping::ToDevice(const CPoint& world) const {
+    return ToLogical(world) + CSize(device_.x1, device_.y1);
+}
 
 CPoint Mapping::FromLogical(const CPoint& logical) const {
     const int x = MulDiv(logical.x, zoom_.denominator, zoom_.numerator);
@@ -103,7 +125,9 @@ CSize Mapping::ToLogical(const CSize& world) const {
     return {ScaleX(Zoomed(world.cx)), ScaleY(Zoomed(world.cy))};
 }
 
-CSize Mapping::ToDevice(const CSize& world) const { return ToLogical(world); }
+CSize Mapping::ToDevice(const CSize& world) const {
+    return ToLogical(world);
+}
 
 CSize Mapping::FromLogical(const CSize& logical) const {
     const int cx = MulDiv(world_.Width(), logical.cx, logical_.Width());
@@ -111,7 +135,9 @@ CSize Mapping::FromLogical(const CSize& logical) const {
     return {MulDiv(cx, zoom_.denominator, zoom_.numerator), MulDiv(cy, zoom_.denominator, zoom_.numerator)};
 }
 
-CSize Mapping::FromDevice(const CSize& device) const { return FromLogical(device); }
+CSize Mapping::FromDevice(const CSize& device) const {
+    return FromLogical(device);
+}
 
 CRect Mapping::ToLogical(const CRect& world) const {
     return {ToLogical(world.TopLeft()), ToLogical(world.BottomRight())};

@@ -1,19 +1,18 @@
-#include <zel/Zel2.h>
+#include "core/ArchiveFields.h"
 
 #include <zel/Mapping.h>
+#include <zel/Zel2.h>
 #include <zel/Zel2Selection.h>
 #include <zel/platform/DC.h>
 #include <zel/platform/Wnd.h>
-
-#include "core/ArchiveFields.h"
 
 IMPLEMENT_SERIAL(Zel2, CObject, 0)
 
 namespace {
 
-constexpr int kMarkerReach = 2;     // pixels from the centre of a control point's marker to its edge
-constexpr int kMarkerSize = 5;      // pixels
-constexpr int kRepaintMargin = 3;   // pixels around an object, so that its markers are repainted too
+constexpr int kMarkerReach = 2;    // pixels from the centre of a control point's marker to its edge
+constexpr int kMarkerSize = 5;     // pixels
+constexpr int kRepaintMargin = 3;  // pixels around an object, so that its markers are repainted too
 
 }  // namespace
 
@@ -21,7 +20,10 @@ Zel2::Zel2(Zel2* parent, CPoint origin, unsigned long status, CSize size)
     : parent_(parent), origin_(origin), status_(static_cast<DWORD>(status)), dragOffset_(size) {}
 
 Zel2::Zel2(const Zel2& other)
-    : CObject(), parent_(other.parent_), origin_(other.origin_), status_(other.status_),
+    : CObject(),
+      parent_(other.parent_),
+      origin_(other.origin_),
+      status_(other.status_),
       dragOffset_(other.dragOffset_) {}
 
 Zel2& Zel2::operator=(const Zel2& other) {
@@ -32,7 +34,9 @@ Zel2& Zel2::operator=(const Zel2& other) {
     return *this;
 }
 
-void Zel2::Serialize(CArchive& ar) { zel::Exchange(ar, origin_.x, origin_.y, status_); }
+void Zel2::Serialize(CArchive& ar) {
+    zel::Exchange(ar, origin_.x, origin_.y, status_);
+}
 
 Zel2* Zel2::GetParentClass(int code) const {
     Zel2* ancestor = parent_;
@@ -52,23 +56,57 @@ void Zel2::EndDrag() {}
 void Zel2::EndDrag(int) {}
 
 // Look-ups: asked of the parent, answered by a default at an object without one.
-CPoint Zel2::F2L(double x, double y) { return parent_ ? parent_->F2L(x, y) : CPoint(); }
-CPoint Zel2::F2R(double x, double y) { return parent_ ? parent_->F2R(x, y) : CPoint(); }
-int Zel2::IsPrinting() { return parent_ ? parent_->IsPrinting() : 0; }
-DrawColorTable* Zel2::Colors() { return parent_ ? parent_->Colors() : nullptr; }
-DrawFontTable* Zel2::Fonts() { return parent_ ? parent_->Fonts() : nullptr; }
-DrawPenTable* Zel2::Pens() { return parent_ ? parent_->Pens() : nullptr; }
-DrawSymbolTable* Zel2::Symbols() { return parent_ ? parent_->Symbols() : nullptr; }
-Mapping* Zel2::Map() { return parent_ ? parent_->Map() : nullptr; }
-CWnd* Zel2::Window() { return parent_ ? parent_->Window() : nullptr; }
-int Zel2::Scale() { return parent_ ? parent_->Scale() : 1000; }
-CDC* Zel2::DC() { return parent_ ? parent_->DC() : nullptr; }
-ZelRules Zel2::Rules() { return parent_ ? parent_->Rules() : ZelRules::CLASSIC; }
-int Zel2::GetColorIndex(const char* name) { return parent_ ? parent_->GetColorIndex(name) : -1; }
-int Zel2::GetFontIndex(const char* name) { return parent_ ? parent_->GetFontIndex(name) : -1; }
-int Zel2::GetPenIndex(const char* name) { return parent_ ? parent_->GetPenIndex(name) : -1; }
-int Zel2::GetSymbolIndex(const char* name) { return parent_ ? parent_->GetSymbolIndex(name) : -1; }
-int Zel2::OnNotify(Zel2*, long code) { return parent_ ? parent_->OnNotify(this, code) : 0; }
+CPoint Zel2::F2L(double x, double y) {
+    return parent_ ? parent_->F2L(x, y) : CPoint();
+}
+CPoint Zel2::F2R(double x, double y) {
+    return parent_ ? parent_->F2R(x, y) : CPoint();
+}
+int Zel2::IsPrinting() {
+    return parent_ ? parent_->IsPrinting() : 0;
+}
+DrawColorTable* Zel2::Colors() {
+    return parent_ ? parent_->Colors() : nullptr;
+}
+DrawFontTable* Zel2::Fonts() {
+    return parent_ ? parent_->Fonts() : nullptr;
+}
+DrawPenTable* Zel2::Pens() {
+    return parent_ ? parent_->Pens() : nullptr;
+}
+DrawSymbolTable* Zel2::Symbols() {
+    return parent_ ? parent_->Symbols() : nullptr;
+}
+Mapping* Zel2::Map() {
+    return parent_ ? parent_->Map() : nullptr;
+}
+CWnd* Zel2::Window() {
+    return parent_ ? parent_->Window() : nullptr;
+}
+int Zel2::Scale() {
+    return parent_ ? parent_->Scale() : 1000;
+}
+CDC* Zel2::DC() {
+    return parent_ ? parent_->DC() : nullptr;
+}
+ZelRules Zel2::Rules() {
+    return parent_ ? parent_->Rules() : ZelRules::CLASSIC;
+}
+int Zel2::GetColorIndex(const char* name) {
+    return parent_ ? parent_->GetColorIndex(name) : -1;
+}
+int Zel2::GetFontIndex(const char* name) {
+    return parent_ ? parent_->GetFontIndex(name) : -1;
+}
+int Zel2::GetPenIndex(const char* name) {
+    return parent_ ? parent_->GetPenIndex(name) : -1;
+}
+int Zel2::GetSymbolIndex(const char* name) {
+    return parent_ ? parent_->GetSymbolIndex(name) : -1;
+}
+int Zel2::OnNotify(Zel2*, long code) {
+    return parent_ ? parent_->OnNotify(this, code) : 0;
+}
 
 void Zel2::ResetClip() {
     if (parent_) parent_->ResetClip();
@@ -94,7 +132,8 @@ int Zel2::RegisterPen(const char* name, int style, int width, unsigned long scre
 
 int Zel2::RegisterFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
                        int strikeOut, unsigned long screen, unsigned long printer) {
-    return parent_ ? parent_->RegisterFont(name, face, ptSize10, bold, italic, underline, strikeOut, screen, printer)
+    return parent_ ? parent_->RegisterFont(name, face, ptSize10, bold, italic, underline, strikeOut, screen,
+                                           printer)
                    : -1;
 }
 
@@ -102,16 +141,27 @@ int Zel2::RegisterSymbol(const char* name, CSize size, zel::SymbolKind type, con
                          unsigned long penScreen, unsigned long penPrinter, unsigned long brushScreen,
                          unsigned long brushPrinter, int border, const char* face, int fontSize,
                          unsigned long fontScreen, unsigned long fontPrinter, int* xs, int* ys, int n) {
-    return parent_ ? parent_->RegisterSymbol(name, size, type, text, penWidth, penScreen, penPrinter, brushScreen,
-                                             brushPrinter, border, face, fontSize, fontScreen, fontPrinter, xs, ys, n)
+    return parent_ ? parent_->RegisterSymbol(name, size, type, text, penWidth, penScreen, penPrinter,
+                                             brushScreen, brushPrinter, border, face, fontSize, fontScreen,
+                                             fontPrinter, xs, ys, n)
                    : -1;
 }
 
-int Zel2::IsClass(int) { return 0; }
-const WorldFrame* Zel2::Frame() { return nullptr; }
-int Zel2::PrintedHeight() { return Size().cy; }
-bool Zel2::HasEdges() { return false; }
-int Zel2::Ready() { return Colors() && Fonts() && Pens() && Map() ? 1 : 0; }
+int Zel2::IsClass(int) {
+    return 0;
+}
+const WorldFrame* Zel2::Frame() {
+    return nullptr;
+}
+int Zel2::PrintedHeight() {
+    return Size().cy;
+}
+bool Zel2::HasEdges() {
+    return false;
+}
+int Zel2::Ready() {
+    return Colors() && Fonts() && Pens() && Map() ? 1 : 0;
+}
 
 void Zel2::SetStatus(unsigned long mask, int on) {
     const DWORD bits = static_cast<DWORD>(mask);
@@ -136,10 +186,16 @@ CPoint Zel2::AbsOrigin() const {
     return {zel::Saturate(x), zel::Saturate(y)};
 }
 
-CRect Zel2::AbsRect() { return {AbsOrigin(), Size()}; }
+CRect Zel2::AbsRect() {
+    return {AbsOrigin(), Size()};
+}
 
-CSize Zel2::Size() { return {}; }
-CSize Zel2::MinSize() { return Size(); }
+CSize Zel2::Size() {
+    return {};
+}
+CSize Zel2::MinSize() {
+    return Size();
+}
 void Zel2::SetSize(const CSize&) {}
 
 CPoint Zel2::R2L(const CPoint& rel) {
@@ -164,7 +220,8 @@ int Zel2::UpdateWindow() {
 
 void Zel2::MoveTo(const CPoint& p) {
     const CSize size = Size();
-    MoveTo(CRect(p.x, p.y, zel::Add(p.x, zel::Subtract(size.cx, 1)), zel::Add(p.y, zel::Subtract(size.cy, 1))));
+    MoveTo(
+        CRect(p.x, p.y, zel::Add(p.x, zel::Subtract(size.cx, 1)), zel::Add(p.y, zel::Subtract(size.cy, 1))));
 }
 
 void Zel2::MoveTo(const CRect& r) {
@@ -180,8 +237,12 @@ void Zel2::MoveToAbs(const CRect& r) {
     if (map) MoveTo(map->FromLogical(r - ParentOrigin()));
 }
 
-unsigned int Zel2::nCpt() { return 0; }
-CPoint Zel2::Cpt(int) { return {}; }
+unsigned int Zel2::nCpt() {
+    return 0;
+}
+CPoint Zel2::Cpt(int) {
+    return {};
+}
 
 void Zel2::DrawCPT() {
     if (!Window()) return;
@@ -222,11 +283,17 @@ int Zel2::CptAt(const CPoint& pt) {
     return -1;
 }
 
-int Zel2::EdgeAt(const CPoint&) { return -1; }
+int Zel2::EdgeAt(const CPoint&) {
+    return -1;
+}
 
-int Zel2::IsIn(const CPoint& pt) { return Selected() && DeviceRect().PtInRect(pt) ? 1 : 0; }
+int Zel2::IsIn(const CPoint& pt) {
+    return Selected() && DeviceRect().PtInRect(pt) ? 1 : 0;
+}
 
-Zel2* Zel2::GetSelectableAt(const CPoint& pt) { return IsIn(pt) > 0 ? this : nullptr; }
+Zel2* Zel2::GetSelectableAt(const CPoint& pt) {
+    return IsIn(pt) > 0 ? this : nullptr;
+}
 
 void Zel2::SelectAt(const CPoint& pt, Zel2Selection* sel) {
     CRect area = Map()->ToLogical(AbsRect());
@@ -236,7 +303,8 @@ void Zel2::SelectAt(const CPoint& pt, Zel2Selection* sel) {
 
 void Zel2::SelectAt(const CRect& r, Zel2Selection* sel) {
     const CRect area = DeviceRect();
-    if (area.left >= r.left && area.right <= r.right && area.top >= r.top && area.bottom <= r.bottom) sel->Add(this);
+    if (area.left >= r.left && area.right <= r.right && area.top >= r.top && area.bottom <= r.bottom)
+        sel->Add(this);
 }
 
 MouseAction Zel2::OnMouse(const MouseStatus& ms) {
@@ -254,7 +322,9 @@ MouseAction Zel2::OnMouse(const MouseStatus& ms) {
     return {};
 }
 
-void Zel2::StartDrag(const CPoint& pt) { dragOffset_ = AbsOrigin() - Map()->FromDevice(pt); }
+void Zel2::StartDrag(const CPoint& pt) {
+    dragOffset_ = AbsOrigin() - Map()->FromDevice(pt);
+}
 
 void Zel2::DragTo(const CPoint& pt) {
     const CPoint target = Map()->FromDevice(pt) + dragOffset_;

@@ -1,13 +1,12 @@
-#include <zel/Zel2Set.h>
-
-#include <climits>
+#include "core/ArchiveFields.h"
 
 #include <zel/Zel2Selection.h>
+#include <zel/Zel2Set.h>
 #include <zel/platform/DC.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/PrintInfo.h>
 
-#include "core/ArchiveFields.h"
+#include <climits>
 
 IMPLEMENT_SERIAL(Zel2Set, Zel2, 0)
 
@@ -15,7 +14,9 @@ Zel2Set::Zel2Set(Zel2*, CPoint, unsigned long, CSize, CObArray* children) {
     if (children) children_.Copy(*children);
 }
 
-Zel2Set::Zel2Set(const Zel2Set& other) : Zel2(other) { ShareChildren(other); }
+Zel2Set::Zel2Set(const Zel2Set& other) : Zel2(other) {
+    ShareChildren(other);
+}
 
 Zel2Set& Zel2Set::operator=(const Zel2Set& other) {
     if (this == &other) return *this;
@@ -24,14 +25,18 @@ Zel2Set& Zel2Set::operator=(const Zel2Set& other) {
     return *this;
 }
 
-Zel2Set::~Zel2Set() { DeleteChildren(); }
+Zel2Set::~Zel2Set() {
+    DeleteChildren();
+}
 
 void Zel2Set::DeleteChildren() {
     ForEachChild([](Zel2* child) { delete child; });
     children_.RemoveAll();
 }
 
-int Zel2Set::GetCount() { return static_cast<int>(children_.GetSize()); }
+int Zel2Set::GetCount() {
+    return static_cast<int>(children_.GetSize());
+}
 
 int Zel2Set::Add(Zel2* child) {
     const int index = static_cast<int>(children_.Add(child));
@@ -61,7 +66,9 @@ void Zel2Set::DetachChildren() {
     children_.RemoveAll();
 }
 
-Zel2* Zel2Set::operator[](int i) { return ChildAt(i); }
+Zel2* Zel2Set::operator[](int i) {
+    return ChildAt(i);
+}
 
 void Zel2Set::OpenOn(CDC* dc, int scale) {
     ForEachChild([=](Zel2* child) { child->OpenOn(dc, scale); });
@@ -81,7 +88,9 @@ void Zel2Set::SetStatus(unsigned long mask, int on) {
     ForEachChild([=](Zel2* child) { child->SetStatus(mask, on); });
 }
 
-int Zel2Set::IsClass(int code) { return code & CLASS_CONTAINER; }
+int Zel2Set::IsClass(int code) {
+    return code & CLASS_CONTAINER;
+}
 
 CSize Zel2Set::Size() {
     CSize extent;
@@ -110,7 +119,9 @@ CPoint Zel2Set::Cpt(int i) {
     return {INT_MIN, INT_MIN};
 }
 
-bool Zel2Set::PrintsByPages() { return false; }
+bool Zel2Set::PrintsByPages() {
+    return false;
+}
 
 void Zel2Set::OnPrint(CDC* dc, CPrintInfo* info) {
     const bool byPages = PrintsByPages();
@@ -145,7 +156,9 @@ Zel2* Zel2Set::GetSelectableAt(const CPoint& pt) {
     return topmost;
 }
 
-void Zel2Set::SelectAt(const CPoint& pt, Zel2Selection* sel) { sel->Add(GetSelectableAt(pt)); }
+void Zel2Set::SelectAt(const CPoint& pt, Zel2Selection* sel) {
+    sel->Add(GetSelectableAt(pt));
+}
 
 void Zel2Set::SelectAt(const CRect& r, Zel2Selection* sel) {
     ForEachChild([&](Zel2* child) { child->SelectAt(r, sel); });

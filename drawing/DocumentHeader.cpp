@@ -1,11 +1,10 @@
 #include "drawing/DocumentHeader.h"
 
-#include <zlib.h>
-
-#include <cstring>
-
 #include <zel/ZelDocument.h>
 #include <zel/platform/Exception.h>
+
+#include <cstring>
+#include <zlib.h>
 
 namespace zel {
 namespace {

@@ -1,11 +1,11 @@
 // The first bytes of a document.
 #pragma once
 
+#include <zel/ZelRules.h>
+
 #include <array>
 #include <cstdint>
 #include <string>
-
-#include <zel/ZelRules.h>
 
 namespace zel {
 

@@ -1,13 +1,7 @@
 // Zel2Main's Windows metafiles.
-#include <fcntl.h>
-#include <unistd.h>
+#include "drawing/MetafileOutput.h"
 
-#include <algorithm>
-#include <array>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
-#include <string>
+#include "drawing/ResolutionDevice.h"
 
 #include <zel/Zel2Main.h>
 #include <zel/platform/DC.h>
@@ -15,8 +9,14 @@
 #include <zel/platform/Platform.h>
 #include <zel/platform/SafeFile.h>
 
-#include "drawing/MetafileOutput.h"
-#include "drawing/ResolutionDevice.h"
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+#include <unistd.h>
 
 namespace {
 
@@ -40,8 +40,8 @@ class Recorder {
     CMetaFileDC dc_;
 };
 
-// The header that host programs of the classic library expect: 32-bit fields where the published header has 16 bits,
-// and a checksum over the ten words at its beginning.
+// The header that host programs of the classic library expect: 32-bit fields where the published header has
+// 16 bits, and a checksum over the ten words at its beginning.
 std::array<std::uint8_t, kClassicHeaderSize> ClassicHeader(const CSize& box) {
     struct Header {
         DWORD key = 0x9AC6CDD7;
@@ -61,7 +61,8 @@ std::array<std::uint8_t, kClassicHeaderSize> ClassicHeader(const CSize& box) {
     header.bottom = box.cy;
     std::array<WORD, kClassicHeaderSize / 2> words{};
     std::memcpy(words.data(), &header, sizeof header);
-    for (int i = 0; i < 10; ++i) header.checksum = static_cast<WORD>(header.checksum ^ words[static_cast<std::size_t>(i)]);
+    for (int i = 0; i < 10; ++i)
+        header.checksum = static_cast<WORD>(header.checksum ^ words[static_cast<std::size_t>(i)]);
     std::array<std::uint8_t, kClassicHeaderSize> bytes{};
     std::memcpy(bytes.data(), &header, sizeof header);
     return bytes;
@@ -79,7 +80,8 @@ class OpenFile {
     explicit operator bool() const { return descriptor_ >= 0; }
     ssize_t Read(void* buffer, std::size_t count) { return ::read(descriptor_, buffer, count); }
     void Write(const void* bytes, std::size_t count) {
-        if (::write(descriptor_, bytes, count) < 0) return;  // classic: what follows the header may be missing
+        if (::write(descriptor_, bytes, count) < 0)
+            return;  // classic: what follows the header may be missing
     }
 
   private:

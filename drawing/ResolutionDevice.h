@@ -1,15 +1,15 @@
 // A measuring device of another resolution.
 #pragma once
 
+#include <zel/platform/GraphicsDevice.h>
+
 #include <algorithm>
 #include <memory>
 
-#include <zel/platform/GraphicsDevice.h>
-
 namespace zel {
 
-// The finest number of units per inch at which a drawing of this size (thousandths of an inch) has coordinates of 15
-// bits, as metafiles need.
+// The finest number of units per inch at which a drawing of this size (thousandths of an inch) has
+// coordinates of 15 bits, as metafiles need.
 inline int FinestResolution(const CSize& size) {
     constexpr int kLargest = 32000;
     constexpr int kFinest = 7200;

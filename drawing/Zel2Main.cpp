@@ -1,10 +1,9 @@
-#include <zel/Zel2Main.h>
+#include "core/ArchiveFields.h"
 
+#include <zel/Zel2Main.h>
 #include <zel/platform/DC.h>
 #include <zel/platform/Gdi.h>
 #include <zel/platform/PrintInfo.h>
-
-#include "core/ArchiveFields.h"
 
 IMPLEMENT_SERIAL(Zel2Main, Zel2Tools, 0)
 
@@ -19,7 +18,11 @@ constexpr int kPagedLeftShift = 300;    // logical units
 Zel2Main::Zel2Main() : mapping_(new Mapping) {}
 
 Zel2Main::Zel2Main(const Zel2Main& other)
-    : Zel2Tools(other), mapping_(other.mapping_), window_(other.window_), dc_(other.dc_), rules_(other.rules_) {}
+    : Zel2Tools(other),
+      mapping_(other.mapping_),
+      window_(other.window_),
+      dc_(other.dc_),
+      rules_(other.rules_) {}
 
 Zel2Main& Zel2Main::operator=(const Zel2Main& other) {
     Zel2Tools::operator=(other);
@@ -30,12 +33,22 @@ Zel2Main& Zel2Main::operator=(const Zel2Main& other) {
     return *this;
 }
 
-Zel2Main::~Zel2Main() { delete mapping_; }
+Zel2Main::~Zel2Main() {
+    delete mapping_;
+}
 
-Mapping* Zel2Main::Map() { return GetParent() ? GetParent()->Map() : mapping_; }
-CWnd* Zel2Main::Window() { return GetParent() ? GetParent()->Window() : window_; }
-CDC* Zel2Main::DC() { return GetParent() ? GetParent()->DC() : dc_; }
-ZelRules Zel2Main::Rules() { return rules_; }
+Mapping* Zel2Main::Map() {
+    return GetParent() ? GetParent()->Map() : mapping_;
+}
+CWnd* Zel2Main::Window() {
+    return GetParent() ? GetParent()->Window() : window_;
+}
+CDC* Zel2Main::DC() {
+    return GetParent() ? GetParent()->DC() : dc_;
+}
+ZelRules Zel2Main::Rules() {
+    return rules_;
+}
 
 int Zel2Main::Scale() {
     const Mapping* map = Map();
@@ -62,8 +75,8 @@ void Zel2Main::PrepareMappingFor(CDC* dc, CPrintInfo* info, int a, int b) {
     map->SetLogical(CPoint(left, height), CPoint(zel::Add(width, left), 0));
 }
 
-// What surrounds the drawing of the tree in one output pass. Its destructor leaves root, context and tools as they
-// were before, also when an exception passes through.
+// What surrounds the drawing of the tree in one output pass. Its destructor leaves root, context and tools as
+// they were before, also when an exception passes through.
 class Zel2Main::Pass {
   public:
     Pass(Zel2Main& root, CDC* dc) : root_(root), dc_(*dc), previousDc_(root.dc_) {
@@ -145,7 +158,9 @@ void Zel2Main::ResetClip() {
     SelectTopClip();
 }
 
-void Zel2Main::SelectTopClip() { ::SelectClipRgn(dc_->m_hDC, clipLevels_.empty() ? nullptr : clipLevels_.back()); }
+void Zel2Main::SelectTopClip() {
+    ::SelectClipRgn(dc_->m_hDC, clipLevels_.empty() ? nullptr : clipLevels_.back());
+}
 
 void Zel2Main::Serialize(CArchive& ar) {
     Zel2Tools::Serialize(ar);

@@ -1,18 +1,16 @@
+#include "core/ArchiveFields.h"
+#include "drawing/DocumentHeader.h"
+
 #include <zel/ZelDocument.h>
-
-#include <zlib.h>
-
-#include <algorithm>
-#include <string>
-#include <vector>
-
 #include <zel/platform/Archive.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/File.h>
 #include <zel/platform/SafeFile.h>
 
-#include "core/ArchiveFields.h"
-#include "drawing/DocumentHeader.h"
+#include <algorithm>
+#include <string>
+#include <vector>
+#include <zlib.h>
 
 namespace zel {
 namespace {
@@ -47,7 +45,8 @@ class ChecksummedFile : public CFile {
 DocumentHeader ReadHeader(CFile& file, const std::string& source) {
     DocumentHeader::Bytes bytes{};
     if (file.Read(bytes.data(), bytes.size()) != bytes.size()) {
-        Refuse(source, "it has " + std::to_string(file.GetLength()) + " bytes, less than a document's header");
+        Refuse(source,
+               "it has " + std::to_string(file.GetLength()) + " bytes, less than a document's header");
     }
     return DocumentHeader::Decode(bytes, source);
 }
@@ -56,8 +55,8 @@ DocumentHeader ReadHeader(CFile& file, const std::string& source) {
 void CheckContent(CFile& file, const DocumentHeader& header, const std::string& source) {
     const std::uint64_t present = file.GetLength() - DocumentHeader::kSize;
     if (present != header.contentLength) {
-        Refuse(source, "its header promises " + std::to_string(header.contentLength) + " bytes of content, and " +
-                           std::to_string(present) + " are there");
+        Refuse(source, "its header promises " + std::to_string(header.contentLength) +
+                           " bytes of content, and " + std::to_string(present) + " are there");
     }
     std::vector<std::uint8_t> block(1 << 18);
     std::uint32_t checksum = 0;

@@ -1,15 +1,14 @@
+#include "drawing/MetafileOutput.h"
+
 #include <zel/ZelExport.h>
+#include <zel/platform/DC.h>
+#include <zel/platform/Exception.h>
+#include <zel/platform/Platform.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <utility>
-
-#include <zel/platform/DC.h>
-#include <zel/platform/Exception.h>
-#include <zel/platform/Platform.h>
-
-#include "drawing/MetafileOutput.h"
 
 namespace zel {
 namespace {
@@ -43,7 +42,8 @@ class DetachedDrawing {
 
 std::string FormatOf(const std::string& path) {
     const std::size_t dot = path.rfind('.');
-    std::string ending = dot == std::string::npos || path.find('/', dot) != std::string::npos ? "" : path.substr(dot + 1);
+    std::string ending =
+        dot == std::string::npos || path.find('/', dot) != std::string::npos ? "" : path.substr(dot + 1);
     std::transform(ending.begin(), ending.end(), ending.begin(),
                    [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
     return ending == "jpeg" ? "jpg" : ending;
@@ -67,7 +67,8 @@ Placement PlaceOn(FileDeviceOptions& device, const ExportOptions& options, doubl
     const double margin = std::max(options.margin, 0.0) / kMillimetresPerInch;
     const double roomX = device.width - 2 * margin;
     const double roomY = device.height - 2 * margin;
-    if (roomX <= 0 || roomY <= 0) AfxThrowInvalidArgException("Cannot place a drawing on a paper that is all margin.");
+    if (roomX <= 0 || roomY <= 0)
+        AfxThrowInvalidArgException("Cannot place a drawing on a paper that is all margin.");
     Placement placement;
     placement.scale = std::min({1.0, roomX / width, roomY / height});
     placement.left = (device.width - width * placement.scale) / 2;
@@ -95,8 +96,8 @@ bool SetPaper(ExportOptions& options, const std::string& name, bool landscape) {
         double width;
         double height;
     };
-    static constexpr std::array kPapers = {Paper{"a2", 420, 594},    Paper{"a3", 297, 420},
-                                           Paper{"a4", 210, 297},    Paper{"a5", 148, 210},
+    static constexpr std::array kPapers = {Paper{"a2", 420, 594},         Paper{"a3", 297, 420},
+                                           Paper{"a4", 210, 297},         Paper{"a5", 148, 210},
                                            Paper{"letter", 215.9, 279.4}, Paper{"legal", 215.9, 355.6}};
     std::string wanted = name;
     std::transform(wanted.begin(), wanted.end(), wanted.begin(),
@@ -114,14 +115,16 @@ bool SetPaper(ExportOptions& options, const std::string& name, bool landscape) {
 void Export(Zel2Main& drawing, const char* path, const ExportOptions& options) {
     const CSize size = drawing.Size();
     if (size.cx <= 0 || size.cy <= 0) {
-        AfxThrowInvalidArgException(("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
+        AfxThrowInvalidArgException(
+            ("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
     }
     const DetachedDrawing detached(drawing);
     FileDeviceOptions device;
     device.path = path;
     device.format = FormatOf(path);
     if (device.format == "wmf") {
-        drawing.SetRules(ZelRules::EXACT);  // the metafile that other programs read, whatever the drawing's rules
+        drawing.SetRules(
+            ZelRules::EXACT);  // the metafile that other programs read, whatever the drawing's rules
         WritePlaceableMetafile(drawing, path);
         return;
     }

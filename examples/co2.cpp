@@ -9,10 +9,12 @@ std::unique_ptr<Zel2Main> MakeCo2(const std::string& folder) {
     root->SetRules(ZelRules::EXACT);
     root->RegisterColor("Frame Color", RGB(255, 255, 255), RGB(255, 255, 255));
     root->RegisterColor("Background Color", RGB(255, 255, 255), RGB(255, 255, 255));
-    root->RegisterPen("Vertical/Horizontal Coordinate Lines", DrawPen::SOLID, 1, RGB(225, 225, 225), RGB(200, 200, 200),
-                      nullptr);
-    const int monthly = root->RegisterPen("Monthly", DrawPen::SOLID, 2, RGB(120, 170, 210), RGB(150, 150, 150), nullptr);
-    const int adjusted = root->RegisterPen("Adjusted", DrawPen::SOLID, 5, RGB(20, 80, 140), RGB(0, 0, 0), nullptr);
+    root->RegisterPen("Vertical/Horizontal Coordinate Lines", DrawPen::SOLID, 1, RGB(225, 225, 225),
+                      RGB(200, 200, 200), nullptr);
+    const int monthly =
+        root->RegisterPen("Monthly", DrawPen::SOLID, 2, RGB(120, 170, 210), RGB(150, 150, 150), nullptr);
+    const int adjusted =
+        root->RegisterPen("Adjusted", DrawPen::SOLID, 5, RGB(20, 80, 140), RGB(0, 0, 0), nullptr);
     const int title = root->RegisterFont("Title", "Arial", 140, 1, 0, 0, 0, 0, 0);
     const int small = root->RegisterFont("Small", "Arial", 100, 0, 0, 0, 0, 0, 0);
 
@@ -36,10 +38,12 @@ std::unique_ptr<Zel2Main> MakeCo2(const std::string& folder) {
     }
 
     const Zel2Text::Rule noRule{-1, 0.0F};
-    root->Add(new Zel2Text("Carbon dioxide at Mauna Loa", CPoint(3500, 3900), title, DT_CENTER | DT_VCENTER, 0, -1, -1,
+    root->Add(new Zel2Text("Carbon dioxide at Mauna Loa", CPoint(3500, 3900), title, DT_CENTER | DT_VCENTER,
+                           0, -1, -1, noRule));
+    root->Add(new Zel2Text("parts per million", CPoint(200, 2100), small, DT_CENTER | DT_VCENTER, 900, -1, -1,
                            noRule));
-    root->Add(new Zel2Text("parts per million", CPoint(200, 2100), small, DT_CENTER | DT_VCENTER, 900, -1, -1, noRule));
-    root->Add(new Zel2Text("percent of 420 ppm", CPoint(6800, 2100), small, DT_CENTER | DT_VCENTER, 900, -1, -1, noRule));
+    root->Add(new Zel2Text("percent of 420 ppm", CPoint(6800, 2100), small, DT_CENTER | DT_VCENTER, 900, -1,
+                           -1, noRule));
     root->Add(new Zel2Text("year", CPoint(3500, 200), small, DT_CENTER | DT_VCENTER, 0, -1, -1, noRule));
     return root;
 }

@@ -3,16 +3,16 @@
 //     zel_gallery DATA_FOLDER OUTPUT_FOLDER
 #include "examples/gallery.h"
 
+#include "apps/zel/Csv.h"
+
+#include <zel/platform/Exception.h>
+#include <zel/qt/Install.h>
+
 #include <chrono>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-
-#include <zel/platform/Exception.h>
-#include <zel/qt/Install.h>
-
-#include "apps/zel/Csv.h"
 
 std::vector<double> ReadColumn(const std::string& path, const std::string& name) {
     return zel::cli::CsvTable::Read(path).Column(name);
@@ -28,8 +28,9 @@ struct Example {
     std::unique_ptr<Zel2Main> (*make)(const std::string& folder);
 };
 
-constexpr Example kExamples[] = {{"temperature", MakeTemperature}, {"co2", MakeCo2},     {"weather", MakeWeather},
-                                 {"earthquakes", MakeEarthquakes}, {"styles", MakeStyles}, {"texts", MakeTexts}};
+constexpr Example kExamples[] = {{"temperature", MakeTemperature}, {"co2", MakeCo2},
+                                 {"weather", MakeWeather},         {"earthquakes", MakeEarthquakes},
+                                 {"styles", MakeStyles},           {"texts", MakeTexts}};
 
 std::string Content(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
@@ -42,7 +43,8 @@ void Timed(const fs::path& path, Write write) {
     const auto begin = Clock::now();
     write(path.c_str());
     const double ms = std::chrono::duration<double, std::milli>(Clock::now() - begin).count();
-    std::printf("%-24s %10ju bytes %9.1f ms\n", path.filename().c_str(), static_cast<std::uintmax_t>(fs::file_size(path)), ms);
+    std::printf("%-24s %10ju bytes %9.1f ms\n", path.filename().c_str(),
+                static_cast<std::uintmax_t>(fs::file_size(path)), ms);
 }
 
 // Whether the example comes back from its document and draws the same picture.

@@ -1,11 +1,11 @@
 // The examples. Each makes one drawing; `folder` holds the CSV files of examples/data.
 #pragma once
 
+#include <zel/zel.h>
+
 #include <memory>
 #include <string>
 #include <vector>
-
-#include <zel/zel.h>
 
 std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeCo2(const std::string& folder);

@@ -9,14 +9,16 @@ std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder) {
     auto root = std::make_unique<Zel2Main>();
     root->SetRules(ZelRules::EXACT);
 
-    // Tools are named and used by index. A graph uses tools of these two names for its background if they are there.
+    // Tools are named and used by index. A graph uses tools of these two names for its background if they are
+    // there.
     root->RegisterColor("Frame Color", RGB(255, 255, 255), RGB(255, 255, 255));
     root->RegisterColor("Background Color", RGB(247, 249, 251), RGB(255, 255, 255));
     const COLORREF red = RGB(192, 57, 43);
     const int area = root->RegisterColor("Area", RGB(247, 213, 205), RGB(230, 230, 230));
     const int line = root->RegisterPen("Line", DrawPen::SOLID, 4, red, RGB(0, 0, 0), nullptr);
-    const int disc = root->RegisterSymbol("Disc", CSize(45, 45), zel::SYMBOL_CIRCLE, "", 1, red, 0, RGB(255, 255, 255),
-                                          RGB(255, 255, 255), 1, "Arial", 80, 0, 0, nullptr, nullptr, 0);
+    const int disc =
+        root->RegisterSymbol("Disc", CSize(45, 45), zel::SYMBOL_CIRCLE, "", 1, red, 0, RGB(255, 255, 255),
+                             RGB(255, 255, 255), 1, "Arial", 80, 0, 0, nullptr, nullptr, 0);
     const int title = root->RegisterFont("Title", "Arial", 140, 1, 0, 0, 0, 0, 0);
     const int small = root->RegisterFont("Small", "Arial", 100, 0, 0, 0, 0, 0, 0);
 
@@ -44,9 +46,10 @@ std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder) {
     graph->AddIn(points);
 
     const Zel2Text::Rule noRule{-1, 0.0F};
-    root->Add(new Zel2Text("Global land and ocean temperature", CPoint(3700, 3900), title, DT_CENTER | DT_VCENTER, 0, -1,
-                           -1, noRule));
-    root->Add(new Zel2Text("anomaly in °C", CPoint(200, 2100), small, DT_CENTER | DT_VCENTER, 900, -1, -1, noRule));
+    root->Add(new Zel2Text("Global land and ocean temperature", CPoint(3700, 3900), title,
+                           DT_CENTER | DT_VCENTER, 0, -1, -1, noRule));
+    root->Add(
+        new Zel2Text("anomaly in °C", CPoint(200, 2100), small, DT_CENTER | DT_VCENTER, 900, -1, -1, noRule));
     root->Add(new Zel2Text("year", CPoint(3700, 200), small, DT_CENTER | DT_VCENTER, 0, -1, -1, noRule));
     return root;
 }

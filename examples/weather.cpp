@@ -9,14 +9,18 @@ std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder) {
     root->SetRules(ZelRules::EXACT);
     root->RegisterColor("Frame Color", RGB(240, 240, 236), RGB(255, 255, 255));
     root->RegisterColor("Background Color", RGB(255, 255, 255), RGB(255, 255, 255));
-    root->RegisterPen("Vertical/Horizontal Coordinate Lines", DrawPen::SOLID, 1, RGB(225, 225, 225), RGB(200, 200, 200),
-                      nullptr);
+    root->RegisterPen("Vertical/Horizontal Coordinate Lines", DrawPen::SOLID, 1, RGB(225, 225, 225),
+                      RGB(200, 200, 200), nullptr);
     // A pattern of one's own: dashes and gaps in tenths of a millimetre, up to the first 0.
     int pattern[DrawPen::kPatternSize] = {20, 4, 0};
-    const int high = root->RegisterPen("High", DrawPen::USER_DEFINED, 3, RGB(205, 80, 30), RGB(0, 0, 0), pattern);
-    const int low = root->RegisterPen("Low", DrawPen::DASH_DOT, 3, RGB(30, 100, 170), RGB(90, 90, 90), nullptr);
-    const int highFont = root->RegisterFont("High text", "Arial", 100, 1, 0, 0, 0, RGB(205, 80, 30), RGB(0, 0, 0));
-    const int lowFont = root->RegisterFont("Low text", "Arial", 100, 1, 0, 0, 0, RGB(30, 100, 170), RGB(90, 90, 90));
+    const int high =
+        root->RegisterPen("High", DrawPen::USER_DEFINED, 3, RGB(205, 80, 30), RGB(0, 0, 0), pattern);
+    const int low =
+        root->RegisterPen("Low", DrawPen::DASH_DOT, 3, RGB(30, 100, 170), RGB(90, 90, 90), nullptr);
+    const int highFont =
+        root->RegisterFont("High text", "Arial", 100, 1, 0, 0, 0, RGB(205, 80, 30), RGB(0, 0, 0));
+    const int lowFont =
+        root->RegisterFont("Low text", "Arial", 100, 1, 0, 0, 0, RGB(30, 100, 170), RGB(90, 90, 90));
     const int title = root->RegisterFont("Title", "Arial", 140, 1, 0, 0, 0, 0, 0);
     const int small = root->RegisterFont("Small", "Arial", 100, 0, 0, 0, 0, 0, 0);
 
@@ -40,8 +44,8 @@ std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder) {
     }
 
     const Zel2Text::Rule noRule{-1, 0.0F};
-    root->Add(new Zel2Text("Daily temperatures in Seattle", CPoint(4675, 3900), title, DT_CENTER | DT_VCENTER, 0, -1, -1,
-                           noRule));
+    root->Add(new Zel2Text("Daily temperatures in Seattle", CPoint(4675, 3900), title, DT_CENTER | DT_VCENTER,
+                           0, -1, -1, noRule));
     root->Add(new Zel2Text("highest", CPoint(7300, 3680), highFont, DT_VCENTER, 0, -1, -1, noRule));
     root->Add(new Zel2Text("lowest", CPoint(8050, 3680), lowFont, DT_VCENTER, 0, -1, -1, noRule));
     root->Add(new Zel2Text("°C", CPoint(200, 2100), small, DT_CENTER | DT_VCENTER, 900, -1, -1, noRule));

@@ -1,8 +1,8 @@
 // Zel2Graph's choice of round scales: pure computations on numbers.
+#include <zel/Zel2Graph.h>
+
 #include <cmath>
 #include <stdexcept>
-
-#include <zel/Zel2Graph.h>
 
 namespace {
 
@@ -10,10 +10,14 @@ constexpr double kStepFactors[] = {2.0, 2.5, 2.0};  // from a power of ten: 1, 2
 constexpr double kNearZero = 1e-10;
 constexpr int kLinear = 1;
 
-// The exponent of the first step to try. One below the floor for negative whole numbers; the climb makes up for it.
-double StartExponent(double logarithm) { return std::trunc(logarithm >= 0.0 ? logarithm : logarithm - 1.0); }
+// The exponent of the first step to try. One below the floor for negative whole numbers; the climb makes up
+// for it.
+double StartExponent(double logarithm) {
+    return std::trunc(logarithm >= 0.0 ? logarithm : logarithm - 1.0);
+}
 
-// Each position is a multiple of the step, so that a scale through zero has a 0 in it and not a rounding error.
+// Each position is a multiple of the step, so that a scale through zero has a 0 in it and not a rounding
+// error.
 void AppendMultiples(double lo, double step, int intervals, std::vector<double>& out) {
     const double first = std::round(lo / step);
     for (int i = 0; i <= intervals; ++i) out.push_back((first + i) * step);
@@ -45,7 +49,8 @@ int Zel2Graph::AutoInt(double a, double b, int n, double& lo, double& hi, double
         if (last - first <= n) return 1;
         const double previous = step;
         step *= kStepFactors[next];
-        // Values far from zero and close together cannot be told apart by any step: give up rather than climb on.
+        // Values far from zero and close together cannot be told apart by any step: give up rather than climb
+        // on.
         if (!std::isfinite(step) || step == previous) return RefuseRange(most, lo, hi, step, count);
     }
 }
@@ -79,8 +84,9 @@ int Zel2Graph::Coord(double x, double a, double b, int p0, int p1, int) {
     return zel::Truncate((x - a) / (b - a) * (static_cast<double>(p1) - p0) + p0);
 }
 
-void Zel2Graph::AdjustAxis(Range& range, BYTE type, double a, double b, int n, int fit, std::vector<double>& labels,
-                           std::vector<double>& lines, std::vector<double>& ticks) {
+void Zel2Graph::AdjustAxis(Range& range, BYTE type, double a, double b, int n, int fit,
+                           std::vector<double>& labels, std::vector<double>& lines,
+                           std::vector<double>& ticks) {
     labels.clear();
     range = {a, b};
     if (AutoCoord(type, a, b, n, labels, Rules())) {

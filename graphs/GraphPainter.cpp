@@ -1,12 +1,12 @@
 #include "graphs/GraphPainter.h"
 
-#include <charconv>
-#include <cstdlib>
-
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/platform/DC.h>
+
+#include <charconv>
+#include <cstdlib>
 
 namespace {
 
@@ -15,10 +15,12 @@ constexpr int kUpwards = 900;
 constexpr int kDownwards = -900;
 constexpr int kDownwardsToo = 2700;
 
-// Up to seven significant digits, the shortest form; always with a decimal point, whatever the process's locale.
+// Up to seven significant digits, the shortest form; always with a decimal point, whatever the process's
+// locale.
 std::string LabelText(double value) {
     char text[40];
-    const auto end = std::to_chars(std::begin(text), std::end(text), value, std::chars_format::general, 7).ptr;
+    const auto end =
+        std::to_chars(std::begin(text), std::end(text), value, std::chars_format::general, 7).ptr;
     return {text, end};
 }
 
@@ -34,8 +36,8 @@ int Normalized(int angle) {
     return turned > 1800 ? turned - 3600 : turned <= -1800 ? turned + 3600 : turned;
 }
 
-// Exact rules: a label below its tick ends there when it rises to the right and begins there when it falls; steep
-// text is centred on the tick, flat text hangs from it.
+// Exact rules: a label below its tick ends there when it rises to the right and begins there when it falls;
+// steep text is centred on the tick, flat text hangs from it.
 unsigned FlagsBelow(int angle) {
     const int turn = Normalized(angle);
     const int steepness = std::abs(turn) <= 900 ? std::abs(turn) : 1800 - std::abs(turn);
@@ -47,7 +49,11 @@ unsigned FlagsBelow(int angle) {
 }  // namespace
 
 GraphPainter::GraphPainter(Zel2Graph& graph)
-    : g_(graph), a_(graph.logical_[0]), b_(graph.logical_[1]), c_(graph.logical_[2]), d_(graph.logical_[3]),
+    : g_(graph),
+      a_(graph.logical_[0]),
+      b_(graph.logical_[1]),
+      c_(graph.logical_[2]),
+      d_(graph.logical_[3]),
       linePen_(graph.Pen(graph.tools_[Zel2Graph::GRID_PEN])),
       framePen_(graph.Pen(graph.tools_[Zel2Graph::FRAME_PEN])),
       borderPen_(graph.Pen(graph.tools_[Zel2Graph::BORDER_PEN])),
@@ -122,7 +128,9 @@ void GraphPainter::Run(DrawPen* pen, std::initializer_list<CPoint> points) {
     while (++point != points.end()) pen->LineTo(point->x, point->y);
 }
 
-void GraphPainter::Line(const CPoint& from, const CPoint& to) const { Run(linePen_, {from, to}); }
+void GraphPainter::Line(const CPoint& from, const CPoint& to) const {
+    Run(linePen_, {from, to});
+}
 
 void GraphPainter::DrawVerticalLines() {
     for (const double v : g_.xLines_) Line({g_.X(v), a_.y}, {g_.X(v), b_.y});
@@ -154,7 +162,9 @@ void GraphPainter::DrawXTicks() {
 void GraphPainter::DrawFrame(DrawPen* pen, const CPoint (&corners)[4]) const {
     const auto& [lowerLeft, upperLeft, upperRight, lowerRight] = corners;
     switch (g_.frameStyle_) {
-        case 1: Run(pen, {lowerLeft, upperLeft, upperRight, lowerRight}); break;
+        case 1:
+            Run(pen, {lowerLeft, upperLeft, upperRight, lowerRight});
+            break;
         case 2:
             Run(pen, {lowerLeft, upperLeft});
             Run(pen, {upperRight, lowerRight});
@@ -163,7 +173,9 @@ void GraphPainter::DrawFrame(DrawPen* pen, const CPoint (&corners)[4]) const {
             Run(pen, {lowerLeft, upperLeft});
             Run(pen, {upperRight, lowerRight, lowerLeft});
             break;
-        default: Run(pen, {lowerLeft, upperLeft, upperRight, lowerRight, lowerLeft}); break;
+        default:
+            Run(pen, {lowerLeft, upperLeft, upperRight, lowerRight, lowerLeft});
+            break;
     }
 }
 
@@ -174,12 +186,16 @@ void GraphPainter::DrawFrames() {
 
 unsigned GraphPainter::XLabelFlags() const {
     switch (g_.xLabelAngle_) {
-        case 0: return DT_CENTER;
-        case kUpwards: return DT_RIGHT | DT_VCENTER;
+        case 0:
+            return DT_CENTER;
+        case kUpwards:
+            return DT_RIGHT | DT_VCENTER;
         case kDownwards:
-        case kDownwardsToo: return DT_VCENTER;
+        case kDownwardsToo:
+            return DT_VCENTER;
         // The classic flags at other angles are the tick length's bits.
-        default: return g_.IsExact() ? FlagsBelow(g_.xLabelAngle_) : static_cast<unsigned>(xTick_);
+        default:
+            return g_.IsExact() ? FlagsBelow(g_.xLabelAngle_) : static_cast<unsigned>(xTick_);
     }
 }
 
@@ -189,23 +205,30 @@ void GraphPainter::DrawXLabels() {
     if (!font_) return;
     int y = a_.y;
     if (g_.yTick_ < 0) y = zel::Add(y, zel::Saturate(5LL * xTick_ / 4));
-    for (const double v : g_.xLabels_) font_->Print(LabelText(v).c_str(), {g_.X(v), y}, g_.xLabelAngle_, xFlags_);
+    for (const double v : g_.xLabels_)
+        font_->Print(LabelText(v).c_str(), {g_.X(v), y}, g_.xLabelAngle_, xFlags_);
 }
 
 GraphPainter::Anchor GraphPainter::YLabelAnchor() const {
     switch (g_.yLabelAngle_) {
-        case 0: return {DT_RIGHT, DT_VCENTER};
-        case kUpwards: return {DT_CENTER, DT_BOTTOM};
+        case 0:
+            return {DT_RIGHT, DT_VCENTER};
+        case kUpwards:
+            return {DT_CENTER, DT_BOTTOM};
         case kDownwards:
-        case kDownwardsToo: return {DT_CENTER, DT_TOP};
-        default: break;
+        case kDownwardsToo:
+            return {DT_CENTER, DT_TOP};
+        default:
+            break;
     }
     // The classic labels at other angles keep the anchor that the x labels left.
     if (!g_.IsExact()) return {xFlags_, xFlags_};
     return {std::abs(Normalized(g_.yLabelAngle_)) <= 900 ? DT_RIGHT : DT_LEFT, DT_VCENTER};
 }
 
-bool GraphPainter::ShowsYLabels() const { return g_.margins_.left > 0 && g_.showY_ && !g_.hideYLabels_; }
+bool GraphPainter::ShowsYLabels() const {
+    return g_.margins_.left > 0 && g_.showY_ && !g_.hideYLabels_;
+}
 
 void GraphPainter::DrawYLabels(Side side) {
     if (!ShowsYLabels() || !font_) return;

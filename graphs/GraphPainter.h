@@ -1,16 +1,16 @@
 // The drawing of one graph.
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <zel/DrawFont.h>
 #include <zel/Zel2Graph.h>
 
+#include <string>
+#include <vector>
+
 class CDC;
 
-// Draws what belongs to the graph itself, from background to labels, for one pass. The graph's mapping must be
-// prepared; its own children are drawn by the graph afterwards.
+// Draws what belongs to the graph itself, from background to labels, for one pass. The graph's mapping must
+// be prepared; its own children are drawn by the graph afterwards.
 class GraphPainter {
   public:
     explicit GraphPainter(Zel2Graph& graph);

@@ -6,8 +6,8 @@
 namespace zel {
 namespace {
 
-// The side on which each extension ends: 0 bottom, 1 left, 2 top, 3 right. A side is also the number of its first
-// corner when the corners are counted clockwise from the lower left.
+// The side on which each extension ends: 0 bottom, 1 left, 2 top, 3 right. A side is also the number of its
+// first corner when the corners are counted clockwise from the lower left.
 constexpr int kSideOfExtension[] = {0, 2, 1, 0, 3, 1, 0, 2, 0};
 
 WorldPoint Corner(const WorldFrame& frame, int number) {
@@ -25,7 +25,8 @@ class Outline {
         fill_.y.push_back(p.y);
     }
     void Close() {
-        if (fill_.x.empty() || (fill_.x.front() == fill_.x.back() && fill_.y.front() == fill_.y.back())) return;
+        if (fill_.x.empty() || (fill_.x.front() == fill_.x.back() && fill_.y.front() == fill_.y.back()))
+            return;
         Add({fill_.x.front(), fill_.y.front()});
     }
     FillOutline Take() { return std::move(fill_); }
@@ -38,15 +39,24 @@ class Outline {
 
 WorldPoint ExtensionPoint(unsigned int code, const WorldFrame& frame, const WorldPoint& p) {
     switch (code) {
-        case 1: return {p.x, frame.ymax};
-        case 2: return {frame.xmin, p.y};
-        case 3: return {p.x, frame.ymin};
-        case 4: return {frame.xmax, p.y};
-        case 5: return {frame.xmin, frame.ymax};
-        case 6: return {frame.xmin, frame.ymin};
-        case 7: return {frame.xmax, frame.ymax};
-        case 8: return {frame.xmax, frame.ymin};
-        default: return p;
+        case 1:
+            return {p.x, frame.ymax};
+        case 2:
+            return {frame.xmin, p.y};
+        case 3:
+            return {p.x, frame.ymin};
+        case 4:
+            return {frame.xmax, p.y};
+        case 5:
+            return {frame.xmin, frame.ymax};
+        case 6:
+            return {frame.xmin, frame.ymin};
+        case 7:
+            return {frame.xmax, frame.ymax};
+        case 8:
+            return {frame.xmax, frame.ymin};
+        default:
+            return p;
     }
 }
 

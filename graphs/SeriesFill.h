@@ -1,9 +1,9 @@
 // The outline of the area under a data series.
 #pragma once
 
-#include <vector>
-
 #include <zel/WorldFrame.h>
+
+#include <vector>
 
 namespace zel {
 
@@ -12,15 +12,17 @@ struct WorldPoint {
     double y;
 };
 
-// The point that an extension code names for the end point `p` of a series: on an edge of the frame, at a corner, or
-// `p` itself.
+// The point that an extension code names for the end point `p` of a series: on an edge of the frame, at a
+// corner, or `p` itself.
 WorldPoint ExtensionPoint(unsigned int code, const WorldFrame& frame, const WorldPoint& p);
 
 // Whether the code is one that moves the end.
-inline bool IsExtension(unsigned int code) { return code >= 1 && code <= 8; }
+inline bool IsExtension(unsigned int code) {
+    return code >= 1 && code <= 8;
+}
 
-// A ring in world coordinates: the start extension, the finite points, the end extension, the frame's corners between
-// the sides of the two, and the first point again.
+// A ring in world coordinates: the start extension, the finite points, the end extension, the frame's corners
+// between the sides of the two, and the first point again.
 struct FillOutline {
     std::vector<double> x;
     std::vector<double> y;

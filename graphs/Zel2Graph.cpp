@@ -1,10 +1,9 @@
-#include <zel/Zel2Graph.h>
-
-#include <zel/DrawPen.h>
-#include <zel/platform/DC.h>
-
 #include "core/ArchiveFields.h"
 #include "graphs/GraphPainter.h"
+
+#include <zel/DrawPen.h>
+#include <zel/Zel2Graph.h>
+#include <zel/platform/DC.h>
 
 IMPLEMENT_SERIAL(Zel2Graph, Zel2Set, 0)
 
@@ -20,9 +19,13 @@ constexpr int kOtherPlainPrintStyle = 8;
 
 }  // namespace
 
-Zel2Graph::Zel2Graph() { inner_.SetParent(this); }
+Zel2Graph::Zel2Graph() {
+    inner_.SetParent(this);
+}
 
-Zel2Graph::Zel2Graph(const Zel2Graph& other) : Zel2Set(other), inner_(other.inner_) { CopyFields(other); }
+Zel2Graph::Zel2Graph(const Zel2Graph& other) : Zel2Set(other), inner_(other.inner_) {
+    CopyFields(other);
+}
 
 Zel2Graph& Zel2Graph::operator=(const Zel2Graph& other) {
     if (this == &other) return *this;
@@ -137,17 +140,25 @@ bool Zel2Graph::SetDefault(bool fitX, bool fitY) {
     return true;
 }
 
-int Zel2Graph::AddIn(Zel2* obj) { return inner_.Add(obj); }
-void Zel2Graph::DelIn(Zel2* obj) { inner_.Del(obj); }
+int Zel2Graph::AddIn(Zel2* obj) {
+    return inner_.Add(obj);
+}
+void Zel2Graph::DelIn(Zel2* obj) {
+    inner_.Del(obj);
+}
 
-CPoint Zel2Graph::F2L(double x, double y) { return frame_.ToLogical(x, y); }
+CPoint Zel2Graph::F2L(double x, double y) {
+    return frame_.ToLogical(x, y);
+}
 
 CPoint Zel2Graph::F2R(double x, double y) {
     const CPoint at = AbsOrigin();
     const double width = static_cast<double>(size_.cx) - margins_.left - margins_.right;
     const double height = static_cast<double>(size_.cy) - margins_.top - margins_.bottom;
-    return {zel::Truncate(at.x + static_cast<double>(margins_.left) + (x - x_.min) / (x_.max - x_.min) * width),
-            zel::Truncate(at.y + static_cast<double>(margins_.bottom) + (y - y_.min) / (y_.max - y_.min) * height)};
+    return {
+        zel::Truncate(at.x + static_cast<double>(margins_.left) + (x - x_.min) / (x_.max - x_.min) * width),
+        zel::Truncate(at.y + static_cast<double>(margins_.bottom) +
+                      (y - y_.min) / (y_.max - y_.min) * height)};
 }
 
 void Zel2Graph::R2F(double& x, double& y) const {
@@ -159,9 +170,10 @@ void Zel2Graph::R2F(double& x, double& y) const {
 
 void Zel2Graph::R2F(float* x, float* y) const {
     // The position is taken off in single precision, the rest computed in double.
-    double dx = static_cast<double>(*x - static_cast<float>(Origin().x + margins_.left)) + Origin().x + margins_.left;
-    double dy =
-        static_cast<double>(*y - static_cast<float>(Origin().y + margins_.bottom)) + Origin().y + margins_.bottom;
+    double dx =
+        static_cast<double>(*x - static_cast<float>(Origin().x + margins_.left)) + Origin().x + margins_.left;
+    double dy = static_cast<double>(*y - static_cast<float>(Origin().y + margins_.bottom)) + Origin().y +
+                margins_.bottom;
     R2F(dx, dy);
     *x = static_cast<float>(dx);
     *y = static_cast<float>(dy);
@@ -180,7 +192,9 @@ int Zel2Graph::PrepareMapping() {
     return 1;
 }
 
-int Zel2Graph::IsClass(int code) { return code == CLASS_GRAPH ? 1 : 0; }
+int Zel2Graph::IsClass(int code) {
+    return code == CLASS_GRAPH ? 1 : 0;
+}
 
 int Zel2Graph::PrintedHeight() {
     const bool sharesTopMargin = printStyle_ > kLastPlainPrintStyle && printStyle_ != kOtherPlainPrintStyle;
@@ -210,7 +224,9 @@ void Zel2Graph::OnDraw() {
     Zel2Set::OnDraw();
 }
 
-void Zel2Graph::OnPrint(CDC*, CPrintInfo*) { OnDraw(); }
+void Zel2Graph::OnPrint(CDC*, CPrintInfo*) {
+    OnDraw();
+}
 
 MouseAction Zel2Graph::OnMouse(const MouseStatus& ms) {
     inner_.Select(1);

@@ -1,15 +1,14 @@
-#include <zel/Zel2PointSet.h>
-
-#include <algorithm>
-#include <cmath>
+#include "core/ArchiveFields.h"
+#include "graphs/SeriesFill.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
 #include <zel/Zel2Graph.h>
+#include <zel/Zel2PointSet.h>
 
-#include "core/ArchiveFields.h"
-#include "graphs/SeriesFill.h"
+#include <algorithm>
+#include <cmath>
 
 IMPLEMENT_SERIAL(Zel2PointSet, Zel2, 0)
 IMPLEMENT_SERIAL(Zel2PointArray, Zel2PointSet, 0)
@@ -45,7 +44,9 @@ class Widened {
 
 }  // namespace
 
-Zel2PointSet::Zel2PointSet(const Zel2PointSet& other) : Zel2(other) { CopyFields(other); }
+Zel2PointSet::Zel2PointSet(const Zel2PointSet& other) : Zel2(other) {
+    CopyFields(other);
+}
 
 Zel2PointSet& Zel2PointSet::operator=(const Zel2PointSet& other) {
     if (this == &other) return *this;
@@ -64,18 +65,36 @@ void Zel2PointSet::CopyFields(const Zel2PointSet& other) {
     pointSymbols_.Copy(other.pointSymbols_);
 }
 
-unsigned int Zel2PointSet::NPoints() { return 0; }
-double Zel2PointSet::X(long) { return 0.0; }
-double Zel2PointSet::Y(long) { return 0.0; }
-std::vector<double>* Zel2PointSet::GetXVec() { return nullptr; }
-std::vector<double>* Zel2PointSet::GetYVec() { return nullptr; }
+unsigned int Zel2PointSet::NPoints() {
+    return 0;
+}
+double Zel2PointSet::X(long) {
+    return 0.0;
+}
+double Zel2PointSet::Y(long) {
+    return 0.0;
+}
+std::vector<double>* Zel2PointSet::GetXVec() {
+    return nullptr;
+}
+std::vector<double>* Zel2PointSet::GetYVec() {
+    return nullptr;
+}
 
 // A series is picked through its graph; it has no handles of its own.
-unsigned int Zel2PointSet::nCpt() { return Zel2::nCpt(); }
-CPoint Zel2PointSet::Cpt(int i) { return Zel2::Cpt(i); }
-MouseAction Zel2PointSet::OnMouse(const MouseStatus& ms) { return Zel2::OnMouse(ms); }
+unsigned int Zel2PointSet::nCpt() {
+    return Zel2::nCpt();
+}
+CPoint Zel2PointSet::Cpt(int i) {
+    return Zel2::Cpt(i);
+}
+MouseAction Zel2PointSet::OnMouse(const MouseStatus& ms) {
+    return Zel2::OnMouse(ms);
+}
 
-void Zel2PointSet::OnPrint(CDC*, CPrintInfo*) { OnDraw(); }
+void Zel2PointSet::OnPrint(CDC*, CPrintInfo*) {
+    OnDraw();
+}
 
 const WorldFrame* Zel2PointSet::GraphFrame() {
     Zel2* graph = GetParentClass(CLASS_GRAPH);
@@ -206,7 +225,9 @@ void Zel2PointArray::Assign(std::vector<float>& xs, std::vector<float>& ys) {
 }
 
 // The number of x values; never more than there are y values.
-unsigned int Zel2PointArray::NPoints() { return static_cast<unsigned int>(std::min(xs_.size(), ys_.size())); }
+unsigned int Zel2PointArray::NPoints() {
+    return static_cast<unsigned int>(std::min(xs_.size(), ys_.size()));
+}
 
 void Zel2PointArray::Serialize(CArchive& ar) {
     Zel2PointSet::Serialize(ar);

@@ -1,18 +1,19 @@
-#include <zel/Zel2Rect.h>
+#include "core/ArchiveFields.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
+#include <zel/Zel2Rect.h>
 #include <zel/platform/DC.h>
 #include <zel/platform/Wnd.h>
-
-#include "core/ArchiveFields.h"
 
 IMPLEMENT_SERIAL(Zel2Rect, Zel2, 0)
 
 namespace {
 
-int Middle(LONG a, LONG b, int bias) { return static_cast<int>((static_cast<std::int64_t>(a) + b + bias) / 2); }
+int Middle(LONG a, LONG b, int bias) {
+    return static_cast<int>((static_cast<std::int64_t>(a) + b + bias) / 2);
+}
 
 }  // namespace
 
@@ -24,7 +25,9 @@ Zel2Rect::Zel2Rect(const CRect& r, int pen, int color, Zel2RectType type, int sy
     size_ = ordered.Size() + CSize(1, 1);
 }
 
-Zel2Rect::Zel2Rect(const Zel2Rect& other) : Zel2(other), type_(other.type_) { *this = other; }
+Zel2Rect::Zel2Rect(const Zel2Rect& other) : Zel2(other), type_(other.type_) {
+    *this = other;
+}
 
 // A drag under way stays with the object that is being dragged.
 Zel2Rect& Zel2Rect::operator=(const Zel2Rect& other) {
@@ -64,22 +67,33 @@ int Zel2Rect::RegisterPen(const char* name, int style, int width, unsigned long 
     return pen_ = Zel2::RegisterPen(name, style, width, screen, printer, pattern);
 }
 
-CRect Zel2Rect::WorldBox() const { return {AbsOrigin(), size_}; }
+CRect Zel2Rect::WorldBox() const {
+    return {AbsOrigin(), size_};
+}
 
 CPoint Zel2Rect::Cpt(int i) {
     const CRect box = WorldBox();
     const int xm = Middle(box.left, box.right, 1);
     const int ym = Middle(box.top, box.bottom, 1);
     switch (i) {
-        case 0: return {box.left, box.bottom};
-        case 1: return {box.left, ym};
-        case 2: return {box.left, box.top};
-        case 3: return {xm, box.top};
-        case 4: return {box.right, box.top};
-        case 5: return {box.right, ym};
-        case 6: return {box.right, box.bottom};
-        case 7: return {xm, box.bottom};
-        default: return {-3, -3};
+        case 0:
+            return {box.left, box.bottom};
+        case 1:
+            return {box.left, ym};
+        case 2:
+            return {box.left, box.top};
+        case 3:
+            return {xm, box.top};
+        case 4:
+            return {box.right, box.top};
+        case 5:
+            return {box.right, ym};
+        case 6:
+            return {box.right, box.bottom};
+        case 7:
+            return {xm, box.bottom};
+        default:
+            return {-3, -3};
     }
 }
 
@@ -104,7 +118,9 @@ void Zel2Rect::OnDraw() {
     if (Selected()) DrawCPT();
 }
 
-void Zel2Rect::OnPrint(CDC*, CPrintInfo*) { OnDraw(); }
+void Zel2Rect::OnPrint(CDC*, CPrintInfo*) {
+    OnDraw();
+}
 
 int Zel2Rect::IsIn(const CPoint& pt) {
     CRect box = WorldBox();
@@ -113,11 +129,12 @@ int Zel2Rect::IsIn(const CPoint& pt) {
 }
 
 MouseAction Zel2Rect::OnMouse(const MouseStatus& ms) {
-    static constexpr DWORD kCursors[8] = {ZEL_CURSOR_SIZENWSE, ZEL_CURSOR_SIZEWE, ZEL_CURSOR_SIZENESW,
+    static constexpr DWORD kCursors[8] = {ZEL_CURSOR_SIZENWSE, ZEL_CURSOR_SIZEWE,   ZEL_CURSOR_SIZENESW,
                                           ZEL_CURSOR_SIZENS,   ZEL_CURSOR_SIZENWSE, ZEL_CURSOR_SIZEWE,
                                           ZEL_CURSOR_SIZENESW, ZEL_CURSOR_SIZENS};
     MouseAction action = Zel2::OnMouse(ms);
-    if (action.object && action.action == MouseAction::CONTROL_POINT && action.index >= 0 && action.index < 8) {
+    if (action.object && action.action == MouseAction::CONTROL_POINT && action.index >= 0 &&
+        action.index < 8) {
         action.cursor = kCursors[action.index];
     }
     return action;
@@ -130,7 +147,9 @@ void Zel2Rect::BeginDrag() {
     DrawDrag();
 }
 
-void Zel2Rect::StartDrag(int) { BeginDrag(); }
+void Zel2Rect::StartDrag(int) {
+    BeginDrag();
+}
 
 void Zel2Rect::StartDrag(const CPoint& pt) {
     Zel2::StartDrag(pt);

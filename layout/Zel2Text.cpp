@@ -1,33 +1,41 @@
-#include <zel/Zel2Text.h>
-
-#include <cstdarg>
+#include "core/ArchiveFields.h"
 
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/Zel2Rect.h>
+#include <zel/Zel2Text.h>
 
-#include "core/ArchiveFields.h"
+#include <cstdarg>
 
 IMPLEMENT_SERIAL(Zel2Text, Zel2, 0)
 
-Zel2Text::Zel2Text(Zel2* parent) { SetParent(parent); }
+Zel2Text::Zel2Text(Zel2* parent) {
+    SetParent(parent);
+}
 
-Zel2Text::Zel2Text(const char* text, const CPoint& at, int font, int format, int angle, int frame, int background,
-                   const Rule& rule)
-    : text_(text), format_(static_cast<unsigned>(format)), font_(font), background_(background), frame_(frame),
-      angle_(angle), rule_(rule) {
+Zel2Text::Zel2Text(const char* text, const CPoint& at, int font, int format, int angle, int frame,
+                   int background, const Rule& rule)
+    : text_(text),
+      format_(static_cast<unsigned>(format)),
+      font_(font),
+      background_(background),
+      frame_(frame),
+      angle_(angle),
+      rule_(rule) {
     Origin(at);
 }
 
-Zel2Text::Zel2Text(const char* text, const CRect& r, int font, int format, int angle, int frame, int background,
-                   const Rule& rule)
+Zel2Text::Zel2Text(const char* text, const CRect& r, int font, int format, int angle, int frame,
+                   int background, const Rule& rule)
     : Zel2Text(text, CPoint(r.left, r.top), font, format, angle, frame, background, rule) {
     const int height = zel::Add(r.Height(), 1);
     size_ = CSize(zel::Add(r.Width(), 1), height < 0 ? -height : height);
 }
 
-Zel2Text::Zel2Text(const Zel2Text& other) : Zel2(other) { *this = other; }
+Zel2Text::Zel2Text(const Zel2Text& other) : Zel2(other) {
+    *this = other;
+}
 
 Zel2Text& Zel2Text::operator=(const Zel2Text& other) {
     if (this == &other) return *this;
@@ -73,7 +81,8 @@ void Zel2Text::DrawRule(CRect box) {
     DrawPen* pen = rule_.first >= 0 ? Pen(rule_.first) : nullptr;
     if (!pen) return;
     box.NormalizeRect();
-    const int y = zel::Add(box.top, zel::Truncate(static_cast<double>(static_cast<float>(box.Height()) * rule_.second)));
+    const int y = zel::Add(
+        box.top, zel::Truncate(static_cast<double>(static_cast<float>(box.Height()) * rule_.second)));
     pen->MoveTo(box.left, y);
     pen->LineTo(box.right, y);
 }
@@ -93,7 +102,9 @@ void Zel2Text::OnDraw() {
     DrawRule(box);
 }
 
-void Zel2Text::OnPrint(CDC*, CPrintInfo*) { OnDraw(); }
+void Zel2Text::OnPrint(CDC*, CPrintInfo*) {
+    OnDraw();
+}
 
 void Zel2Text::Serialize(CArchive& ar) {
     Zel2::Serialize(ar);

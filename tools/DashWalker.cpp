@@ -14,8 +14,8 @@ struct Span {
     double end = 1;
 };
 
-// The part of the line from `a` to `b` that lies within `box`, as fractions of the line; empty (begin >= end) when
-// there is none.
+// The part of the line from `a` to `b` that lies within `box`, as fractions of the line; empty (begin >= end)
+// when there is none.
 Span VisibleSpan(const CPoint& a, const CPoint& b, const CRect& box) {
     Span span;
     const double start[2] = {static_cast<double>(a.x), static_cast<double>(a.y)};
@@ -49,7 +49,11 @@ int LengthBetween(const CPoint& a, const CPoint& b) {
 }  // namespace
 
 DrawPen::DashWalker::DashWalker(DrawPen& pen, CDC& dc)
-    : pen_(pen), dc_(dc), current_(pen.current_), dashPosition_(pen.dashPosition_), dashIndex_(pen.dashIndex_) {
+    : pen_(pen),
+      dc_(dc),
+      current_(pen.current_),
+      dashPosition_(pen.dashPosition_),
+      dashIndex_(pen.dashIndex_) {
     const int inch = pen.LogicalInch();
     int unit = MulDiv(inch, pen.OutputScale(), 1000);
     if (unit == 0 && inch > 0) unit = 1;
@@ -106,7 +110,8 @@ void DrawPen::DashWalker::LineTo(const CPoint& to) {
     }
 }
 
-// Nearly every line of a long series is short and ends within the current dash: those need no more than their length.
+// Nearly every line of a long series is short and ends within the current dash: those need no more than their
+// length.
 void DrawPen::DashWalker::LinesTo(const int* x, const int* y, std::size_t n) {
     for (std::size_t i = 0; i < n;) {
         const std::int64_t left = DashLeft();
@@ -151,7 +156,8 @@ void DrawPen::DashWalker::WalkDashes(const CPoint& to, int length) {
     int lengthAtCycleStart = INT_MAX;  // a call can begin by stepping back: whole cycles count
     while (length > remaining) {
         const CSize delta = to - at;
-        at = {zel::Add(at.x, MulDiv(delta.cx, remaining, length)), zel::Add(at.y, MulDiv(delta.cy, remaining, length))};
+        at = {zel::Add(at.x, MulDiv(delta.cx, remaining, length)),
+              zel::Add(at.y, MulDiv(delta.cy, remaining, length))};
         Go(at);
         current_ = at;
         dashPosition_ = 0;

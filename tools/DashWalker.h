@@ -1,14 +1,14 @@
 // The walk of a dash pattern along lines.
 #pragma once
 
-#include <array>
-#include <cstdint>
-
 #include <zel/DrawPen.h>
 #include <zel/platform/DC.h>
 
-// Draws lines from point to point through a pen's dash pattern and keeps the pen's dash state. One walker serves
-// any number of consecutive lines on the same context with the same pen.
+#include <array>
+#include <cstdint>
+
+// Draws lines from point to point through a pen's dash pattern and keeps the pen's dash state. One walker
+// serves any number of consecutive lines on the same context with the same pen.
 class DrawPen::DashWalker {
   public:
     DashWalker(DrawPen& pen, CDC& dc);
@@ -35,11 +35,12 @@ class DrawPen::DashWalker {
     void SkipAlong(std::int64_t distance);
     bool Advances() const { return cycle_ > 0; }
     bool IsDash() const { return dashIndex_ % 2 == 0; }
-    int Remaining() const { return elements_[static_cast<std::size_t>(dashIndex_)].atStart - dashPosition_ - 1; }
-    // What is left of a dash for a line that begins now; negative in a gap, or when the context stands elsewhere.
-    int DashLeft() const {
-        return elementCount_ > 0 && IsDash() && position_ == current_ ? Remaining() : -1;
+    int Remaining() const {
+        return elements_[static_cast<std::size_t>(dashIndex_)].atStart - dashPosition_ - 1;
     }
+    // What is left of a dash for a line that begins now; negative in a gap, or when the context stands
+    // elsewhere.
+    int DashLeft() const { return elementCount_ > 0 && IsDash() && position_ == current_ ? Remaining() : -1; }
     void NextElement();
     void Go(const CPoint& to);
 

@@ -1,18 +1,20 @@
+#include "core/ArchiveFields.h"
+
 #include <zel/DrawColor.h>
-
-#include <vector>
-
 #include <zel/Zel2.h>
 #include <zel/platform/DC.h>
 
-#include "core/ArchiveFields.h"
+#include <vector>
 
 IMPLEMENT_SERIAL(DrawColor, DrawTool, 0)
 IMPLEMENT_SERIAL(DrawColorTable, DrawToolTable, 0)
 
-DrawColor::DrawColor(const char* name, COLORREF scr, COLORREF prn) : DrawTool(name), screen_(scr), print_(prn) {}
+DrawColor::DrawColor(const char* name, COLORREF scr, COLORREF prn)
+    : DrawTool(name), screen_(scr), print_(prn) {}
 
-DrawColor::DrawColor(const DrawColor& other) : DrawTool(other) { CopyFields(other); }
+DrawColor::DrawColor(const DrawColor& other) : DrawTool(other) {
+    CopyFields(other);
+}
 
 DrawColor& DrawColor::operator=(const DrawColor& other) {
     if (this != &other) CopyFields(other);
@@ -33,7 +35,9 @@ void DrawColor::CopyFields(const DrawColor& other) {
     brush_.reset();
 }
 
-DrawTool* DrawColor::ACopy() const { return new DrawColor(*this); }
+DrawTool* DrawColor::ACopy() const {
+    return new DrawColor(*this);
+}
 
 void DrawColor::OpenOn(CDC* dc, int scale) {
     DrawTool::OpenOn(dc, scale);
@@ -106,7 +110,8 @@ void DrawColor::PolyPolygon(CPoint* points, int* counts, int nPolys) {
 
 namespace {
 
-// The lengths of the rings in one run of points: a ring ends where its first point comes back after another point.
+// The lengths of the rings in one run of points: a ring ends where its first point comes back after another
+// point.
 std::vector<int> RingLengths(const CPoint* points, int n) {
     std::vector<int> lengths;
     int start = 0;
@@ -137,7 +142,9 @@ void DrawColor::Polygon(Zel2* obj, double* x, double* y, int n) {
     Polygon(points.data(), n);
 }
 
-void DrawColor::Serialize(CArchive& ar) { zel::Exchange(ar, name_, screen_, print_, printer_); }
+void DrawColor::Serialize(CArchive& ar) {
+    zel::Exchange(ar, name_, screen_, print_, printer_);
+}
 
 DrawColorTable& DrawColorTable::operator=(const DrawColorTable& other) {
     CopyFrom(&other);
@@ -153,4 +160,6 @@ COLORREF DrawColorTable::operator[](int i) const {
     return color ? color->GetColor() : 0;
 }
 
-int DrawColorTable::Edit() { return DrawToolTable::Edit(); }
+int DrawColorTable::Edit() {
+    return DrawToolTable::Edit();
+}

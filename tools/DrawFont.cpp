@@ -1,15 +1,14 @@
+#include "core/ArchiveFields.h"
+#include "tools/TextClusters.h"
+
 #include <zel/DrawFont.h>
+#include <zel/platform/DC.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <string_view>
 #include <vector>
-
-#include <zel/platform/DC.h>
-
-#include "core/ArchiveFields.h"
-#include "tools/TextClusters.h"
 
 IMPLEMENT_SERIAL(DrawFont, DrawTool, 0)
 IMPLEMENT_SERIAL(DrawFontTable, DrawToolTable, 0)
@@ -28,7 +27,9 @@ thread_local int DrawFont::selAngle = 65535;
 thread_local CDC* DrawFont::selDC = nullptr;
 thread_local int DrawFont::selScale = 1000;
 
-DrawFont::DrawFont() { std::strcpy(logFont_.lfFaceName, "Arial"); }
+DrawFont::DrawFont() {
+    std::strcpy(logFont_.lfFaceName, "Arial");
+}
 
 DrawFont::DrawFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
                    int strikeOut, COLORREF scr, COLORREF prn)
@@ -40,7 +41,9 @@ DrawFont::DrawFont(const char* name, const char* face, int ptSize10, int bold, i
     logFont_.lfStrikeOut = static_cast<BYTE>(strikeOut);
 }
 
-DrawFont::DrawFont(const DrawFont& other) : DrawTool(other) { CopyFields(other); }
+DrawFont::DrawFont(const DrawFont& other) : DrawTool(other) {
+    CopyFields(other);
+}
 
 DrawFont& DrawFont::operator=(const DrawFont& other) {
     if (this == &other) return *this;
@@ -73,7 +76,9 @@ void DrawFont::CopyFields(const DrawFont& other) {
     if (selected == this) selected = nullptr;
 }
 
-DrawTool* DrawFont::ACopy() const { return new DrawFont(*this); }
+DrawTool* DrawFont::ACopy() const {
+    return new DrawFont(*this);
+}
 
 void DrawFont::OpenOn(CDC* dc, int scale) {
     selected = nullptr;
@@ -89,7 +94,9 @@ void DrawFont::Close() {
     fontDc_ = nullptr;
 }
 
-void DrawFont::Edit() { DrawTool::Edit(); }
+void DrawFont::Edit() {
+    DrawTool::Edit();
+}
 
 int DrawFont::HeightFor(CDC& dc) const {
     const int dpi = dc.GetDeviceCaps(LOGPIXELSY);
@@ -99,7 +106,9 @@ int DrawFont::HeightFor(CDC& dc) const {
     return MulDiv(-height, fontScale_, 1000);
 }
 
-void DrawFont::UseTextColor() { fontDc_->SetTextColor(printing_ ? print_ : screen_); }
+void DrawFont::UseTextColor() {
+    fontDc_->SetTextColor(printing_ ? print_ : screen_);
+}
 
 bool DrawFont::IsCurrent(int angle) const {
     return selected == this && selAngle == angle && selDC == fontDc_ && selScale == fontScale_;
@@ -113,8 +122,8 @@ CFont* DrawFont::Select(int angle) {
     logFont_.lfOrientation = angle;
     CFont made;
     made.CreateFontIndirect(&logFont_);
-    // What the selection replaces is the font that the previous Select made, of whichever tool: nobody else will
-    // delete it. It may be this tool's own, or one that is gone already; both are harmless with handles.
+    // What the selection replaces is the font that the previous Select made, of whichever tool: nobody else
+    // will delete it. It may be this tool's own, or one that is gone already; both are harmless with handles.
     if (CFont* replaced = fontDc_->SelectObject(&made)) replaced->DeleteObject();
     font_.DeleteObject();
     font_.Attach(made.Detach());
@@ -201,7 +210,8 @@ void DrawFont::TextOut(const CPoint& pt, const char* text, float c, float s) {
     std::size_t begin = 0;
     int before = 0;  // the width of everything in front of the character
     for (std::size_t i = 0; i < ends.size(); ++i) {
-        spans.push_back({line.substr(begin, ends[i] - begin), pt + CSize(Along(before, c), Along(before, s))});
+        spans.push_back(
+            {line.substr(begin, ends[i] - begin), pt + CSize(Along(before, c), Along(before, s))});
         begin = ends[i];
         before = widths[i];
     }
@@ -262,4 +272,6 @@ int DrawFontTable::RegisterFont(const char* name, const char* face, int ptSize10
     return Register(new DrawFont(name, face, ptSize10, bold, italic, underline, strikeOut, scr, prn));
 }
 
-int DrawFontTable::Edit() { return DrawToolTable::Edit(); }
+int DrawFontTable::Edit() {
+    return DrawToolTable::Edit();
+}

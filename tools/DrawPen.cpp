@@ -1,15 +1,14 @@
+#include "core/ArchiveFields.h"
+#include "tools/DashWalker.h"
+
 #include <zel/DrawPen.h>
+#include <zel/Zel2.h>
+#include <zel/platform/DC.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
-
-#include <zel/Zel2.h>
-#include <zel/platform/DC.h>
-
-#include "core/ArchiveFields.h"
-#include "tools/DashWalker.h"
 
 IMPLEMENT_SERIAL(DrawPen, DrawTool, 0)
 IMPLEMENT_SERIAL(DrawPenTable, DrawToolTable, 0)
@@ -31,14 +30,17 @@ constexpr int kDefaultDash = 30000;
 constexpr int kNotYetOpened = 2;
 constexpr int kTenthsOfMillimetrePerInch = 254;
 
-bool IsFinite(double x, double y) { return std::isfinite(x) && std::isfinite(y); }
+bool IsFinite(double x, double y) {
+    return std::isfinite(x) && std::isfinite(y);
+}
 
 }  // namespace
 
 // Selects a pen's platform pen for a scope. A pen without one draws with what the context has.
 class DrawPen::Selected {
   public:
-    Selected(const DrawPen& pen, CDC& dc) : dc_(dc), previous_(pen.pen_ ? dc.SelectObject(pen.pen_.get()) : nullptr) {}
+    Selected(const DrawPen& pen, CDC& dc)
+        : dc_(dc), previous_(pen.pen_ ? dc.SelectObject(pen.pen_.get()) : nullptr) {}
     ~Selected() {
         if (previous_) dc_.SelectObject(previous_);
     }
@@ -55,7 +57,8 @@ DrawPen::DrawPen() {
     pattern_[0] = kDefaultDash;
 }
 
-DrawPen::DrawPen(const char* name, int style, int width, COLORREF scr, COLORREF prn, int* pattern) : DrawPen() {
+DrawPen::DrawPen(const char* name, int style, int width, COLORREF scr, COLORREF prn, int* pattern)
+    : DrawPen() {
     name_ = name;
     width_ = width;
     screen_ = scr;
@@ -64,7 +67,9 @@ DrawPen::DrawPen(const char* name, int style, int width, COLORREF scr, COLORREF 
     if (style == USER_DEFINED && pattern) Pattern(pattern);
 }
 
-DrawPen::DrawPen(const DrawPen& other) : DrawTool(other) { CopyFields(other); }
+DrawPen::DrawPen(const DrawPen& other) : DrawTool(other) {
+    CopyFields(other);
+}
 
 DrawPen& DrawPen::operator=(const DrawPen& other) {
     if (this == &other) return *this;
@@ -91,7 +96,9 @@ void DrawPen::CopyFields(const DrawPen& other) {
     pen_.reset();
 }
 
-DrawTool* DrawPen::ACopy() const { return new DrawPen(*this); }
+DrawTool* DrawPen::ACopy() const {
+    return new DrawPen(*this);
+}
 
 int DrawPen::LogicalInch() const {
     const int dpi = Dc()->GetDeviceCaps(LOGPIXELSX);
@@ -130,7 +137,9 @@ void DrawPen::Style(int style) {
     pen_.reset();
 }
 
-void DrawPen::Pattern(int* pattern) { std::copy_n(pattern, kPatternSize, pattern_.begin()); }
+void DrawPen::Pattern(int* pattern) {
+    std::copy_n(pattern, kPatternSize, pattern_.begin());
+}
 
 int DrawPen::Clip(double& x1, double& y1, double& x2, double& y2, double xmin, double ymin, double xmax,
                   double ymax) {
@@ -203,7 +212,9 @@ void DrawPen::SetWorldPoint(Zel2* obj, double x, double y) {
     MoveTo(at.x, at.y);
 }
 
-void DrawPen::MoveTo(Zel2* obj, double x, double y) { SetWorldPoint(obj, x, y); }
+void DrawPen::MoveTo(Zel2* obj, double x, double y) {
+    SetWorldPoint(obj, x, y);
+}
 
 void DrawPen::LineTo(Zel2* obj, double x, double y) {
     Zel2* graph = obj->GetParentClass(Zel2::CLASS_GRAPH);
@@ -217,7 +228,8 @@ void DrawPen::LineTo(Zel2* obj, double x, double y) {
     world_ = {x, y};
 }
 
-// Draws from the last world point to (x, y), both mapped by `obj`, or by the frame itself when there is no object.
+// Draws from the last world point to (x, y), both mapped by `obj`, or by the frame itself when there is no
+// object.
 void DrawPen::DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* obj, double x, double y) {
     if (!IsFinite(x, y) || !IsFinite(world_.x, world_.y)) return;
     double x1 = world_.x, y1 = world_.y, x2 = x, y2 = y;
@@ -239,8 +251,8 @@ struct AxisBlock {
         const double range = high - low;
         for (std::size_t i = 0; i < n; ++i) fraction[i] = (values[i] - low) / range;
     }
-    // Whether all values lie strictly within the range; those that are no numbers do not. Told by the upper halves of
-    // the fractions' bits, which are in order: above that of 0 and below that of 1.
+    // Whether all values lie strictly within the range; those that are no numbers do not. Told by the upper
+    // halves of the fractions' bits, which are in order: above that of 0 and below that of 1.
     bool AllInside(std::size_t n) const {
         constexpr std::int64_t kBelowOne = 0x3FEFFFFF;
         std::array<std::uint64_t, kBlock> bits;
@@ -274,11 +286,12 @@ void DrawPen::LineTo(const WorldFrame& frame, const double* x, const double* y, 
     }
 }
 
-// Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the pen stands.
+// Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the
+// pen stands.
 void DrawPen::DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
                         std::size_t n) {
-    const bool joins = frame.ContainsStrictly(world_.x, world_.y) &&
-                       frame.ToLogical(world_.x, world_.y) == walker.Current();
+    const bool joins =
+        frame.ContainsStrictly(world_.x, world_.y) && frame.ToLogical(world_.x, world_.y) == walker.Current();
     AxisBlock xs, ys;
     xs.SetFractions(x, n, frame.xmin, frame.xmax);
     ys.SetFractions(y, n, frame.ymin, frame.ymax);
@@ -333,8 +346,11 @@ DrawPenTable& DrawPenTable::operator=(const DrawPenTable& other) {
     return *this;
 }
 
-int DrawPenTable::RegisterPen(const char* name, int style, int width, COLORREF scr, COLORREF prn, int* pattern) {
+int DrawPenTable::RegisterPen(const char* name, int style, int width, COLORREF scr, COLORREF prn,
+                              int* pattern) {
     return Register(new DrawPen(name, style, width, scr, prn, pattern));
 }
 
-int DrawPenTable::Edit() { return DrawToolTable::Edit(); }
+int DrawPenTable::Edit() {
+    return DrawToolTable::Edit();
+}

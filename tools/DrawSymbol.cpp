@@ -1,16 +1,15 @@
-#include <zel/DrawSymbol.h>
-
-#include <span>
-#include <typeinfo>
+#include "core/ArchiveFields.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
+#include <zel/DrawSymbol.h>
 #include <zel/Mapping.h>
 #include <zel/Zel2.h>
 #include <zel/platform/DC.h>
 
-#include "core/ArchiveFields.h"
+#include <span>
+#include <typeinfo>
 
 IMPLEMENT_SERIAL(DrawSymbol, DrawTool, 0)
 IMPLEMENT_SERIAL(DrawSymbolTable, DrawToolTable, 0)
@@ -35,7 +34,8 @@ constexpr Vertex kDiamond[] = {{50, 0}, {0, 50}, {50, 100}, {100, 50}};
 constexpr Vertex kPentagonUp[] = {{0, 0}, {0, 70}, {50, 100}, {100, 70}, {100, 0}};
 constexpr Vertex kPentagonDown[] = {{0, 30}, {0, 100}, {100, 100}, {100, 30}, {50, 0}};
 constexpr Vertex kHexagon[] = {{50, 0}, {0, 25}, {0, 75}, {50, 100}, {100, 75}, {100, 25}};
-constexpr Vertex kOctagon[] = {{25, 0}, {0, 25}, {0, 75}, {25, 100}, {75, 100}, {100, 75}, {100, 25}, {75, 0}};
+constexpr Vertex kOctagon[] = {{25, 0},   {0, 25},   {0, 75},   {25, 100},
+                               {75, 100}, {100, 75}, {100, 25}, {75, 0}};
 constexpr Vertex kOctagonBeside[] = {{100, 0},   {75, 25},  {75, 75},  {100, 100},
                                      {150, 100}, {175, 75}, {175, 25}, {150, 0}};
 constexpr Vertex kTallTriangleRight[] = {{0, 0}, {0, 200}, {100, 100}};
@@ -43,25 +43,42 @@ constexpr Vertex kCross[] = {{-114, -114}, {-114, 114}, {114, 114}, {114, -114}}
 
 std::span<const Vertex> VerticesOf(int type) {
     switch (type) {
-        case zel::SYMBOL_SQUARE: return kSquare;
-        case zel::SYMBOL_TRIANGLE_UP: return kTriangleUp;
-        case zel::SYMBOL_TRIANGLE_LEFT: return kTriangleLeft;
-        case zel::SYMBOL_TALL_TRIANGLE_LEFT: return kTallTriangleLeft;
-        case zel::SYMBOL_TRIANGLE_RIGHT: return kTriangleRight;
-        case zel::SYMBOL_TRIANGLE_DOWN: return kTriangleDown;
-        case zel::SYMBOL_DIAMOND: return kDiamond;
-        case zel::SYMBOL_PENTAGON_UP: return kPentagonUp;
-        case zel::SYMBOL_PENTAGON_DOWN: return kPentagonDown;
-        case zel::SYMBOL_HEXAGON: return kHexagon;
-        case zel::SYMBOL_OCTAGON: return kOctagon;
-        case zel::SYMBOL_OCTAGON_BESIDE: return kOctagonBeside;
-        case zel::SYMBOL_TALL_TRIANGLE_RIGHT: return kTallTriangleRight;
-        case zel::SYMBOL_CROSS: return kCross;
-        default: return {};
+        case zel::SYMBOL_SQUARE:
+            return kSquare;
+        case zel::SYMBOL_TRIANGLE_UP:
+            return kTriangleUp;
+        case zel::SYMBOL_TRIANGLE_LEFT:
+            return kTriangleLeft;
+        case zel::SYMBOL_TALL_TRIANGLE_LEFT:
+            return kTallTriangleLeft;
+        case zel::SYMBOL_TRIANGLE_RIGHT:
+            return kTriangleRight;
+        case zel::SYMBOL_TRIANGLE_DOWN:
+            return kTriangleDown;
+        case zel::SYMBOL_DIAMOND:
+            return kDiamond;
+        case zel::SYMBOL_PENTAGON_UP:
+            return kPentagonUp;
+        case zel::SYMBOL_PENTAGON_DOWN:
+            return kPentagonDown;
+        case zel::SYMBOL_HEXAGON:
+            return kHexagon;
+        case zel::SYMBOL_OCTAGON:
+            return kOctagon;
+        case zel::SYMBOL_OCTAGON_BESIDE:
+            return kOctagonBeside;
+        case zel::SYMBOL_TALL_TRIANGLE_RIGHT:
+            return kTallTriangleRight;
+        case zel::SYMBOL_CROSS:
+            return kCross;
+        default:
+            return {};
     }
 }
 
-bool IsFixedShape(int type) { return type >= zel::SYMBOL_CIRCLE && type <= zel::SYMBOL_CROSS; }
+bool IsFixedShape(int type) {
+    return type >= zel::SYMBOL_CIRCLE && type <= zel::SYMBOL_CROSS;
+}
 
 // The tall triangles stand half a height above the point.
 bool IsRaised(int type) {
@@ -70,11 +87,20 @@ bool IsRaised(int type) {
 
 }  // namespace
 
-DrawSymbol::DrawSymbol(const char* name, CSize size, SYMBOL type, const char* text, int penWidth, COLORREF penScr,
-                       COLORREF penPrn, COLORREF brushScr, COLORREF brushPrn, int border, const char* face,
-                       int fontSize, COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys, int n)
-    : DrawTool(name), size_(size), text_(text ? text : ""), type_(type), border_(border), penWidth_(penWidth),
-      fontSize_(fontSize), pen_{penScr, penPrn}, brush_{brushScr, brushPrn}, font_{fontScr, fontPrn},
+DrawSymbol::DrawSymbol(const char* name, CSize size, SYMBOL type, const char* text, int penWidth,
+                       COLORREF penScr, COLORREF penPrn, COLORREF brushScr, COLORREF brushPrn, int border,
+                       const char* face, int fontSize, COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys,
+                       int n)
+    : DrawTool(name),
+      size_(size),
+      text_(text ? text : ""),
+      type_(type),
+      border_(border),
+      penWidth_(penWidth),
+      fontSize_(fontSize),
+      pen_{penScr, penPrn},
+      brush_{brushScr, brushPrn},
+      font_{fontScr, fontPrn},
       face_(face ? face : "") {
     if (type == zel::SYMBOL_CUSTOM && xs && ys && n >= 1) {
         customX_.assign(xs, xs + n);
@@ -82,7 +108,9 @@ DrawSymbol::DrawSymbol(const char* name, CSize size, SYMBOL type, const char* te
     }
 }
 
-DrawSymbol::DrawSymbol(const DrawSymbol& other) : DrawTool(other) { CopyFrom(&other); }
+DrawSymbol::DrawSymbol(const DrawSymbol& other) : DrawTool(other) {
+    CopyFrom(&other);
+}
 
 DrawSymbol& DrawSymbol::operator=(const DrawSymbol& other) {
     if (this == &other) return *this;
@@ -96,7 +124,9 @@ DrawTool& DrawSymbol::operator=(const DrawTool& other) {
     return symbol ? *this = *symbol : DrawTool::operator=(other);
 }
 
-DrawTool* DrawSymbol::ACopy() const { return new DrawSymbol(*this); }
+DrawTool* DrawSymbol::ACopy() const {
+    return new DrawSymbol(*this);
+}
 
 void DrawSymbol::CopyFrom(const DrawSymbol* other) {
     if (other == this) return;
@@ -210,7 +240,8 @@ std::vector<CPoint> DrawSymbol::Outline(const CRect& box) const {
                            zel::Add(box.top, MulDiv(y, box.Height(), 100))});
     };
     if (type_ == zel::SYMBOL_CUSTOM) {
-        for (std::size_t i = 0; i < std::min(customX_.size(), customY_.size()); ++i) add(customX_[i], customY_[i]);
+        for (std::size_t i = 0; i < std::min(customX_.size(), customY_.size()); ++i)
+            add(customX_[i], customY_[i]);
     } else {
         for (const Vertex& vertex : VerticesOf(type_)) add(vertex.x, vertex.y);
     }
@@ -242,22 +273,30 @@ void DrawSymbol::DrawShape(const Tools& tools, const CRect& box) const {
     for (std::size_t i = 1; i < outline.size(); ++i) tools.pen->LineTo(outline[i].x, outline[i].y);
 }
 
-// Where the label's rectangle is moved, so that the text sits in the bulk of the shape. The sideways offsets of the
-// triangles come from the height.
+// Where the label's rectangle is moved, so that the text sits in the bulk of the shape. The sideways offsets
+// of the triangles come from the height.
 CPoint DrawSymbol::LabelOffset(const CRect& box) const {
     const int w = box.Width();
     const int h = box.Height();
     switch (type_) {
-        case zel::SYMBOL_TRIANGLE_UP: return {0, -(h / 6)};
+        case zel::SYMBOL_TRIANGLE_UP:
+            return {0, -(h / 6)};
         case zel::SYMBOL_TRIANGLE_LEFT:
-        case zel::SYMBOL_TALL_TRIANGLE_LEFT: return {h / 6, 0};
+        case zel::SYMBOL_TALL_TRIANGLE_LEFT:
+            return {h / 6, 0};
         case zel::SYMBOL_TRIANGLE_RIGHT:
-        case zel::SYMBOL_TALL_TRIANGLE_RIGHT: return {-(h / 6), 0};
-        case zel::SYMBOL_TRIANGLE_DOWN: return {0, h / 6};
-        case zel::SYMBOL_PENTAGON_UP: return {0, -(h / 10)};
-        case zel::SYMBOL_PENTAGON_DOWN: return {0, h / 10};
-        case zel::SYMBOL_OCTAGON_BESIDE: return {w / 2, 0};
-        default: return {0, 0};
+        case zel::SYMBOL_TALL_TRIANGLE_RIGHT:
+            return {-(h / 6), 0};
+        case zel::SYMBOL_TRIANGLE_DOWN:
+            return {0, h / 6};
+        case zel::SYMBOL_PENTAGON_UP:
+            return {0, -(h / 10)};
+        case zel::SYMBOL_PENTAGON_DOWN:
+            return {0, h / 10};
+        case zel::SYMBOL_OCTAGON_BESIDE:
+            return {w / 2, 0};
+        default:
+            return {0, 0};
     }
 }
 
@@ -285,8 +324,8 @@ void DrawSymbol::Serialize(CArchive& ar) {
     // The size stands twice in the record.
     for (int i = 0; i < 2; ++i) zel::Exchange(ar, size_.cx, size_.cy);
     int type = type_;
-    zel::Exchange(ar, text_, penIndex_, colorIndex_, fontIndex_, type, penWidth_, fontSize_, pen_.screen, pen_.print,
-                  brush_.screen, brush_.print, font_.screen, font_.print, face_);
+    zel::Exchange(ar, text_, penIndex_, colorIndex_, fontIndex_, type, penWidth_, fontSize_, pen_.screen,
+                  pen_.print, brush_.screen, brush_.print, font_.screen, font_.print, face_);
     type_ = static_cast<SYMBOL>(type);
     int count = NCustom();
     zel::Exchange(ar, count);
@@ -308,8 +347,8 @@ DrawSymbolTable& DrawSymbolTable::operator=(const DrawSymbolTable& other) {
 
 int DrawSymbolTable::RegisterSymbol(const char* name, CSize size, DrawSymbol::SYMBOL type, const char* text,
                                     int penWidth, COLORREF penScr, COLORREF penPrn, COLORREF brushScr,
-                                    COLORREF brushPrn, int border, const char* face, int fontSize, COLORREF fontScr,
-                                    COLORREF fontPrn, int* xs, int* ys, int n) {
-    return Register(new DrawSymbol(name, size, type, text, penWidth, penScr, penPrn, brushScr, brushPrn, border, face,
-                                   fontSize, fontScr, fontPrn, xs, ys, n));
+                                    COLORREF brushPrn, int border, const char* face, int fontSize,
+                                    COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys, int n) {
+    return Register(new DrawSymbol(name, size, type, text, penWidth, penScr, penPrn, brushScr, brushPrn,
+                                   border, face, fontSize, fontScr, fontPrn, xs, ys, n));
 }

@@ -1,8 +1,7 @@
-#include <zel/DrawTool.h>
-
-#include <zel/platform/DC.h>
-
 #include "core/ArchiveFields.h"
+
+#include <zel/DrawTool.h>
+#include <zel/platform/DC.h>
 
 IMPLEMENT_SERIAL(DrawTool, CObject, 0)
 IMPLEMENT_SERIAL(DrawToolTable, CObject, 0)
@@ -11,7 +10,9 @@ namespace {
 constexpr std::size_t kRoomForTools = 10;
 }
 
-DrawTool::DrawTool(const DrawTool& other) : CObject() { CopyBase(other); }
+DrawTool::DrawTool(const DrawTool& other) : CObject() {
+    CopyBase(other);
+}
 
 DrawTool& DrawTool::operator=(const DrawTool& other) {
     if (this == &other) return *this;
@@ -26,14 +27,18 @@ void DrawTool::CopyBase(const DrawTool& other) {
     scale_ = other.scale_;
 }
 
-DrawTool* DrawTool::ACopy() const { return nullptr; }
+DrawTool* DrawTool::ACopy() const {
+    return nullptr;
+}
 
 void DrawTool::OpenOn(CDC* dc, int scale) {
     dc_ = dc;
     scale_ = scale;
 }
 
-void DrawTool::Close() { dc_ = nullptr; }
+void DrawTool::Close() {
+    dc_ = nullptr;
+}
 
 int DrawTool::SetPrinter(int on) {
     const int previous = printer_;
@@ -43,11 +48,17 @@ int DrawTool::SetPrinter(int on) {
 
 void DrawTool::Edit() {}
 
-void DrawTool::Serialize(CArchive& ar) { zel::Exchange(ar, name_); }
+void DrawTool::Serialize(CArchive& ar) {
+    zel::Exchange(ar, name_);
+}
 
-DrawToolTable::DrawToolTable() { tools_.reserve(kRoomForTools); }
+DrawToolTable::DrawToolTable() {
+    tools_.reserve(kRoomForTools);
+}
 
-DrawToolTable::DrawToolTable(const DrawToolTable& other) : CObject() { DrawToolTable::CopyFrom(&other); }
+DrawToolTable::DrawToolTable(const DrawToolTable& other) : CObject() {
+    DrawToolTable::CopyFrom(&other);
+}
 
 DrawToolTable& DrawToolTable::operator=(const DrawToolTable& other) {
     CopyFrom(&other);
@@ -71,10 +82,14 @@ void DrawToolTable::Clear() {
     indexOfName_.clear();
 }
 
-int DrawToolTable::Size() const { return static_cast<int>(tools_.size()); }
+int DrawToolTable::Size() const {
+    return static_cast<int>(tools_.size());
+}
 
 // Tables without an editing dialog have nothing to accept.
-int DrawToolTable::Edit() { return 0; }
+int DrawToolTable::Edit() {
+    return 0;
+}
 
 int DrawToolTable::Register(DrawTool* tool) {
     std::unique_ptr<DrawTool> owned(tool);
@@ -92,7 +107,9 @@ DrawTool* DrawToolTable::Get(int i) const {
     return i >= 0 && i < Size() ? tools_[static_cast<std::size_t>(i)].get() : nullptr;
 }
 
-DrawTool* DrawToolTable::Get(const char* name) const { return Get(GetIndex(name)); }
+DrawTool* DrawToolTable::Get(const char* name) const {
+    return Get(GetIndex(name));
+}
 
 int DrawToolTable::GetIndex(const char* name) const {
     if (!name) return -1;

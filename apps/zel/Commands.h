@@ -1,9 +1,9 @@
 // The commands of the program. Each adds itself to the command line and runs when it is chosen.
 #pragma once
 
-#include <CLI/CLI.hpp>
-
 #include <zel/ZelExport.h>
+
+#include <CLI/CLI.hpp>
 
 namespace zel::cli {
 

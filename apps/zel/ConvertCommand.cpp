@@ -1,19 +1,24 @@
-#include <iostream>
+#include "apps/zel/Commands.h"
+#include "apps/zel/Csv.h"
 
 #include <zel/zel.h>
 
-#include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
+#include <iostream>
 
 namespace zel::cli {
 
 void OutputChoice::AddTo(CLI::App& command, bool positional) {
-    command.add_option(positional ? "output" : "-o,--output", path,
-                       "File to write; its ending chooses the format: .png .jpg .pdf .svg .wmf .zel")
+    command
+        .add_option(positional ? "output" : "-o,--output", path,
+                    "File to write; its ending chooses the format: .png .jpg .pdf .svg .wmf .zel")
         ->required();
-    command.add_option("--dpi", dpi, "Pixels per inch of an image")->capture_default_str()->check(CLI::Range(10.0, 2400.0));
-    command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi")->check(CLI::Range(1, 30000));
-    command.add_option("--paper", paper, "Paper of a page: A2 to A5, letter, legal (default: as large as the drawing)");
+    command.add_option("--dpi", dpi, "Pixels per inch of an image")
+        ->capture_default_str()
+        ->check(CLI::Range(10.0, 2400.0));
+    command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi")
+        ->check(CLI::Range(1, 30000));
+    command.add_option("--paper", paper,
+                       "Paper of a page: A2 to A5, letter, legal (default: as large as the drawing)");
     command.add_flag("--landscape", landscape, "Lay the paper on its side");
     command.add_flag("--printer", printer, "Use the tools' printer colours");
     command.add_flag("--transparent", transparent, "Leave the background out (.png, .svg)");
@@ -42,7 +47,9 @@ void AddConvertCommand(CLI::App& app) {
     auto output = std::make_shared<OutputChoice>();
     command->add_option("drawing", *input, "Document (.zel) to read")->required();
     output->AddTo(*command, true);
-    command->footer("Examples:\n  zel convert drawing.zel picture.svg\n  zel convert drawing.zel page.pdf --paper A4 --landscape");
+    command->footer(
+        "Examples:\n  zel convert drawing.zel picture.svg\n  zel convert drawing.zel page.pdf --paper A4 "
+        "--landscape");
     command->callback([input, output] {
         const auto drawing = LoadDocument(input->c_str());
         output->Write(*drawing, "");

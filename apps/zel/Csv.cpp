@@ -1,13 +1,12 @@
 #include "apps/zel/Csv.h"
 
-#include <csv.h>
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
 #include <cmath>
 #include <cstring>
+#include <csv.h>
 #include <fstream>
 #include <limits>
 
@@ -26,7 +25,9 @@ void OnField(void* text, std::size_t length, void* rows) {
     static_cast<Rows*>(rows)->rows.back().emplace_back(static_cast<const char*>(text), length);
 }
 
-void OnRow(int, void* rows) { static_cast<Rows*>(rows)->rows.emplace_back(); }
+void OnRow(int, void* rows) {
+    static_cast<Rows*>(rows)->rows.emplace_back();
+}
 
 class Parser {
   public:
@@ -49,7 +50,9 @@ class Parser {
     csv_parser parser_{};
 };
 
-bool IsLeap(int year) { return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0; }
+bool IsLeap(int year) {
+    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
+}
 
 // Reads `digits` digits; false when they are not there.
 bool TakeNumber(std::string_view& text, std::size_t digits, int& number) {
@@ -77,7 +80,8 @@ double DecimalYear(std::string_view text) {
     const auto m = static_cast<std::size_t>(month - 1);
     if (day < 1 || day > kDays[m] + (month == 2 && IsLeap(year) ? 1 : 0)) return kNoValue;
     if (TakeCharacter(text, "T ")) {
-        if (!TakeNumber(text, 2, hour) || !TakeCharacter(text, ":") || !TakeNumber(text, 2, minute)) return kNoValue;
+        if (!TakeNumber(text, 2, hour) || !TakeCharacter(text, ":") || !TakeNumber(text, 2, minute))
+            return kNoValue;
         if (TakeCharacter(text, ":") && !TakeNumber(text, 2, second)) return kNoValue;
     }
     const int dayOfYear = kDaysBefore[m] + day - 1 + (month > 2 && IsLeap(year) ? 1 : 0);
@@ -116,9 +120,11 @@ CsvTable CsvTable::Read(const std::string& path) {
     CsvTable table;
     table.path_ = path;
     std::erase_if(rows.rows, [](const auto& row) { return row.empty(); });
-    if (rows.rows.empty()) throw Error("Cannot use \"" + path + "\": it has no header row with the columns' names");
+    if (rows.rows.empty())
+        throw Error("Cannot use \"" + path + "\": it has no header row with the columns' names");
     table.names_ = std::move(rows.rows.front());
-    table.rows_.assign(std::make_move_iterator(rows.rows.begin() + 1), std::make_move_iterator(rows.rows.end()));
+    table.rows_.assign(std::make_move_iterator(rows.rows.begin() + 1),
+                       std::make_move_iterator(rows.rows.end()));
     return table;
 }
 
@@ -127,7 +133,8 @@ std::size_t CsvTable::IndexOf(const std::string& name) const {
     if (found != names_.end()) return static_cast<std::size_t>(found - names_.begin());
     std::size_t number = 0;
     const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
-    if (error == std::errc() && end == name.data() + name.size() && number >= 1 && number <= names_.size()) return number - 1;
+    if (error == std::errc() && end == name.data() + name.size() && number >= 1 && number <= names_.size())
+        return number - 1;
     std::string known;
     for (const std::string& one : names_) known += (known.empty() ? "" : ", ") + one;
     throw Error("Cannot find the column \"" + name + "\" in \"" + path_ + "\"; it has: " + known);
@@ -142,7 +149,9 @@ std::vector<double> CsvTable::Column(const std::string& name) const {
         values.push_back(index < row.size() ? CellValue(row[index]) : kNoValue);
         any = any || std::isfinite(values.back());
     }
-    if (!any) throw Error("Cannot use the column \"" + name + "\" of \"" + path_ + "\": it holds no numbers or dates");
+    if (!any)
+        throw Error("Cannot use the column \"" + name + "\" of \"" + path_ +
+                    "\": it holds no numbers or dates");
     return values;
 }
 

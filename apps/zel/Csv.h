@@ -13,8 +13,8 @@ class Error : public std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// A CSV file (RFC 4180): the first row names the columns. Quoted fields, commas and line ends within them, CRLF line
-// ends and a byte-order mark are understood.
+// A CSV file (RFC 4180): the first row names the columns. Quoted fields, commas and line ends within them,
+// CRLF line ends and a byte-order mark are understood.
 class CsvTable {
   public:
     // Throws Error when the file cannot be read or has no header.
@@ -23,9 +23,9 @@ class CsvTable {
     const std::vector<std::string>& Names() const { return names_; }
     std::size_t RowCount() const { return rows_.size(); }
 
-    // The values of a column, by its name or its number from 1. Empty cells and cells that are no number are NaN;
-    // dates ("2012-01-31", with a time after "T" or a blank) are decimal years. Throws Error for a column that does not
-    // exist or holds no value at all.
+    // The values of a column, by its name or its number from 1. Empty cells and cells that are no number are
+    // NaN; dates ("2012-01-31", with a time after "T" or a blank) are decimal years. Throws Error for a
+    // column that does not exist or holds no value at all.
     std::vector<double> Column(const std::string& name) const;
 
   private:

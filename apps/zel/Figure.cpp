@@ -1,11 +1,11 @@
 #include "apps/zel/Figure.h"
 
+#include "apps/zel/Csv.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
-
-#include "apps/zel/Csv.h"
 
 namespace zel::cli {
 namespace {
@@ -18,7 +18,7 @@ constexpr COLORREF kPalette[] = {RGB(0, 114, 178), RGB(213, 94, 0),   RGB(0, 158
 constexpr int kPaletteSize = static_cast<int>(std::size(kPalette));
 
 // World units: thousandths of an inch.
-constexpr int kEdge = 150;         // kept free around everything
+constexpr int kEdge = 150;  // kept free around everything
 constexpr int kTitleHeight = 330;
 constexpr int kLegendHeight = 230;
 constexpr int kAxisTitleHeight = 210;
@@ -28,8 +28,12 @@ constexpr int kLetter = 78;        // a digit of the axis font
 constexpr int kSwatch = 180;
 constexpr int kSymbolSize = 55;
 
-int FromMillimetres(double mm) { return static_cast<int>(std::lround(mm / 25.4 * 1000)); }
-COLORREF ColorOfSeries(int i) { return kPalette[i % kPaletteSize]; }
+int FromMillimetres(double mm) {
+    return static_cast<int>(std::lround(mm / 25.4 * 1000));
+}
+COLORREF ColorOfSeries(int i) {
+    return kPalette[i % kPaletteSize];
+}
 
 // A tint of a colour for areas: a quarter of it on white.
 COLORREF Tint(COLORREF color) {
@@ -82,7 +86,8 @@ class FigureMaker {
         textFont_ = root_->RegisterFont("Axis Title", "Arial", 100, 0, 0, 0, 0, 0, 0);
     }
 
-    // Areas are series of their own: a line along the same points would run down to the bottom edge with them.
+    // Areas are series of their own: a line along the same points would run down to the bottom edge with
+    // them.
     void AddArea(int i) {
         const Series& data = series_[static_cast<std::size_t>(i)];
         const COLORREF tint = Tint(ColorOfSeries(i));
@@ -93,7 +98,8 @@ class FigureMaker {
         graph_->AddIn(area);
     }
 
-    // The graph draws its own grid over what is plotted; ours lies below it, as the first of the plotted objects.
+    // The graph draws its own grid over what is plotted; ours lies below it, as the first of the plotted
+    // objects.
     void DrawGridWith(Zel2PointArray& grid) {
         constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
         double x0, y0, x1, y1;
@@ -118,13 +124,15 @@ class FigureMaker {
         graph_->AddIn(points);
         const std::string& name = data.name;
         if (options_.line) {
-            points->SetPen(root_->RegisterPen((name + " line").c_str(), DrawPen::SOLID, 4, color, color, nullptr));
+            points->SetPen(
+                root_->RegisterPen((name + " line").c_str(), DrawPen::SOLID, 4, color, color, nullptr));
         }
         if (options_.symbols) {
-            points->SetSymbol(root_->RegisterSymbol((name + " symbol").c_str(), CSize(kSymbolSize, kSymbolSize),
-                                                    static_cast<zel::SymbolKind>(1 + i % 4), "", 1, color, color, color,
-                                                    color, 1, "Arial", 80, 0, 0, nullptr, nullptr, 0),
-                              true);
+            points->SetSymbol(
+                root_->RegisterSymbol((name + " symbol").c_str(), CSize(kSymbolSize, kSymbolSize),
+                                      static_cast<zel::SymbolKind>(1 + i % 4), "", 1, color, color, color,
+                                      color, 1, "Arial", 80, 0, 0, nullptr, nullptr, 0),
+                true);
         }
         added_.push_back(points);
     }
@@ -152,10 +160,12 @@ class FigureMaker {
         graph_->GetFloatRect(x0, y0, x1, y1);
         const auto within = [](std::vector<double> values, double a, double b) {
             const double slack = std::fabs(b - a) * 1e-9;
-            std::erase_if(values, [=](double v) { return v < std::min(a, b) - slack || v > std::max(a, b) + slack; });
+            std::erase_if(values,
+                          [=](double v) { return v < std::min(a, b) - slack || v > std::max(a, b) + slack; });
             return values;
         };
-        const std::vector<double> xs = within(graph_->XLabels(), x0, x1), ys = within(graph_->YLabels(), y0, y1);
+        const std::vector<double> xs = within(graph_->XLabels(), x0, x1),
+                                  ys = within(graph_->YLabels(), y0, y1);
         graph_->SetXLabels(xs);
         graph_->SetXTicks(xs);
         graph_->SetYLabels(ys);
@@ -166,7 +176,8 @@ class FigureMaker {
         std::size_t longest = 1, last = 1;
         for (const double value : graph_->YLabels()) longest = std::max(longest, LabelLength(value));
         if (!graph_->XLabels().empty()) last = LabelLength(graph_->XLabels().back());
-        left_ = kEdge + kTick + static_cast<int>(longest) * kLetter + (options_.yTitle.empty() ? 0 : kAxisTitleHeight);
+        left_ = kEdge + kTick + static_cast<int>(longest) * kLetter +
+                (options_.yTitle.empty() ? 0 : kAxisTitleHeight);
         top_ = kEdge + (options_.title.empty() ? 0 : kTitleHeight) + (Count() > 1 ? kLegendHeight : 0);
         const int right = kEdge + static_cast<int>(last) * kLetter / 2;
         const int bottom = kEdge + kLabelHeight + (options_.xTitle.empty() ? 0 : kAxisTitleHeight);
@@ -182,14 +193,16 @@ class FigureMaker {
     void AddTitles() {
         const int middle = (left_ + size_.cx - right_) / 2;
         if (!options_.title.empty()) {
-            AddText(options_.title, {middle, size_.cy - kEdge - kTitleHeight / 3}, titleFont_, DT_CENTER | DT_VCENTER, 0);
+            AddText(options_.title, {middle, size_.cy - kEdge - kTitleHeight / 3}, titleFont_,
+                    DT_CENTER | DT_VCENTER, 0);
         }
         if (!options_.xTitle.empty()) {
-            AddText(options_.xTitle, {middle, kEdge + kAxisTitleHeight / 3}, textFont_, DT_CENTER | DT_VCENTER, 0);
+            AddText(options_.xTitle, {middle, kEdge + kAxisTitleHeight / 3}, textFont_,
+                    DT_CENTER | DT_VCENTER, 0);
         }
         if (!options_.yTitle.empty()) {
-            AddText(options_.yTitle, {kEdge + kAxisTitleHeight / 3, (bottom_ + size_.cy - top_) / 2}, textFont_,
-                    DT_CENTER | DT_VCENTER, 900);
+            AddText(options_.yTitle, {kEdge + kAxisTitleHeight / 3, (bottom_ + size_.cy - top_) / 2},
+                    textFont_, DT_CENTER | DT_VCENTER, 900);
         }
     }
 
@@ -201,7 +214,8 @@ class FigureMaker {
             const Series& data = series_[static_cast<std::size_t>(i)];
             const COLORREF color = ColorOfSeries(i);
             const int swatch = root_->RegisterColor((data.name + " swatch").c_str(), color, color);
-            root_->Add(new Zel2Rect(CRect(x, y - 20, x + kSwatch, y + 20), -1, swatch, Zel2Rect::RECTANGLE, -1));
+            root_->Add(
+                new Zel2Rect(CRect(x, y - 20, x + kSwatch, y + 20), -1, swatch, Zel2Rect::RECTANGLE, -1));
             AddText(data.name, {x + kSwatch + 60, y}, textFont_, DT_VCENTER, 0);
             x += kSwatch + 60 + static_cast<int>(data.name.size()) * kLetter + 150;
         }
@@ -210,8 +224,8 @@ class FigureMaker {
     const std::vector<Series>& series_;
     const FigureOptions& options_;
     std::unique_ptr<Zel2Main> root_;
-    Zel2Graph* graph_ = nullptr;           // owned by the root
-    std::vector<Zel2PointArray*> added_;   // owned by the graph
+    Zel2Graph* graph_ = nullptr;          // owned by the root
+    std::vector<Zel2PointArray*> added_;  // owned by the graph
     CSize size_;
     int left_ = 0, top_ = 0, right_ = 0, bottom_ = 0;
     int titleFont_ = -1, textFont_ = -1;

@@ -1,13 +1,13 @@
 // A figure of one graph with titles and a legend.
 #pragma once
 
+#include <zel/zel.h>
+
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <zel/zel.h>
 
 namespace zel::cli {
 
@@ -23,7 +23,7 @@ struct FigureOptions {
     std::string yTitle;
     std::optional<std::pair<double, double>> xRange;  // automatic without
     std::optional<std::pair<double, double>> yRange;
-    double width = 160;   // millimetres
+    double width = 160;  // millimetres
     double height = 100;
     bool line = true;
     bool fill = false;

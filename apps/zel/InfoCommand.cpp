@@ -1,9 +1,9 @@
-#include <cstdio>
-#include <iostream>
+#include "apps/zel/Commands.h"
 
 #include <zel/zel.h>
 
-#include "apps/zel/Commands.h"
+#include <cstdio>
+#include <iostream>
 
 namespace zel::cli {
 namespace {
@@ -15,32 +15,37 @@ std::string Hex(COLORREF color) {
 }
 
 void PrintTools(Zel2Tools& tools, const std::string& indent) {
-    const auto heading = [&](const char* what, int count) { std::cout << indent << what << " (" << count << ")\n"; };
+    const auto heading = [&](const char* what, int count) {
+        std::cout << indent << what << " (" << count << ")\n";
+    };
     const auto line = [&](int i, const DrawTool& tool) -> std::ostream& {
         return std::cout << indent << "  " << i << "  \"" << tool.GetName() << "\"";
     };
     heading("colours", tools.Colors()->Size());
     for (int i = 0; i < tools.Colors()->Size(); ++i) {
         const DrawColor& color = *tools.Color(i);
-        line(i, color) << "  screen " << Hex(color.ScrColor()) << "  printer " << Hex(color.PrnColor()) << "\n";
+        line(i, color) << "  screen " << Hex(color.ScrColor()) << "  printer " << Hex(color.PrnColor())
+                       << "\n";
     }
     heading("pens", tools.Pens()->Size());
     for (int i = 0; i < tools.Pens()->Size(); ++i) {
         const DrawPen& pen = *tools.Pen(i);
         const int style = pen.Style() < 0 ? 6 : pen.Style();
-        line(i, pen) << "  " << DrawPen::kStyleNames[static_cast<std::size_t>(style)] << "  " << pen.Width() / 10.0
-                     << " mm  screen " << Hex(pen.ScrColor()) << "  printer " << Hex(pen.PrnColor()) << "\n";
+        line(i, pen) << "  " << DrawPen::kStyleNames[static_cast<std::size_t>(style)] << "  "
+                     << pen.Width() / 10.0 << " mm  screen " << Hex(pen.ScrColor()) << "  printer "
+                     << Hex(pen.PrnColor()) << "\n";
     }
     heading("fonts", tools.Fonts()->Size());
     for (int i = 0; i < tools.Fonts()->Size(); ++i) {
         const DrawFont& font = *tools.Font(i);
-        line(i, font) << "  " << font.FontName() << " " << font.PtSize10() / 10.0 << " pt" << (font.Bold() ? " bold" : "")
-                      << (font.Italic() ? " italic" : "") << "\n";
+        line(i, font) << "  " << font.FontName() << " " << font.PtSize10() / 10.0 << " pt"
+                      << (font.Bold() ? " bold" : "") << (font.Italic() ? " italic" : "") << "\n";
     }
     heading("symbols", tools.Symbols()->Size());
     for (int i = 0; i < tools.Symbols()->Size(); ++i) {
         const DrawSymbol& symbol = *tools.Symbol(i);
-        line(i, symbol) << "  type " << symbol.GetType() << "  size " << symbol.Size().cx << " x " << symbol.Size().cy << "\n";
+        line(i, symbol) << "  type " << symbol.GetType() << "  size " << symbol.Size().cx << " x "
+                        << symbol.Size().cy << "\n";
     }
 }
 
@@ -48,16 +53,20 @@ void PrintObject(Zel2& object, const std::string& indent);
 
 void PrintChildren(Zel2Set& set, const std::string& indent) {
     for (int i = 0; i < set.GetCount(); ++i) {
-        if (set[i]) PrintObject(*set[i], indent);
-        else std::cout << indent << "(empty)\n";
+        if (set[i])
+            PrintObject(*set[i], indent);
+        else
+            std::cout << indent << "(empty)\n";
     }
 }
 
 void PrintObject(Zel2& object, const std::string& indent) {
     const CSize size = object.Size();
-    std::cout << indent << object.GetRuntimeClass()->m_lpszClassName << "  at " << object.Origin().x << "," << object.Origin().y;
+    std::cout << indent << object.GetRuntimeClass()->m_lpszClassName << "  at " << object.Origin().x << ","
+              << object.Origin().y;
     if (size.cx || size.cy) std::cout << "  size " << size.cx << " x " << size.cy;
-    if (auto* points = dynamic_cast<Zel2PointSet*>(&object)) std::cout << "  " << points->NPoints() << " points";
+    if (auto* points = dynamic_cast<Zel2PointSet*>(&object))
+        std::cout << "  " << points->NPoints() << " points";
     if (auto* text = dynamic_cast<Zel2Text*>(&object)) std::cout << "  \"" << text->GetText() << "\"";
     if (auto* graph = dynamic_cast<Zel2Graph*>(&object)) {
         double x0, y0, x1, y1;

@@ -19,7 +19,8 @@ struct PlotChoice {
 
 std::optional<std::pair<double, double>> RangeOf(const std::vector<double>& values, const char* option) {
     if (values.empty()) return std::nullopt;
-    if (!(values[0] < values[1])) throw Error(std::string("Cannot use ") + option + ": its first value must be below its second");
+    if (!(values[0] < values[1]))
+        throw Error(std::string("Cannot use ") + option + ": its first value must be below its second");
     return std::pair(values[0], values[1]);
 }
 
@@ -49,17 +50,26 @@ void AddPlotCommand(CLI::App& app) {
     CLI::App* command = app.add_subcommand("plot", "Draw columns of a CSV file as a graph");
     auto choice = std::make_shared<PlotChoice>();
     command->add_option("data", choice->input, "CSV file; its first row names the columns")->required();
-    command->add_option("--x", choice->x, "Column of the x values, by name or number; dates become decimal years")->required();
-    command->add_option("--y", choice->ys, "Column of y values; repeat it for several series")->required()->take_all();
+    command
+        ->add_option("--x", choice->x,
+                     "Column of the x values, by name or number; dates become decimal years")
+        ->required();
+    command->add_option("--y", choice->ys, "Column of y values; repeat it for several series")
+        ->required()
+        ->take_all();
     command->add_flag("--no-line", choice->noLine, "Do not connect the points");
     command->add_flag("--fill", choice->figure.fill, "Fill the area between a series and the bottom edge");
     command->add_flag("--symbols", choice->figure.symbols, "Draw a symbol at each point");
     command->add_option("--title", choice->figure.title, "Title of the graph");
-    command->add_option("--x-title", choice->figure.xTitle, "Title of the x axis (default: the column's name)");
+    command->add_option("--x-title", choice->figure.xTitle,
+                        "Title of the x axis (default: the column's name)");
     command->add_option("--y-title", choice->figure.yTitle, "Title of the y axis");
-    command->add_option("--x-range", choice->xRange, "Ends of the x axis (default: from the data)")->expected(2);
-    command->add_option("--y-range", choice->yRange, "Ends of the y axis (default: from the data)")->expected(2);
-    command->add_option("--size", choice->size, "Width and height in millimetres (default: 160 100)")->expected(2);
+    command->add_option("--x-range", choice->xRange, "Ends of the x axis (default: from the data)")
+        ->expected(2);
+    command->add_option("--y-range", choice->yRange, "Ends of the y axis (default: from the data)")
+        ->expected(2);
+    command->add_option("--size", choice->size, "Width and height in millimetres (default: 160 100)")
+        ->expected(2);
     choice->output.AddTo(*command, false);
     command->footer(
         "Examples:\n"

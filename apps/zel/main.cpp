@@ -1,15 +1,16 @@
 // zel: drawings from the command line.
-#include <iostream>
+#include "apps/zel/Commands.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/Warning.h>
 #include <zel/qt/Install.h>
 
-#include "apps/zel/Commands.h"
+#include <iostream>
 
 namespace {
 
-constexpr int kFailed = 1;  // the command could not be carried out; the parser has codes of its own from 100 on
+constexpr int kFailed =
+    1;  // the command could not be carried out; the parser has codes of its own from 100 on
 
 int Complain(const std::string& message) {
     std::cerr << "zel: " << message << "\n";
@@ -31,7 +32,8 @@ int main(int argc, char** argv) {
     zel::cli::AddPlotCommand(app);
     zel::cli::AddConvertCommand(app);
     zel::cli::AddInfoCommand(app);
-    zel::SetWarningHandler([](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });
+    zel::SetWarningHandler(
+        [](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });
     zel::qt::Install();
     try {
         app.parse(argc, argv);

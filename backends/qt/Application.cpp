@@ -1,5 +1,7 @@
 #include "backends/qt/Application.h"
 
+#include <zel/platform/Exception.h>
+
 #include <QGuiApplication>
 
 #include <clocale>
@@ -7,13 +9,11 @@
 #include <mutex>
 #include <string>
 
-#include <zel/platform/Exception.h>
-
 namespace zel::qt {
 namespace {
 
-// Qt sets the C locale from the environment when its application object is made; numbers that the program prints must
-// not change by that.
+// Qt sets the C locale from the environment when its application object is made; numbers that the program
+// prints must not change by that.
 class KeptLocale {
   public:
     KeptLocale() : locale_(std::setlocale(LC_ALL, nullptr)) {}
@@ -27,7 +27,8 @@ class KeptLocale {
 
 // Without a display Qt would end the process.
 void ChoosePlatform() {
-    const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+    const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ||
+                        !qEnvironmentVariableIsEmpty("DISPLAY") ||
                         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (!chosen) qputenv("QT_QPA_PLATFORM", "offscreen");
 }
@@ -49,7 +50,8 @@ void EnsureApplication() {
     if (qobject_cast<QGuiApplication*>(QCoreApplication::instance())) return;
     if (QCoreApplication::instance()) {
         AfxThrowNotSupportedException(
-            "Cannot draw: the program's Qt application object is a QCoreApplication, and text needs a QGuiApplication "
+            "Cannot draw: the program's Qt application object is a QCoreApplication, and text needs a "
+            "QGuiApplication "
             "or QApplication.");
     }
     // Kept for the life of the process: what Qt has made since would be destroyed before it at exit.

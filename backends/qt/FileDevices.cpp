@@ -1,11 +1,11 @@
 #include "backends/qt/FileDevices.h"
 
-#include <cmath>
+#include "backends/qt/Fonts.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/qt/ImageDevice.h>
 
-#include "backends/qt/Fonts.h"
+#include <cmath>
 
 namespace zel::qt {
 
@@ -16,23 +16,26 @@ std::vector<int> MeasuringDevice::PrefixExtents(const GraphicsState& state, std:
                                                 std::span<const std::size_t> ends) {
     return qt::PrefixExtents(state, text, ends);
 }
-TEXTMETRIC MeasuringDevice::TextMetrics(const GraphicsState& state) { return qt::TextMetrics(state); }
+TEXTMETRIC MeasuringDevice::TextMetrics(const GraphicsState& state) {
+    return qt::TextMetrics(state);
+}
 
 namespace {
 
-// Draws on an image and saves it at the end. What lies left of and above the margins is the drawing's to use too, so
-// the origin is moved by the context's user, not here.
+// Draws on an image and saves it at the end. What lies left of and above the margins is the drawing's to use
+// too, so the origin is moved by the context's user, not here.
 class ImageFileDevice : public MeasuringDevice {
   public:
     explicit ImageFileDevice(const FileDeviceOptions& options)
-        : options_(options), image_(Pixels(options.width), Pixels(options.height), options.dotsPerInch,
-                                    options.unitsPerInch) {
+        : options_(options),
+          image_(Pixels(options.width), Pixels(options.height), options.dotsPerInch, options.unitsPerInch) {
         image_.Clear(options.background, options.opaqueBackground || options.format != "png");
     }
 
     void NewPage() override {
         AfxThrowNotSupportedException(
-            ("Cannot write a second page into the image \"" + options_.path + "\"; PDF files have pages.").c_str());
+            ("Cannot write a second page into the image \"" + options_.path + "\"; PDF files have pages.")
+                .c_str());
     }
     void Finish() override { image_.Save(options_.path.c_str(), options_.format.c_str(), options_.quality); }
 
@@ -40,10 +43,12 @@ class ImageFileDevice : public MeasuringDevice {
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         image_.Polyline(state, points, count);
     }
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override {
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override {
         image_.Polygons(state, points, counts);
     }
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override {
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override {
         image_.FillRect(state, rect, brush, operation);
     }
     void Ellipse(const GraphicsState& state, const CRect& rect) override { image_.Ellipse(state, rect); }
@@ -53,7 +58,9 @@ class ImageFileDevice : public MeasuringDevice {
     COLORREF GetPixel(const CPoint& devicePoint) override { return image_.GetPixel(devicePoint); }
 
   private:
-    int Pixels(double inches) const { return std::max(1, static_cast<int>(std::lround(inches * options_.dotsPerInch))); }
+    int Pixels(double inches) const {
+        return std::max(1, static_cast<int>(std::lround(inches * options_.dotsPerInch)));
+    }
 
     FileDeviceOptions options_;
     ImageDevice image_;

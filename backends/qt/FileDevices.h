@@ -1,9 +1,9 @@
 // Devices that end in a file.
 #pragma once
 
-#include <memory>
-
 #include <zel/platform/Platform.h>
+
+#include <memory>
 
 namespace zel::qt {
 

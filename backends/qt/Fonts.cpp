@@ -1,5 +1,10 @@
 #include "backends/qt/Fonts.h"
 
+#include "platform/graphics/StandardMetrics.h"
+#include "platform/graphics/Utf8.h"
+
+#include <zel/platform/Warning.h>
+
 #include <QFontInfo>
 #include <QFontMetricsF>
 
@@ -8,17 +13,12 @@
 #include <string>
 #include <tuple>
 
-#include <zel/platform/Warning.h>
-
-#include "platform/graphics/StandardMetrics.h"
-#include "platform/graphics/Utf8.h"
-
 namespace zel::qt {
 namespace {
 
-constexpr int kDesignSize = 2048;       // pixels at which a face is measured
+constexpr int kDesignSize = 2048;  // pixels at which a face is measured
 constexpr char32_t kDirectGlyphs = 0x250;
-constexpr int kSizeSteps = 64;          // sizes of a face are told apart by this part of a pixel
+constexpr int kSizeSteps = 64;  // sizes of a face are told apart by this part of a pixel
 constexpr std::size_t kMostSizes = 64;
 
 QFont MakeFont(const LOGFONT& font) {
@@ -39,11 +39,10 @@ struct Stand {
     const char* metricCompatible;
 };
 constexpr Stand kStands[] = {
-    {"arial", "liberation sans"},           {"helvetica", "liberation sans"},
-    {"arial", "arimo"},                     {"helvetica", "nimbus sans"},
-    {"times new roman", "liberation serif"}, {"times", "liberation serif"},
-    {"times new roman", "tinos"},           {"courier new", "liberation mono"},
-    {"courier", "liberation mono"},         {"courier new", "cousine"},
+    {"arial", "liberation sans"}, {"helvetica", "liberation sans"},        {"arial", "arimo"},
+    {"helvetica", "nimbus sans"}, {"times new roman", "liberation serif"}, {"times", "liberation serif"},
+    {"times new roman", "tinos"}, {"courier new", "liberation mono"},      {"courier", "liberation mono"},
+    {"courier new", "cousine"},
 };
 
 void WarnOfSubstitute(const QString& wanted, const QString& found) {
@@ -57,16 +56,21 @@ void WarnOfSubstitute(const QString& wanted, const QString& found) {
          "\" stands in for it.");
 }
 
-QString ToQString(char32_t character) { return QString::fromUcs4(&character, 1); }
+QString ToQString(char32_t character) {
+    return QString::fromUcs4(&character, 1);
+}
 QString ToQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 }  // namespace
 
-QColor ColorOf(COLORREF color) { return {GetRValue(color), GetGValue(color), GetBValue(color)}; }
+QColor ColorOf(COLORREF color) {
+    return {GetRValue(color), GetGValue(color), GetBValue(color)};
+}
 
-Face::Face(const LOGFONT& font) : font_(MakeFont(font)), design_(QRawFont::fromFont(font_)), latin_(kDirectGlyphs) {
+Face::Face(const LOGFONT& font)
+    : font_(MakeFont(font)), design_(QRawFont::fromFont(font_)), latin_(kDirectGlyphs) {
     WarnOfSubstitute(QString::fromUtf8(font.lfFaceName), design_.familyName());
     ascent_ = design_.ascent() / kDesignSize;
     descent_ = design_.descent() / kDesignSize;
@@ -75,7 +79,8 @@ Face::Face(const LOGFONT& font) : font_(MakeFont(font)), design_(QRawFont::fromF
 }
 
 const Face::Glyph& Face::GlyphOf(char32_t character) {
-    Glyph& glyph = character < kDirectGlyphs ? latin_[character] : glyphs_.try_emplace(character, Glyph{0, -1}).first->second;
+    Glyph& glyph = character < kDirectGlyphs ? latin_[character]
+                                             : glyphs_.try_emplace(character, Glyph{0, -1}).first->second;
     if (glyph.advance >= 0) return glyph;
     const QList<quint32> indexes = design_.glyphIndexesForString(ToQString(character));
     glyph.index = indexes.isEmpty() ? 0 : indexes.first();
@@ -133,8 +138,12 @@ double WidthOf(const GraphicsState& state, std::string_view text) {
 }
 
 namespace {
-int LogicalX(const GraphicsState& state, double units) { return Truncate(std::round(units / state.map.ScaleX())); }
-int LogicalY(const GraphicsState& state, double units) { return Truncate(std::round(units / state.map.ScaleY())); }
+int LogicalX(const GraphicsState& state, double units) {
+    return Truncate(std::round(units / state.map.ScaleX()));
+}
+int LogicalY(const GraphicsState& state, double units) {
+    return Truncate(std::round(units / state.map.ScaleY()));
+}
 }  // namespace
 
 CSize TextExtent(const GraphicsState& state, std::string_view text) {
@@ -142,7 +151,8 @@ CSize TextExtent(const GraphicsState& state, std::string_view text) {
     return {LogicalX(state, WidthOf(state, text)), TextMetrics(state).tmHeight};
 }
 
-std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text, std::span<const std::size_t> ends) {
+std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
+                               std::span<const std::size_t> ends) {
     Face& face = FaceOf(state.font);
     const double em = EmHeight(state);
     std::vector<int> extents;
@@ -197,7 +207,10 @@ namespace {
 class Run {
   public:
     Run(QPainter& painter, const GraphicsState& state, double unitsPerPixel)
-        : painter_(painter), state_(state), face_(FaceOf(state.font)), em_(EmHeight(state) / unitsPerPixel),
+        : painter_(painter),
+          state_(state),
+          face_(FaceOf(state.font)),
+          em_(EmHeight(state) / unitsPerPixel),
           unitsPerPixel_(unitsPerPixel) {}
 
     void Draw(std::span<const TextSpan> spans) {
@@ -227,7 +240,8 @@ class Run {
         const BaselineOffset offset = OffsetOf(state_, width * unitsPerPixel_);
         at += QPointF(offset.x / unitsPerPixel_, offset.y / unitsPerPixel_);
         FillCell(at, width);
-        // Within a fraction of a pixel of where the text before ends: the rounding of the given point is taken out.
+        // Within a fraction of a pixel of where the text before ends: the rounding of the given point is
+        // taken out.
         const bool follows = !indexes_.isEmpty() && std::fabs(at.x() - next_.x()) < Tolerance() &&
                              std::fabs(at.y() - next_.y()) < Tolerance();
         QPointF pen = follows ? next_ : at;
@@ -301,7 +315,8 @@ class Run {
 
 }  // namespace
 
-void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans, double unitsPerPixel) {
+void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans,
+               double unitsPerPixel) {
     if (!spans.empty()) Run(painter, state, unitsPerPixel).Draw(spans);
 }
 

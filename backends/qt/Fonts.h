@@ -1,6 +1,8 @@
 // Fonts of contexts as Qt fonts, and their metrics.
 #pragma once
 
+#include <zel/platform/GraphicsDevice.h>
+
 #include <QFont>
 #include <QGlyphRun>
 #include <QPainter>
@@ -11,19 +13,17 @@
 #include <unordered_map>
 #include <vector>
 
-#include <zel/platform/GraphicsDevice.h>
-
 namespace zel::qt {
 
-// One face in one weight and slant at any size. Metrics are those of the design, scaled, so that a text has the same
-// extent on all devices; kerning and hinting are off.
+// One face in one weight and slant at any size. Metrics are those of the design, scaled, so that a text has
+// the same extent on all devices; kerning and hinting are off.
 class Face {
   public:
     explicit Face(const LOGFONT& font);
 
     struct Glyph {
-        quint32 index = 0;    // 0: the face does not have the character
-        double advance = 0;   // in ems; of a substitute face when this one does not have it
+        quint32 index = 0;   // 0: the face does not have the character
+        double advance = 0;  // in ems; of a substitute face when this one does not have it
     };
     const Glyph& GlyphOf(char32_t character);
     double Ascent() const { return ascent_; }    // ems
@@ -53,10 +53,12 @@ double EmHeight(const GraphicsState& state);
 
 // Measuring, in logical units.
 CSize TextExtent(const GraphicsState& state, std::string_view text);
-std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text, std::span<const std::size_t> ends);
+std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
+                               std::span<const std::size_t> ends);
 TEXTMETRIC TextMetrics(const GraphicsState& state);
 
-// Where the left end of the baseline of a text lies, relative to its reference point, unrotated, in device units.
+// Where the left end of the baseline of a text lies, relative to its reference point, unrotated, in device
+// units.
 struct BaselineOffset {
     double x;
     double y;
@@ -65,9 +67,10 @@ BaselineOffset OffsetOf(const GraphicsState& state, double width);
 // The width of a text in device units.
 double WidthOf(const GraphicsState& state, std::string_view text);
 
-// Draws the spans of one line on a painter whose unit is `unitsPerPixel` device units. Spans that follow one another
-// at their natural distances are drawn in one piece.
-void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans, double unitsPerPixel);
+// Draws the spans of one line on a painter whose unit is `unitsPerPixel` device units. Spans that follow one
+// another at their natural distances are drawn in one piece.
+void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans,
+               double unitsPerPixel);
 
 QColor ColorOf(COLORREF color);
 

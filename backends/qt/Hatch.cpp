@@ -1,8 +1,8 @@
 #include "backends/qt/Hatch.h"
 
-#include <QImage>
-
 #include "backends/qt/Fonts.h"
+
+#include <QImage>
 
 namespace zel::qt {
 namespace {
@@ -11,16 +11,24 @@ constexpr int kCell = 8;  // pixels
 
 bool IsInk(int hatch, int x, int y) {
     switch (hatch) {
-        case HS_HORIZONTAL: return y == 3;
-        case HS_VERTICAL: return x == 4;
-        case HS_FDIAGONAL: return x == y;
-        case HS_BDIAGONAL: return x == kCell - 1 - y;
-        case HS_CROSS: return y == 3 || x == 4;
-        default: return x == y || x == kCell - 1 - y;
+        case HS_HORIZONTAL:
+            return y == 3;
+        case HS_VERTICAL:
+            return x == 4;
+        case HS_FDIAGONAL:
+            return x == y;
+        case HS_BDIAGONAL:
+            return x == kCell - 1 - y;
+        case HS_CROSS:
+            return y == 3 || x == 4;
+        default:
+            return x == y || x == kCell - 1 - y;
     }
 }
 
-bool Has(int hatch, int simple, int both) { return hatch == simple || hatch == both; }
+bool Has(int hatch, int simple, int both) {
+    return hatch == simple || hatch == both;
+}
 
 }  // namespace
 
@@ -28,9 +36,11 @@ QBrush BrushOf(const GraphicsState& state, const LOGBRUSH& brush) {
     if (brush.lbStyle == BS_NULL) return Qt::NoBrush;
     if (brush.lbStyle != BS_HATCHED) return ColorOf(brush.lbColor);
     QImage cell(kCell, kCell, QImage::Format_ARGB32_Premultiplied);
-    const QColor bare = state.backgroundMode == OPAQUE ? ColorOf(state.backgroundColor) : QColor(Qt::transparent);
+    const QColor bare =
+        state.backgroundMode == OPAQUE ? ColorOf(state.backgroundColor) : QColor(Qt::transparent);
     for (int y = 0; y < kCell; ++y) {
-        for (int x = 0; x < kCell; ++x) cell.setPixelColor(x, y, IsInk(brush.lbHatch, x, y) ? ColorOf(brush.lbColor) : bare);
+        for (int x = 0; x < kCell; ++x)
+            cell.setPixelColor(x, y, IsInk(brush.lbHatch, x, y) ? ColorOf(brush.lbColor) : bare);
     }
     return QBrush(cell);
 }
@@ -38,10 +48,12 @@ QBrush BrushOf(const GraphicsState& state, const LOGBRUSH& brush) {
 std::vector<QLineF> HatchLines(int hatch, const QRectF& box, double spacing) {
     std::vector<QLineF> lines;
     if (Has(hatch, HS_HORIZONTAL, HS_CROSS)) {
-        for (double y = box.top(); y <= box.bottom(); y += spacing) lines.emplace_back(box.left(), y, box.right(), y);
+        for (double y = box.top(); y <= box.bottom(); y += spacing)
+            lines.emplace_back(box.left(), y, box.right(), y);
     }
     if (Has(hatch, HS_VERTICAL, HS_CROSS)) {
-        for (double x = box.left(); x <= box.right(); x += spacing) lines.emplace_back(x, box.top(), x, box.bottom());
+        for (double x = box.left(); x <= box.right(); x += spacing)
+            lines.emplace_back(x, box.top(), x, box.bottom());
     }
     const double step = spacing * 1.4142135623730951;
     if (Has(hatch, HS_FDIAGONAL, HS_DIAGCROSS)) {

@@ -1,3 +1,11 @@
+#include "backends/qt/Application.h"
+#include "backends/qt/Fonts.h"
+#include "backends/qt/Hatch.h"
+#include "backends/qt/PolygonClip.h"
+#include "backends/qt/Stroker.h"
+
+#include <zel/platform/Exception.h>
+#include <zel/platform/SafeFile.h>
 #include <zel/qt/ImageDevice.h>
 
 #include <QImage>
@@ -9,15 +17,6 @@
 #include <cmath>
 #include <string>
 
-#include <zel/platform/Exception.h>
-#include <zel/platform/SafeFile.h>
-
-#include "backends/qt/Application.h"
-#include "backends/qt/Fonts.h"
-#include "backends/qt/Hatch.h"
-#include "backends/qt/PolygonClip.h"
-#include "backends/qt/Stroker.h"
-
 namespace zel::qt {
 namespace {
 
@@ -25,8 +24,12 @@ constexpr int kSub = ImageDevice::kSubPixels;
 constexpr double kFarOutside = 16000;  // pixels; the rasteriser's coordinates are exact up to twice that
 
 // The pixel that a device unit lies in.
-int PixelOf(LONG unit) { return static_cast<int>(unit >= 0 ? unit / kSub : -((static_cast<std::int64_t>(kSub) - 1 - unit) / kSub)); }
-double CentreOf(LONG unit) { return (unit + 0.5) / kSub; }
+int PixelOf(LONG unit) {
+    return static_cast<int>(unit >= 0 ? unit / kSub : -((static_cast<std::int64_t>(kSub) - 1 - unit) / kSub));
+}
+double CentreOf(LONG unit) {
+    return (unit + 0.5) / kSub;
+}
 
 bool IsAxisParallel(const CPoint* points, std::size_t count) {
     for (std::size_t i = 1; i < count; ++i) {
@@ -42,38 +45,60 @@ std::uint32_t PixelValue(COLORREF color) {
 
 QPainter::CompositionMode CompositionOf(int rasterMode) {
     switch (rasterMode) {
-        case R2_BLACK: return QPainter::RasterOp_ClearDestination;
-        case R2_NOTMERGEPEN: return QPainter::RasterOp_NotSourceAndNotDestination;
-        case R2_MASKNOTPEN: return QPainter::RasterOp_NotSourceAndDestination;
-        case R2_NOTCOPYPEN: return QPainter::RasterOp_NotSource;
-        case R2_MASKPENNOT: return QPainter::RasterOp_SourceAndNotDestination;
-        case R2_NOT: return QPainter::RasterOp_NotDestination;
-        case R2_XORPEN: return QPainter::RasterOp_SourceXorDestination;
-        case R2_NOTMASKPEN: return QPainter::RasterOp_NotSourceOrNotDestination;
-        case R2_MASKPEN: return QPainter::RasterOp_SourceAndDestination;
-        case R2_NOTXORPEN: return QPainter::RasterOp_NotSourceXorDestination;
-        case R2_NOP: return QPainter::CompositionMode_Destination;
-        case R2_MERGENOTPEN: return QPainter::RasterOp_NotSourceOrDestination;
-        case R2_MERGEPENNOT: return QPainter::RasterOp_SourceOrNotDestination;
-        case R2_MERGEPEN: return QPainter::RasterOp_SourceOrDestination;
-        case R2_WHITE: return QPainter::RasterOp_SetDestination;
-        default: return QPainter::CompositionMode_SourceOver;
+        case R2_BLACK:
+            return QPainter::RasterOp_ClearDestination;
+        case R2_NOTMERGEPEN:
+            return QPainter::RasterOp_NotSourceAndNotDestination;
+        case R2_MASKNOTPEN:
+            return QPainter::RasterOp_NotSourceAndDestination;
+        case R2_NOTCOPYPEN:
+            return QPainter::RasterOp_NotSource;
+        case R2_MASKPENNOT:
+            return QPainter::RasterOp_SourceAndNotDestination;
+        case R2_NOT:
+            return QPainter::RasterOp_NotDestination;
+        case R2_XORPEN:
+            return QPainter::RasterOp_SourceXorDestination;
+        case R2_NOTMASKPEN:
+            return QPainter::RasterOp_NotSourceOrNotDestination;
+        case R2_MASKPEN:
+            return QPainter::RasterOp_SourceAndDestination;
+        case R2_NOTXORPEN:
+            return QPainter::RasterOp_NotSourceXorDestination;
+        case R2_NOP:
+            return QPainter::CompositionMode_Destination;
+        case R2_MERGENOTPEN:
+            return QPainter::RasterOp_NotSourceOrDestination;
+        case R2_MERGEPENNOT:
+            return QPainter::RasterOp_SourceOrNotDestination;
+        case R2_MERGEPEN:
+            return QPainter::RasterOp_SourceOrDestination;
+        case R2_WHITE:
+            return QPainter::RasterOp_SetDestination;
+        default:
+            return QPainter::CompositionMode_SourceOver;
     }
 }
 
 // Painted and bare lengths in pixels.
 QList<qreal> DashesOf(UINT style) {
     switch (style) {
-        case PS_DASH: return {18, 6};
-        case PS_DOT: return {3, 3};
-        case PS_DASHDOT: return {9, 6, 3, 6};
-        case PS_DASHDOTDOT: return {9, 3, 3, 3, 3, 3};
-        default: return {};
+        case PS_DASH:
+            return {18, 6};
+        case PS_DOT:
+            return {3, 3};
+        case PS_DASHDOT:
+            return {9, 6, 3, 6};
+        case PS_DASHDOTDOT:
+            return {9, 3, 3, 3, 3, 3};
+        default:
+            return {};
     }
 }
 
-// Cuts a long line into segments, at most two for each run of points in one column of pixels: one that comes from the
-// run before, and one between the run's lowest and highest point. What is left out lies between those two.
+// Cuts a long line into segments, at most two for each run of points in one column of pixels: one that comes
+// from the run before, and one between the run's lowest and highest point. What is left out lies between
+// those two.
 template <class Draw>
 class ColumnThinner {
   public:
@@ -115,12 +140,15 @@ class ColumnThinner {
 class ImageDevice::Impl {
   public:
     Impl(int pixelWidth, int pixelHeight, double resolution, double units)
-        : width(pixelWidth), height(pixelHeight), dotsPerInch(resolution),
+        : width(pixelWidth),
+          height(pixelHeight),
+          dotsPerInch(resolution),
           unitsPerInch(units > 0 ? units : resolution * kSub),
           pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFFFFFFFFu),
           image(reinterpret_cast<uchar*>(pixels.data()), width, height, width * 4,
                 QImage::Format_ARGB32_Premultiplied),
-          stroker(width, height), painter(&image) {
+          stroker(width, height),
+          painter(&image) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::TextAntialiasing);
         painter.setPen(Qt::NoPen);
@@ -176,8 +204,8 @@ class ImageDevice::Impl {
         stroker.Blend({pixels.data(), width, height}, color, clips);
     }
 
-    // Along the axes: whole pixels. A line one pixel wide leaves out the unit that it ends on; wider ones have ends of
-    // half their width.
+    // Along the axes: whole pixels. A line one pixel wide leaves out the unit that it ends on; wider ones
+    // have ends of half their width.
     void DrawCrisp(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
         const int wide = std::max(1, static_cast<int>(std::lround(penWidth)));
         const int before = wide / 2;
@@ -186,10 +214,12 @@ class ImageDevice::Impl {
             CPoint b = points[i];
             if (a == b) continue;
             const bool closes = i + 1 < count;  // the next segment draws this one's last unit anyway
-            const auto shortened = [&](LONG from, LONG to) { return closes || wide > 1 ? to : to > from ? to - 1 : to < from ? to + 1 : to; };
+            const auto shortened = [&](LONG from, LONG to) {
+                return closes || wide > 1 ? to : to > from ? to - 1 : to < from ? to + 1 : to;
+            };
             b = {shortened(a.x, b.x), shortened(a.y, b.y)};
-            CRect box(PixelOf(std::min(a.x, b.x)), PixelOf(std::min(a.y, b.y)), PixelOf(std::max(a.x, b.x)) + 1,
-                      PixelOf(std::max(a.y, b.y)) + 1);
+            CRect box(PixelOf(std::min(a.x, b.x)), PixelOf(std::min(a.y, b.y)),
+                      PixelOf(std::max(a.x, b.x)) + 1, PixelOf(std::max(a.y, b.y)) + 1);
             if (wide > 1) {
                 box.left -= before;
                 box.top -= before;
@@ -203,13 +233,15 @@ class ImageDevice::Impl {
     // Dashed platform pens and raster modes: whole pixels through the painter.
     void DrawPlain(const GraphicsState& state, const CPoint* points, std::size_t count) {
         const double wide = PenWidth(state);
-        QPen pen(ColorOf(state.pen.lopnColor), wide, Qt::SolidLine, wide > 1 ? Qt::RoundCap : Qt::FlatCap, Qt::RoundJoin);
+        QPen pen(ColorOf(state.pen.lopnColor), wide, Qt::SolidLine, wide > 1 ? Qt::RoundCap : Qt::FlatCap,
+                 Qt::RoundJoin);
         const QList<qreal> dashes = DashesOf(state.pen.lopnStyle);
         if (!dashes.isEmpty() && wide <= 1) pen.setDashPattern(dashes);
         QPolygonF line;
         for (std::size_t i = 0; i < count; ++i) {
             const QPointF at(PixelOf(points[i].x) + 0.5, PixelOf(points[i].y) + 0.5);
-            line.append({std::clamp(at.x(), -kFarOutside, kFarOutside), std::clamp(at.y(), -kFarOutside, kFarOutside)});
+            line.append({std::clamp(at.x(), -kFarOutside, kFarOutside),
+                         std::clamp(at.y(), -kFarOutside, kFarOutside)});
         }
         painter.save();
         painter.setRenderHint(QPainter::Antialiasing, false);
@@ -284,18 +316,24 @@ class ImageDevice::Impl {
 ImageDevice::ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch) {
     EnsureApplication();
     if (width < 1 || height < 1 || static_cast<std::int64_t>(width) * height > (std::int64_t{1} << 30)) {
-        AfxThrowInvalidArgException(("Cannot make an image of " + std::to_string(width) + " x " +
-                                     std::to_string(height) + " pixels.")
-                                        .c_str());
+        AfxThrowInvalidArgException(
+            ("Cannot make an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels.")
+                .c_str());
     }
     impl_ = std::make_unique<Impl>(width, height, dotsPerInch, unitsPerInch);
 }
 
 ImageDevice::~ImageDevice() = default;
 
-int ImageDevice::Width() const { return impl_->width; }
-int ImageDevice::Height() const { return impl_->height; }
-const std::uint32_t* ImageDevice::Pixels() const { return impl_->pixels.data(); }
+int ImageDevice::Width() const {
+    return impl_->width;
+}
+int ImageDevice::Height() const {
+    return impl_->height;
+}
+const std::uint32_t* ImageDevice::Pixels() const {
+    return impl_->pixels.data();
+}
 
 void ImageDevice::Clear(COLORREF color, bool opaque) {
     std::fill(impl_->pixels.begin(), impl_->pixels.end(), opaque ? PixelValue(color) : 0);
@@ -308,11 +346,12 @@ void ImageDevice::Save(const char* path, const char* format, int quality) const 
         const std::size_t dot = name.rfind('.');
         ending = dot == std::string::npos ? "" : name.substr(dot + 1);
     }
-    std::transform(ending.begin(), ending.end(), ending.begin(), [](char c) { return static_cast<char>(std::tolower(c)); });
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](char c) { return static_cast<char>(std::tolower(c)); });
     const bool jpeg = ending == "jpg" || ending == "jpeg";
     if (!jpeg && ending != "png") {
-        AfxThrowNotSupportedException(("Cannot write the image \"" + std::string(path) + "\": the format \"" + ending +
-                                       "\" is none of png, jpg.")
+        AfxThrowNotSupportedException(("Cannot write the image \"" + std::string(path) + "\": the format \"" +
+                                       ending + "\" is none of png, jpg.")
                                           .c_str());
     }
     QImage image = impl_->image.copy();
@@ -330,20 +369,32 @@ void ImageDevice::Save(const char* path, const char* format, int quality) const 
 int ImageDevice::Caps(int index) const {
     const auto units = [](int pixels) { return pixels * kSub; };
     switch (index) {
-        case TECHNOLOGY: return DT_RASDISPLAY;
+        case TECHNOLOGY:
+            return DT_RASDISPLAY;
         case LOGPIXELSX:
-        case LOGPIXELSY: return static_cast<int>(std::lround(impl_->unitsPerInch));
-        case HORZRES: return units(impl_->width);
-        case VERTRES: return units(impl_->height);
-        case HORZSIZE: return static_cast<int>(impl_->width / impl_->dotsPerInch * 25.4);
-        case VERTSIZE: return static_cast<int>(impl_->height / impl_->dotsPerInch * 25.4);
-        case BITSPIXEL: return 32;
-        case PLANES: return 1;
-        case NUMCOLORS: return -1;
+        case LOGPIXELSY:
+            return static_cast<int>(std::lround(impl_->unitsPerInch));
+        case HORZRES:
+            return units(impl_->width);
+        case VERTRES:
+            return units(impl_->height);
+        case HORZSIZE:
+            return static_cast<int>(impl_->width / impl_->dotsPerInch * 25.4);
+        case VERTSIZE:
+            return static_cast<int>(impl_->height / impl_->dotsPerInch * 25.4);
+        case BITSPIXEL:
+            return 32;
+        case PLANES:
+            return 1;
+        case NUMCOLORS:
+            return -1;
         case ASPECTX:
-        case ASPECTY: return 36;
-        case ASPECTXY: return 51;
-        default: return 0;
+        case ASPECTY:
+            return 36;
+        case ASPECTXY:
+            return 51;
+        default:
+            return 0;
     }
 }
 
@@ -369,7 +420,8 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     }
 }
 
-void ImageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) {
+void ImageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                           std::span<const int> counts) {
     impl_->UseClip(state);
     if (state.brush.lbStyle != BS_NULL) impl_->FillRings(state, points, counts);
     if (state.pen.lopnStyle == PS_NULL) return;
@@ -383,14 +435,16 @@ void ImageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> p
     }
 }
 
-void ImageDevice::FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) {
+void ImageDevice::FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                           DWORD operation) {
     if (brush.lbStyle == BS_NULL && (operation == PATCOPY || operation == PATINVERT)) return;
     CRect units = state.map.ToDevice(rect);
     units.NormalizeRect();
     const CRect box(PixelOf(units.left), PixelOf(units.top), PixelOf(units.right), PixelOf(units.bottom));
     impl_->UseClip(state);
     CRect seen;
-    if (seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height))) impl_->FillBox(state, seen, brush, operation);
+    if (seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height)))
+        impl_->FillBox(state, seen, brush, operation);
 }
 
 void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
@@ -398,9 +452,11 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     box.NormalizeRect();
     impl_->UseClip(state);
     const double scale = kSub;
-    const QRectF shape(box.left / scale, box.top / scale, (box.Width() - 1) / scale, (box.Height() - 1) / scale);
+    const QRectF shape(box.left / scale, box.top / scale, (box.Width() - 1) / scale,
+                       (box.Height() - 1) / scale);
     const double limit = kFarOutside;
-    if (state.brush.lbStyle != BS_NULL && std::fabs(shape.left()) < limit && std::fabs(shape.right()) < limit) {
+    if (state.brush.lbStyle != BS_NULL && std::fabs(shape.left()) < limit &&
+        std::fabs(shape.right()) < limit) {
         impl_->PaintShape(state, [&] { impl_->painter.drawEllipse(shape); });
     }
     if (state.pen.lopnStyle == PS_NULL) return;
@@ -414,19 +470,26 @@ void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan>
     DrawSpans(impl_->painter, state, spans, kSub);
 }
 
-CSize ImageDevice::TextExtent(const GraphicsState& state, std::string_view text) { return qt::TextExtent(state, text); }
+CSize ImageDevice::TextExtent(const GraphicsState& state, std::string_view text) {
+    return qt::TextExtent(state, text);
+}
 std::vector<int> ImageDevice::PrefixExtents(const GraphicsState& state, std::string_view text,
                                             std::span<const std::size_t> ends) {
     return qt::PrefixExtents(state, text, ends);
 }
-TEXTMETRIC ImageDevice::TextMetrics(const GraphicsState& state) { return qt::TextMetrics(state); }
+TEXTMETRIC ImageDevice::TextMetrics(const GraphicsState& state) {
+    return qt::TextMetrics(state);
+}
 
 COLORREF ImageDevice::GetPixel(const CPoint& devicePoint) {
     const int x = PixelOf(devicePoint.x);
     const int y = PixelOf(devicePoint.y);
     if (x < 0 || y < 0 || x >= impl_->width || y >= impl_->height) return CLR_INVALID;
-    const std::uint32_t value = impl_->pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(impl_->width) + static_cast<std::size_t>(x)];
-    return RGB(static_cast<int>(value >> 16 & 0xFF), static_cast<int>(value >> 8 & 0xFF), static_cast<int>(value & 0xFF));
+    const std::uint32_t value =
+        impl_->pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(impl_->width) +
+                      static_cast<std::size_t>(x)];
+    return RGB(static_cast<int>(value >> 16 & 0xFF), static_cast<int>(value >> 8 & 0xFF),
+               static_cast<int>(value & 0xFF));
 }
 
 }  // namespace zel::qt

@@ -1,11 +1,10 @@
-#include <zel/qt/Install.h>
+#include "backends/qt/Application.h"
+#include "backends/qt/FileDevices.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/Platform.h>
 #include <zel/qt/ImageDevice.h>
-
-#include "backends/qt/Application.h"
-#include "backends/qt/FileDevices.h"
+#include <zel/qt/Install.h>
 
 namespace zel::qt {
 namespace {
@@ -18,20 +17,32 @@ class ScreenLikeDevice : public MeasuringDevice {
     ScreenLikeDevice() { EnsureApplication(); }
     int Caps(int index) const override {
         switch (index) {
-            case TECHNOLOGY: return DT_RASDISPLAY;
+            case TECHNOLOGY:
+                return DT_RASDISPLAY;
             case LOGPIXELSX:
-            case LOGPIXELSY: return kScreenDotsPerInch;
-            case HORZRES: return 1920;
-            case VERTRES: return 1080;
-            case HORZSIZE: return 508;
-            case VERTSIZE: return 285;
-            case BITSPIXEL: return 32;
-            case PLANES: return 1;
-            case NUMCOLORS: return -1;
+            case LOGPIXELSY:
+                return kScreenDotsPerInch;
+            case HORZRES:
+                return 1920;
+            case VERTRES:
+                return 1080;
+            case HORZSIZE:
+                return 508;
+            case VERTSIZE:
+                return 285;
+            case BITSPIXEL:
+                return 32;
+            case PLANES:
+                return 1;
+            case NUMCOLORS:
+                return -1;
             case ASPECTX:
-            case ASPECTY: return 36;
-            case ASPECTXY: return 51;
-            default: return 0;
+            case ASPECTY:
+                return 36;
+            case ASPECTXY:
+                return 51;
+            default:
+                return 0;
         }
     }
     void Polyline(const GraphicsState&, const CPoint*, std::size_t) override {}
@@ -60,8 +71,8 @@ class QtPlatform : public Platform {
         if (options.format == "png" || options.format == "jpg" || options.format == "jpeg") {
             return CreateImageFileDevice(options);
         }
-        AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": the format \"" + options.format +
-                                       "\" is none of png, jpg, pdf, svg.")
+        AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": the format \"" +
+                                       options.format + "\" is none of png, jpg, pdf, svg.")
                                           .c_str());
     }
 };

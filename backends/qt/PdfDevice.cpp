@@ -1,3 +1,11 @@
+#include "backends/qt/Application.h"
+#include "backends/qt/FileDevices.h"
+#include "backends/qt/Fonts.h"
+#include "backends/qt/Hatch.h"
+
+#include <zel/platform/Exception.h>
+#include <zel/platform/SafeFile.h>
+
 #include <QFile>
 #include <QPageLayout>
 #include <QPainter>
@@ -7,19 +15,11 @@
 #include <cerrno>
 #include <cmath>
 
-#include <zel/platform/Exception.h>
-#include <zel/platform/SafeFile.h>
-
-#include "backends/qt/Application.h"
-#include "backends/qt/FileDevices.h"
-#include "backends/qt/Fonts.h"
-#include "backends/qt/Hatch.h"
-
 namespace zel::qt {
 namespace {
 
 constexpr int kResolution = kPdfUnitsPerInch;
-constexpr double kHairline = 0.18 / 72 * kResolution;  // a line of width 0: the thinnest that prints well
+constexpr double kHairline = 0.18 / 72 * kResolution;     // a line of width 0: the thinnest that prints well
 constexpr double kHatchSpacing = 8.0 / 96 * kResolution;  // the platform's 8 pixels on a screen
 constexpr double kFarOutside = 1e7;
 
@@ -29,7 +29,8 @@ class PdfDevice : public MeasuringDevice {
     explicit PdfDevice(const FileDeviceOptions& options)
         : options_(options), file_(options.path), writer_(QString::fromStdString(file_.TemporaryPath())) {
         writer_.setResolution(kResolution);
-        const QPageSize size(QSizeF(options.width, options.height), QPageSize::Inch, QString(), QPageSize::ExactMatch);
+        const QPageSize size(QSizeF(options.width, options.height), QPageSize::Inch, QString(),
+                             QPageSize::ExactMatch);
         writer_.setPageLayout(QPageLayout(size, QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
         writer_.setTitle(QString::fromStdString(options.title));
         writer_.setCreator("Zel");
@@ -54,20 +55,30 @@ class PdfDevice : public MeasuringDevice {
 
     int Caps(int index) const override {
         switch (index) {
-            case TECHNOLOGY: return DT_RASPRINTER;
+            case TECHNOLOGY:
+                return DT_RASPRINTER;
             case LOGPIXELSX:
             case LOGPIXELSY:
-                return static_cast<int>(std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
+                return static_cast<int>(
+                    std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
             case HORZRES:
-            case PHYSICALWIDTH: return Units(options_.width);
+            case PHYSICALWIDTH:
+                return Units(options_.width);
             case VERTRES:
-            case PHYSICALHEIGHT: return Units(options_.height);
-            case HORZSIZE: return static_cast<int>(options_.width * 25.4);
-            case VERTSIZE: return static_cast<int>(options_.height * 25.4);
-            case BITSPIXEL: return 24;
-            case PLANES: return 1;
-            case NUMCOLORS: return -1;
-            default: return 0;
+            case PHYSICALHEIGHT:
+                return Units(options_.height);
+            case HORZSIZE:
+                return static_cast<int>(options_.width * 25.4);
+            case VERTSIZE:
+                return static_cast<int>(options_.height * 25.4);
+            case BITSPIXEL:
+                return 24;
+            case PLANES:
+                return 1;
+            case NUMCOLORS:
+                return -1;
+            default:
+                return 0;
         }
     }
 
@@ -81,14 +92,16 @@ class PdfDevice : public MeasuringDevice {
         painter_.drawPolyline(line_);
     }
 
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override {
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override {
         UseClip(state);
         QPainterPath path;
         path.setFillRule(state.polygonFillMode == WINDING ? Qt::WindingFill : Qt::OddEvenFill);
         std::size_t begin = 0;
         for (const int count : counts) {
             QPolygonF ring;
-            for (const CPoint& p : points.subspan(begin, static_cast<std::size_t>(count))) ring.append(At(state, p));
+            for (const CPoint& p : points.subspan(begin, static_cast<std::size_t>(count)))
+                ring.append(At(state, p));
             begin += static_cast<std::size_t>(count);
             path.addPolygon(ring);
             path.closeSubpath();
@@ -96,7 +109,8 @@ class PdfDevice : public MeasuringDevice {
         Paint(state, path);
     }
 
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override {
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override {
         if (operation == DSTINVERT || operation == PATINVERT) return;
         UseClip(state);
         CRect box = state.map.ToDevice(rect);
@@ -131,19 +145,21 @@ class PdfDevice : public MeasuringDevice {
 
     QPointF At(const GraphicsState& state, const CPoint& p) const {
         const CPoint at = state.map.ToDevice(p);
-        return {std::clamp<double>(at.x, -kFarOutside, kFarOutside), std::clamp<double>(at.y, -kFarOutside, kFarOutside)};
+        return {std::clamp<double>(at.x, -kFarOutside, kFarOutside),
+                std::clamp<double>(at.y, -kFarOutside, kFarOutside)};
     }
 
     void FillPage() {
         if (!options_.opaqueBackground || options_.background == RGB(255, 255, 255)) return;
-        painter_.fillRect(QRectF(0, 0, Units(options_.width), Units(options_.height)), ColorOf(options_.background));
+        painter_.fillRect(QRectF(0, 0, Units(options_.width), Units(options_.height)),
+                          ColorOf(options_.background));
     }
 
     // The writer itself does not say when the disk is full.
     void CheckWritten() {
         QFile written(QString::fromStdString(file_.TemporaryPath()));
-        const bool whole = written.open(QIODevice::ReadOnly) && written.size() > 32 && written.seek(written.size() - 32) &&
-                           written.readAll().contains("%%EOF");
+        const bool whole = written.open(QIODevice::ReadOnly) && written.size() > 32 &&
+                           written.seek(written.size() - 32) && written.readAll().contains("%%EOF");
         if (!whole) ThrowFileError("write", options_.path.c_str(), ENOSPC);
     }
 
@@ -157,20 +173,26 @@ class PdfDevice : public MeasuringDevice {
             return;
         }
         QPainterPath path;
-        for (const CRect& rect : clip_->Rects()) path.addRect(QRectF(rect.left, rect.top, rect.Width(), rect.Height()));
+        for (const CRect& rect : clip_->Rects())
+            path.addRect(QRectF(rect.left, rect.top, rect.Width(), rect.Height()));
         painter_.setClipPath(path);
     }
 
     void UsePen(const GraphicsState& state) {
-        const double width = state.pen.lopnWidth.x == 0 ? kHairline : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
-        if (penSet_ && width == width_ && state.pen.lopnColor == color_ && state.pen.lopnStyle == style_) return;
+        const double width = state.pen.lopnWidth.x == 0
+                                 ? kHairline
+                                 : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
+        if (penSet_ && width == width_ && state.pen.lopnColor == color_ && state.pen.lopnStyle == style_)
+            return;
         width_ = width;
         color_ = state.pen.lopnColor;
         style_ = state.pen.lopnStyle;
         penSet_ = true;
-        static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine, Qt::DashDotLine,
-                                                   Qt::DashDotDotLine, Qt::NoPen, Qt::SolidLine};
-        painter_.setPen(QPen(ColorOf(color_), width, kStyles[std::min<UINT>(style_, 6)], Qt::RoundCap, Qt::RoundJoin));
+        static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine,
+                                                   Qt::DashDotLine, Qt::DashDotDotLine, Qt::NoPen,
+                                                   Qt::SolidLine};
+        painter_.setPen(
+            QPen(ColorOf(color_), width, kStyles[std::min<UINT>(style_, 6)], Qt::RoundCap, Qt::RoundJoin));
     }
 
     void Paint(const GraphicsState& state, const QPainterPath& path) {
@@ -186,7 +208,8 @@ class PdfDevice : public MeasuringDevice {
         if (state.backgroundMode == OPAQUE) painter_.fillPath(path, ColorOf(state.backgroundColor));
         painter_.setClipPath(path, Qt::IntersectClip);
         painter_.setPen(QPen(ColorOf(state.brush.lbColor), kHairline * 4));
-        for (const QLineF& line : HatchLines(state.brush.lbHatch, path.boundingRect(), kHatchSpacing)) painter_.drawLine(line);
+        for (const QLineF& line : HatchLines(state.brush.lbHatch, path.boundingRect(), kHatchSpacing))
+            painter_.drawLine(line);
         painter_.restore();
     }
 

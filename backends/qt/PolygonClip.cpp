@@ -36,8 +36,8 @@ QPolygonF CutAtY(const QPolygonF& ring, double y, bool keepBelow) {
 
 QPolygonF ClippedTo(const QPolygonF& ring, const QRectF& box) {
     if (box.contains(ring.boundingRect())) return ring;
-    return CutAtY(CutAtY(CutAtX(CutAtX(ring, box.left(), true), box.right(), false), box.top(), true), box.bottom(),
-                  false);
+    return CutAtY(CutAtY(CutAtX(CutAtX(ring, box.left(), true), box.right(), false), box.top(), true),
+                  box.bottom(), false);
 }
 
 }  // namespace zel::qt

@@ -15,11 +15,14 @@ bool ClipTo(PointF& a, PointF& b, double left, double top, double right, double 
     const auto cut = [&](double p, double q) {
         if (p == 0) return q >= 0;
         const double t = q / p;
-        if (p < 0) begin = std::max(begin, t);
-        else end = std::min(end, t);
+        if (p < 0)
+            begin = std::max(begin, t);
+        else
+            end = std::min(end, t);
         return begin <= end;
     };
-    if (!cut(-dx, a.x - left) || !cut(dx, right - a.x) || !cut(-dy, a.y - top) || !cut(dy, bottom - a.y)) return false;
+    if (!cut(-dx, a.x - left) || !cut(dx, right - a.x) || !cut(-dy, a.y - top) || !cut(dy, bottom - a.y))
+        return false;
     const PointF start = a;
     if (end < 1) b = {start.x + end * dx, start.y + end * dy};
     if (begin > 0) a = {start.x + begin * dx, start.y + begin * dy};
@@ -29,9 +32,13 @@ bool ClipTo(PointF& a, PointF& b, double left, double top, double right, double 
 }  // namespace
 
 Stroker::Stroker(int width, int height)
-    : width_(width), height_(height), stride_((width + kWord - 1) / kWord * kWord),
+    : width_(width),
+      height_(height),
+      stride_((width + kWord - 1) / kWord * kWord),
       mask_(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height)),
-      rows_(static_cast<std::size_t>(height), RowSpan{width, -1}), top_(height), bottom_(-1) {}
+      rows_(static_cast<std::size_t>(height), RowSpan{width, -1}),
+      top_(height),
+      bottom_(-1) {}
 
 void Stroker::Add(PointF a, PointF b, double halfWidth) {
     const double reach = halfWidth + 1;
@@ -49,7 +56,9 @@ constexpr int kLanes = 4;  // pixels computed at once
 using Floats = float __attribute__((vector_size(kLanes * sizeof(float))));
 using Ints = int __attribute__((vector_size(kLanes * sizeof(int))));
 
-Floats All(float value) { return Floats{value, value, value, value}; }
+Floats All(float value) {
+    return Floats{value, value, value, value};
+}
 Floats Clamp01(const Floats& v) {
     const Floats positive = v > All(0) ? v : All(0);
     return positive < All(1) ? positive : All(1);
@@ -60,7 +69,9 @@ struct Segment {
     float x, y, dx, dy, inverseSquare;
 
     Segment(const PointF& a, const PointF& b)
-        : x(static_cast<float>(a.x)), y(static_cast<float>(a.y)), dx(static_cast<float>(b.x - a.x)),
+        : x(static_cast<float>(a.x)),
+          y(static_cast<float>(a.y)),
+          dx(static_cast<float>(b.x - a.x)),
           dy(static_cast<float>(b.y - a.y)) {
         const float square = dx * dx + dy * dy;
         inverseSquare = square > 0 ? 1 / square : 0;
@@ -165,7 +176,8 @@ void Stroker::Blend(const PixelBuffer& target, std::uint32_t color, const std::v
         if (span.first > span.last) continue;
         for (const CRect& clip : clips) {
             if (y < clip.top || y >= clip.bottom) continue;
-            BlendRow(target, color, y, std::max<int>(span.first, clip.left), std::min<int>(span.last + 1, clip.right));
+            BlendRow(target, color, y, std::max<int>(span.first, clip.left),
+                     std::min<int>(span.last + 1, clip.right));
         }
         std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
         std::memset(mask + span.first, 0, static_cast<std::size_t>(span.last + 1 - span.first));

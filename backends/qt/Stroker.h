@@ -1,10 +1,10 @@
 // Antialiased lines.
 #pragma once
 
+#include <zel/platform/Geometry.h>
+
 #include <cstdint>
 #include <vector>
-
-#include <zel/platform/Geometry.h>
 
 namespace zel::qt {
 
@@ -20,10 +20,10 @@ struct PointF {
     double y;
 };
 
-// Draws polylines with round ends and joins. All segments of a line are gathered in a coverage mask, the larger
-// coverage of a pixel counting, and the colour is blended through the mask once: joints and crossings of a line with
-// itself do not become darker. The coverage of a pixel is the line's half width plus a half, less the distance of the
-// pixel's centre from the segment's axis, between 0 and 1.
+// Draws polylines with round ends and joins. All segments of a line are gathered in a coverage mask, the
+// larger coverage of a pixel counting, and the colour is blended through the mask once: joints and crossings
+// of a line with itself do not become darker. The coverage of a pixel is the line's half width plus a half,
+// less the distance of the pixel's centre from the segment's axis, between 0 and 1.
 class Stroker {
   public:
     Stroker(int width, int height);

@@ -1,16 +1,16 @@
+#include "backends/qt/Application.h"
+#include "backends/qt/FileDevices.h"
+#include "backends/qt/Fonts.h"
+#include "backends/qt/Hatch.h"
+
+#include <zel/platform/Exception.h>
+#include <zel/platform/SafeFile.h>
+
 #include <QBuffer>
 #include <QXmlStreamWriter>
 
 #include <cmath>
 #include <string>
-
-#include <zel/platform/Exception.h>
-#include <zel/platform/SafeFile.h>
-
-#include "backends/qt/Application.h"
-#include "backends/qt/FileDevices.h"
-#include "backends/qt/Fonts.h"
-#include "backends/qt/Hatch.h"
 
 namespace zel::qt {
 namespace {
@@ -19,7 +19,9 @@ constexpr int kResolution = kSvgUnitsPerInch;
 constexpr double kHairline = 0.5 / 96 * kResolution;
 constexpr double kHatchSpacing = 8.0 / 96 * kResolution;
 
-QString Number(double value) { return QString::number(std::round(value * 100) / 100, 'g', 12); }
+QString Number(double value) {
+    return QString::number(std::round(value * 100) / 100, 'g', 12);
+}
 
 QString HexColor(COLORREF color) {
     return QString::asprintf("#%02x%02x%02x", GetRValue(color), GetGValue(color), GetBValue(color));
@@ -66,18 +68,28 @@ class SvgDevice : public MeasuringDevice {
 
     int Caps(int index) const override {
         switch (index) {
-            case TECHNOLOGY: return DT_RASDISPLAY;
+            case TECHNOLOGY:
+                return DT_RASDISPLAY;
             case LOGPIXELSX:
             case LOGPIXELSY:
-                return static_cast<int>(std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
-            case HORZRES: return static_cast<int>(Units(options_.width));
-            case VERTRES: return static_cast<int>(Units(options_.height));
-            case HORZSIZE: return static_cast<int>(options_.width * 25.4);
-            case VERTSIZE: return static_cast<int>(options_.height * 25.4);
-            case BITSPIXEL: return 24;
-            case PLANES: return 1;
-            case NUMCOLORS: return -1;
-            default: return 0;
+                return static_cast<int>(
+                    std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
+            case HORZRES:
+                return static_cast<int>(Units(options_.width));
+            case VERTRES:
+                return static_cast<int>(Units(options_.height));
+            case HORZSIZE:
+                return static_cast<int>(options_.width * 25.4);
+            case VERTSIZE:
+                return static_cast<int>(options_.height * 25.4);
+            case BITSPIXEL:
+                return 24;
+            case PLANES:
+                return 1;
+            case NUMCOLORS:
+                return -1;
+            default:
+                return 0;
         }
     }
 
@@ -90,7 +102,8 @@ class SvgDevice : public MeasuringDevice {
         WriteStroke(state);
     }
 
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override {
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override {
         UseClip(state);
         QString path;
         std::size_t begin = 0;
@@ -105,7 +118,8 @@ class SvgDevice : public MeasuringDevice {
         WriteShape(state, fill);
     }
 
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override {
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override {
         if (operation == DSTINVERT || operation == PATINVERT) return;
         UseClip(state);
         CRect box = state.map.ToDevice(rect);
@@ -176,8 +190,9 @@ class SvgDevice : public MeasuringDevice {
     }
 
     void WriteStroke(const GraphicsState& state) {
-        const double width =
-            state.pen.lopnWidth.x == 0 ? kHairline : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
+        const double width = state.pen.lopnWidth.x == 0
+                                 ? kHairline
+                                 : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
         xml_.writeAttribute("stroke", HexColor(state.pen.lopnColor));
         xml_.writeAttribute("stroke-width", Number(width));
         static constexpr const char* kDashes[] = {nullptr, "18 6", "3 3", "9 6 3 6", "9 3 3 3 3 3"};
@@ -256,10 +271,12 @@ class SvgDevice : public MeasuringDevice {
         xml_.writeAttribute("x", Number(at.x + offset.x));
         xml_.writeAttribute("y", Number(at.y + offset.y));
         if (state.font.lfEscapement % 3600 != 0) {
-            xml_.writeAttribute("transform", "rotate(" + Number(-state.font.lfEscapement / 10.0) + " " + x + " " + y + ")");
+            xml_.writeAttribute(
+                "transform", "rotate(" + Number(-state.font.lfEscapement / 10.0) + " " + x + " " + y + ")");
         }
         const QString face = QString::fromUtf8(state.font.lfFaceName);
-        xml_.writeAttribute("font-family", face + (face == "Arial" ? ", Liberation Sans, sans-serif" : ", sans-serif"));
+        xml_.writeAttribute("font-family",
+                            face + (face == "Arial" ? ", Liberation Sans, sans-serif" : ", sans-serif"));
         xml_.writeAttribute("font-size", Number(em));
         if (state.font.lfWeight >= 600) xml_.writeAttribute("font-weight", "bold");
         if (state.font.lfItalic) xml_.writeAttribute("font-style", "italic");

@@ -1,16 +1,17 @@
 // Named fill colours.
 #pragma once
 
-#include <memory>
-
 #include <zel/ToolTableOf.h>
 #include <zel/platform/GdiObjects.h>
 #include <zel/platform/Geometry.h>
 
+#include <memory>
+
 class Zel2;
 
-// A fill colour with a screen and a printer value. While it is open it keeps a solid brush of the colour in use and
-// fills shapes without an outline; closed, every fill does nothing. All coordinates are logical units.
+// A fill colour with a screen and a printer value. While it is open it keeps a solid brush of the colour in
+// use and fills shapes without an outline; closed, every fill does nothing. All coordinates are logical
+// units.
 class DrawColor : public DrawTool {
     DECLARE_SERIAL(DrawColor)
   public:
@@ -35,8 +36,8 @@ class DrawColor : public DrawTool {
     void PrnColor(COLORREF color) { print_ = color; }
     // The colour in use: the printer colour when the printer flag is set, else the screen colour.
     COLORREF GetColor() const { return Printing() ? print_ : screen_; }
-    // Sets the colour in use. A new value drops the brush, and until the next OpenOn fills use whatever brush the
-    // context has.
+    // Sets the colour in use. A new value drops the brush, and until the next OpenOn fills use whatever brush
+    // the context has.
     void SetColor(COLORREF color);
     CDC* GetDC() const { return Dc(); }
     void Select() {}
@@ -50,8 +51,8 @@ class DrawColor : public DrawTool {
     void Ellipse(const CRect& rect);
     void Polygon(CPoint* points, int n);
     void PolyPolygon(CPoint* points, int* counts, int nPolys);
-    // Several rings in one run of points, each closed by repeating its first point; what follows the last closing
-    // point is not drawn.
+    // Several rings in one run of points, each closed by repeating its first point; what follows the last
+    // closing point is not drawn.
     void PolyPolygon(CPoint* points, int n);
     // A polygon in the world coordinates of the graph that `obj` stands in; nothing outside a graph.
     void Polygon(Zel2* obj, double* x, double* y, int n);

@@ -5,20 +5,20 @@
 #include <zel/platform/GdiObjects.h>
 #include <zel/platform/Geometry.h>
 
-// A font: a face, a size in tenths of a point, attributes, and a screen and a printer text colour. It sizes itself to
-// the context and the output scale, and writes lines of text (UTF-8) at any angle, character by character along the
-// baseline, so that rotated text keeps its proportions.
+// A font: a face, a size in tenths of a point, attributes, and a screen and a printer text colour. It sizes
+// itself to the context and the output scale, and writes lines of text (UTF-8) at any angle, character by
+// character along the baseline, so that rotated text keeps its proportions.
 //
-// One platform font serves all fonts of a thread: the last selection is remembered, and text in the same font, angle,
-// context and scale reuses it.
+// One platform font serves all fonts of a thread: the last selection is remembered, and text in the same
+// font, angle, context and scale reuses it.
 class DrawFont : public DrawTool {
     DECLARE_SERIAL(DrawFont)
   public:
     // Arial, 12 point, black.
     DrawFont();
     // `face` is cut to 31 bytes. `bold` selects weight 700, else 400.
-    DrawFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline, int strikeOut,
-             COLORREF scr, COLORREF prn);
+    DrawFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
+             int strikeOut, COLORREF scr, COLORREF prn);
     // Keeps the other's context, but has no platform font.
     DrawFont(const DrawFont& other);
     DrawFont& operator=(const DrawFont& other);
@@ -28,7 +28,8 @@ class DrawFont : public DrawTool {
     DrawTool* ACopy() const override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
-    // The platform's font dialog belongs to the window layer; until it is there, nothing is edited, as in the base.
+    // The platform's font dialog belongs to the window layer; until it is there, nothing is edited, as in the
+    // base.
     void Edit() override;
     // Name, log font (60 bytes), size, angle, screen colour, printer colour.
     void Serialize(CArchive& ar) override;
@@ -54,9 +55,11 @@ class DrawFont : public DrawTool {
     // Writes lines (separated by "\n" or "\r\n") at a logical point, turned by `angle` tenths of a degree
     // counter-clockwise. DT_CENTER and DT_RIGHT place each line, DT_VCENTER and DT_BOTTOM the block.
     void Print(const char* text, const CPoint& pt, int angle, unsigned flags);
-    // The same at the side or corner of `r` that the flags name, without rotation; with no flag in y at the bottom.
+    // The same at the side or corner of `r` that the flags name, without rotation; with no flag in y at the
+    // bottom.
     void Print(const char* text, CRect& r, unsigned flags);
-    // Formatted into a rectangle by the platform's rules, DT_VCENTER and DT_BOTTOM working for several lines too.
+    // Formatted into a rectangle by the platform's rules, DT_VCENTER and DT_BOTTOM working for several lines
+    // too.
     void DrawText(const char* text, RECT* r, unsigned flags);
 
     // The selection that consecutive texts of this thread share.

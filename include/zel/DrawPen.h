@@ -1,35 +1,44 @@
 // Named line tools.
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <cstdint>
-#include <memory>
-
 #include <zel/ToolTableOf.h>
 #include <zel/WorldFrame.h>
 #include <zel/platform/GdiObjects.h>
 #include <zel/platform/Geometry.h>
 
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
 class Zel2;
 
 // A line style: a dash pattern and a width in tenths of a millimetre, and a screen and a printer colour.
 //
-// Dashes are walked by the pen itself with a solid platform pen, so that they keep their physical length at any zoom,
-// on any device and at any width, and run on from one segment of a polyline to the next. Lines in the coordinates of
-// a graph are clipped to the graph's world limits. Without a context every drawing operation does nothing.
+// Dashes are walked by the pen itself with a solid platform pen, so that they keep their physical length at
+// any zoom, on any device and at any width, and run on from one segment of a polyline to the next. Lines in
+// the coordinates of a graph are clipped to the graph's world limits. Without a context every drawing
+// operation does nothing.
 class DrawPen : public DrawTool {
     DECLARE_SERIAL(DrawPen)
   public:
-    enum StyleCode { SOLID = 0, DASH = 1, DOT = 2, DASH_DOT = 3, DASH_DOT_DOT = 4, NONE = 5, USER_DEFINED = -1 };
+    enum StyleCode {
+        SOLID = 0,
+        DASH = 1,
+        DOT = 2,
+        DASH_DOT = 3,
+        DASH_DOT_DOT = 4,
+        NONE = 5,
+        USER_DEFINED = -1
+    };
     static constexpr int kPatternSize = 20;
     // The names of the styles, codes 0 to 5 and then -1.
     static const std::array<const char*, 7> kStyleNames;
 
     // A solid black pen of 0.2 mm.
     DrawPen();
-    // `width` in tenths of a millimetre, 0 for the thinnest line of the device. `pattern` is read (20 entries) only
-    // for style -1; an unknown style is solid.
+    // `width` in tenths of a millimetre, 0 for the thinnest line of the device. `pattern` is read (20
+    // entries) only for style -1; an unknown style is solid.
     DrawPen(const char* name, int style, int width, COLORREF scr, COLORREF prn, int* pattern);
     DrawPen(const DrawPen& other);
     DrawPen& operator=(const DrawPen& other);
@@ -42,13 +51,14 @@ class DrawPen : public DrawTool {
     void Serialize(CArchive& ar) override;
 
     int Style() const { return style_; }
-    // Installs the pattern of the style, restarts the dashes and drops the platform pen until the next OpenOn.
+    // Installs the pattern of the style, restarts the dashes and drops the platform pen until the next
+    // OpenOn.
     void Style(int style);
     int Width() const { return width_; }
     // Takes effect at the next OpenOn.
     void Width(int width) { width_ = width; }
-    // 20 entries in tenths of a millimetre, dashes and gaps in turn; the first entry below 1 ends the pattern. The
-    // array may be written to.
+    // 20 entries in tenths of a millimetre, dashes and gaps in turn; the first entry below 1 ends the
+    // pattern. The array may be written to.
     int* Pattern() { return pattern_.data(); }
     void Pattern(int* pattern);
 
@@ -67,8 +77,8 @@ class DrawPen : public DrawTool {
     // Graph coordinates of the graph that `obj` stands in. A coordinate that is not finite makes a gap.
     void MoveTo(Zel2* obj, double x, double y);
     void LineTo(Zel2* obj, double x, double y);
-    // `n` lines in graph coordinates at once: what LineTo(obj, x[i], y[i]) one after another would draw for an
-    // object that is mapped by `frame`, at a fraction of the cost.
+    // `n` lines in graph coordinates at once: what LineTo(obj, x[i], y[i]) one after another would draw for
+    // an object that is mapped by `frame`, at a fraction of the cost.
     void LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n);
     // Sets the point from which the next line in graph coordinates starts, and the current point, without the
     // clipping of a line.
@@ -78,10 +88,11 @@ class DrawPen : public DrawTool {
     // The outline of an ellipse, solid whatever the style.
     void Ellipse(const CRect& rect);
 
-    // A fast estimate of the length of (dx, dy): the larger side, or 1.3 times it where the smaller is over half.
+    // A fast estimate of the length of (dx, dy): the larger side, or 1.3 times it where the smaller is over
+    // half.
     static int Length(int dx, int dy) { return zel::Saturate(LengthOf(dx, dy)); }
-    // Clips a segment to a rectangle, in place; 0 when nothing is left (the start may have moved then). A point on a
-    // bound counts as outside.
+    // Clips a segment to a rectangle, in place; 0 when nothing is left (the start may have moved then). A
+    // point on a bound counts as outside.
     static int Clip(double& x1, double& y1, double& x2, double& y2, double xmin, double ymin, double xmax,
                     double ymax);
 
@@ -106,7 +117,8 @@ class DrawPen : public DrawTool {
     int LogicalInch() const;
     void DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* obj, double x, double y);
 
-    void DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y, std::size_t n);
+    void DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
+                   std::size_t n);
 
     struct WorldPoint {
         double x = 0;

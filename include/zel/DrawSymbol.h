@@ -1,11 +1,11 @@
 // Named plotting symbols.
 #pragma once
 
-#include <vector>
-
 #include <zel/DrawSymbolKind.h>
 #include <zel/ToolTableOf.h>
 #include <zel/platform/Geometry.h>
+
+#include <vector>
 
 class DrawColor;
 class DrawFont;
@@ -14,9 +14,9 @@ class Zel2;
 
 // A marker drawn centred on a point: a shape, filled and outlined, with an optional short label.
 //
-// A symbol holds the data of its colour, pen and font, not the tools: on first use in a drawing it registers them in
-// that drawing's tables under names derived from its own ("<name> - Background", " - Border Line", " - Symbol Text"),
-// unless tools of those names are there, and remembers their indexes.
+// A symbol holds the data of its colour, pen and font, not the tools: on first use in a drawing it registers
+// them in that drawing's tables under names derived from its own ("<name> - Background", " - Border Line", "
+// - Symbol Text"), unless tools of those names are there, and remembers their indexes.
 class DrawSymbol : public DrawTool {
     DECLARE_SERIAL(DrawSymbol)
   public:
@@ -24,11 +24,11 @@ class DrawSymbol : public DrawTool {
 
     // A black circle without a size.
     DrawSymbol() = default;
-    // `size` in world units; a width of 0 is set on first use. Pen width in tenths of a millimetre, font size in
-    // tenths of a point. `xs` and `ys` (`n` vertices in percent of the size) are read for type 99 only.
+    // `size` in world units; a width of 0 is set on first use. Pen width in tenths of a millimetre, font size
+    // in tenths of a point. `xs` and `ys` (`n` vertices in percent of the size) are read for type 99 only.
     DrawSymbol(const char* name, CSize size, SYMBOL type, const char* text, int penWidth, COLORREF penScr,
-               COLORREF penPrn, COLORREF brushScr, COLORREF brushPrn, int border, const char* face, int fontSize,
-               COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys, int n);
+               COLORREF penPrn, COLORREF brushScr, COLORREF brushPrn, int border, const char* face,
+               int fontSize, COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys, int n);
     DrawSymbol(const DrawSymbol& other);
     DrawSymbol& operator=(const DrawSymbol& other);
     DrawTool& operator=(const DrawTool& other) override;
@@ -65,8 +65,8 @@ class DrawSymbol : public DrawTool {
     void PlotOn(Zel2* obj, CPoint pt);
     // Draws at a point of the graph that `obj` stands in, if the graph's range contains it (limits included).
     void PlotOn(Zel2* obj, double x, double y);
-    // Takes over shape, size, label, colours, border and face, not the name or the pen width. The tools are looked
-    // up again.
+    // Takes over shape, size, label, colours, border and face, not the name or the pen width. The tools are
+    // looked up again.
     void CopyFrom(const DrawSymbol* other);
 
   private:
@@ -113,5 +113,6 @@ class DrawSymbolTable : public zel::ToolTableOf<DrawSymbol> {
 
     int RegisterSymbol(const char* name, CSize size, DrawSymbol::SYMBOL type, const char* text, int penWidth,
                        COLORREF penScr, COLORREF penPrn, COLORREF brushScr, COLORREF brushPrn, int border,
-                       const char* face, int fontSize, COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys, int n);
+                       const char* face, int fontSize, COLORREF fontScr, COLORREF fontPrn, int* xs, int* ys,
+                       int n);
 };

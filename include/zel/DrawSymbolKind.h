@@ -3,7 +3,8 @@
 
 namespace zel {
 
-// Named by what is seen where the y axis of the drawing points up, as it does in a drawing root's own mapping.
+// Named by what is seen where the y axis of the drawing points up, as it does in a drawing root's own
+// mapping.
 enum SymbolKind : int {
     SYMBOL_CIRCLE = 1,
     SYMBOL_SQUARE = 2,

@@ -1,23 +1,23 @@
 // Named drawing tools and the tables that hold them.
 #pragma once
 
-#include <memory>
-#include <string>
-#include <unordered_map>
-#include <vector>
-
 #include <zel/platform/Archive.h>
 #include <zel/platform/Object.h>
 #include <zel/platform/String.h>
 #include <zel/platform/WinTypes.h>
 
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
 class CDC;
 
-// The base of colours, pens, fonts and plotting symbols: a name, a printer flag that chooses between a screen and a
-// printer variant, and the context that the tool is open on.
+// The base of colours, pens, fonts and plotting symbols: a name, a printer flag that chooses between a screen
+// and a printer variant, and the context that the tool is open on.
 //
-// A tool is open between OpenOn and Close; only then may it hold platform objects. Drawing with a closed tool does
-// nothing.
+// A tool is open between OpenOn and Close; only then may it hold platform objects. Drawing with a closed tool
+// does nothing.
 class DrawTool : public CObject {
     DECLARE_SERIAL(DrawTool)
   public:
@@ -64,8 +64,8 @@ class DrawTool : public CObject {
     int scale_ = 0;
 };
 
-// The tools of one kind in a drawing, found by index (dense from 0, never changing once given) or by name. The table
-// owns its tools. The first tool of a name wins: later ones of the same name are discarded.
+// The tools of one kind in a drawing, found by index (dense from 0, never changing once given) or by name.
+// The table owns its tools. The first tool of a name wins: later ones of the same name are discarded.
 class DrawToolTable : public CObject {
     DECLARE_SERIAL(DrawToolTable)
   public:
@@ -76,12 +76,14 @@ class DrawToolTable : public CObject {
     // Replaces the own tools by copies of those of `other`, unopened.
     virtual void CopyFrom(const DrawToolTable* other);
     virtual int Size() const;
-    // Edits the table interactively and answers whether changes were accepted. Tables without an editor answer 0.
+    // Edits the table interactively and answers whether changes were accepted. Tables without an editor
+    // answer 0.
     virtual int Edit();
     virtual DrawToolTable& operator=(const DrawToolTable& other);
 
-    // Takes ownership of `tool` and answers its index. When the name is taken, `tool` is deleted and the index of
-    // the tool that has the name is answered. In an open table the new tool is opened at once. Null answers -1.
+    // Takes ownership of `tool` and answers its index. When the name is taken, `tool` is deleted and the
+    // index of the tool that has the name is answered. In an open table the new tool is opened at once. Null
+    // answers -1.
     int Register(DrawTool* tool);
     // Null when there is no such tool.
     DrawTool* Get(int i) const;

@@ -5,12 +5,13 @@
 #include <zel/platform/Geometry.h>
 #include <zel/platform/Object.h>
 
-// Converts between three integer spaces: world (the units that objects keep their positions in, thousandths of an
-// inch by convention), logical (a rectangle of the output surface, scaled by the zoom) and device (logical plus the
-// device origin). All arithmetic is MulDiv, in a fixed order, so that a position always lands on the same pixel.
+// Converts between three integer spaces: world (the units that objects keep their positions in, thousandths
+// of an inch by convention), logical (a rectangle of the output surface, scaled by the zoom) and device
+// (logical plus the device origin). All arithmetic is MulDiv, in a fixed order, so that a position always
+// lands on the same pixel.
 //
-// No rectangle is normalised: a second corner smaller than the first turns the axis round. A range of width 0, or a
-// zoom of 0, makes the division concerned answer -1 (MulDiv): callers keep the ranges non-empty.
+// No rectangle is normalised: a second corner smaller than the first turns the axis round. A range of width
+// 0, or a zoom of 0, makes the division concerned answer -1 (MulDiv): callers keep the ranges non-empty.
 class Mapping : public CObject {
     DECLARE_SERIAL(Mapping)
   public:
@@ -31,8 +32,9 @@ class Mapping : public CObject {
     void GetDevice(CPoint& org, CSize& ext) const;
     void GetLogical(CPoint& org, CSize& ext) const;
 
-    // Multiplies the zoom by |a| / |b|; a or b of 0 resets it to 1/1. Numerator and denominator are halved until
-    // both are at most 1024, and the zoom is capped at 32/1; it has no floor (halving can bring it to 0).
+    // Multiplies the zoom by |a| / |b|; a or b of 0 resets it to 1/1. Numerator and denominator are halved
+    // until both are at most 1024, and the zoom is capped at 32/1; it has no floor (halving can bring it to
+    // 0).
     void SetZoom(int a, int b);
     // Sets the zoom itself to |a| / |b|, with the same halving and cap.
     void SetAbsoluteZoom(int a, int b);
@@ -46,8 +48,8 @@ class Mapping : public CObject {
     CPoint FromLogical(const CPoint& logical) const;
     CPoint FromDevice(const CPoint& device) const;
 
-    // Extents: origins play no part, and the order of zooming and scaling is the opposite of that of points, so the
-    // result can differ by one unit from the difference of two converted points.
+    // Extents: origins play no part, and the order of zooming and scaling is the opposite of that of points,
+    // so the result can differ by one unit from the difference of two converted points.
     CSize ToLogical(const CSize& world) const;
     CSize ToDevice(const CSize& world) const;
     CSize FromLogical(const CSize& logical) const;
@@ -59,8 +61,8 @@ class Mapping : public CObject {
     CRect FromLogical(const CRect& logical) const;
     CRect FromDevice(const CRect& device) const;
 
-    // The width of the logical rectangle over that of the world rectangle, applied to `length`, for lengths that
-    // are already zoomed (tick marks, symbols).
+    // The width of the logical rectangle over that of the world rectangle, applied to `length`, for lengths
+    // that are already zoomed (tick marks, symbols).
     int ScaleX(int length) const;
     int ScaleY(int length) const;
     // `length` times the zoom.

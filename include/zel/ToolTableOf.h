@@ -5,8 +5,8 @@
 
 namespace zel {
 
-// Adds typed look-ups to the tool table: null when there is no such tool, or when a loaded table holds a tool of
-// another kind at that place.
+// Adds typed look-ups to the tool table: null when there is no such tool, or when a loaded table holds a tool
+// of another kind at that place.
 template <class Tool>
 class ToolTableOf : public DrawToolTable {
   public:

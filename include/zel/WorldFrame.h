@@ -3,8 +3,8 @@
 
 #include <zel/platform/Geometry.h>
 
-// Linear map from graph (world) coordinates to logical ones. A range of width 0 gives NaN or an infinity, which
-// becomes 0 or an end of the integer range.
+// Linear map from graph (world) coordinates to logical ones. A range of width 0 gives NaN or an infinity,
+// which becomes 0 or an end of the integer range.
 struct WorldFrame {
     double xmin = 0;
     double xmax = 0;
@@ -15,8 +15,9 @@ struct WorldFrame {
 
     // Each coordinate is truncated towards zero.
     CPoint ToLogical(double x, double y) const {
-        return {zel::Truncate(lower.x + (x - xmin) / (xmax - xmin) * (static_cast<double>(upper.x) - lower.x)),
-                zel::Truncate(lower.y + (y - ymin) / (ymax - ymin) * (static_cast<double>(upper.y) - lower.y))};
+        return {
+            zel::Truncate(lower.x + (x - xmin) / (xmax - xmin) * (static_cast<double>(upper.x) - lower.x)),
+            zel::Truncate(lower.y + (y - ymin) / (ymax - ymin) * (static_cast<double>(upper.y) - lower.y))};
     }
     // Limits included.
     bool Contains(double x, double y) const { return x >= xmin && x <= xmax && y >= ymin && y <= ymax; }

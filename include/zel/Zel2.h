@@ -24,18 +24,19 @@ class DrawSymbolTable;
 class Mapping;
 class Zel2Selection;
 
-// A drawable object: a link to the parent that holds it, a position relative to that parent, and a status word.
+// A drawable object: a link to the parent that holds it, a position relative to that parent, and a status
+// word.
 //
-// A drawing is a tree. Containers (Zel2Set) own their children; the root (Zel2Main) owns the coordinate mapping and
-// the tool tables. An object draws itself in OnDraw on the context that DC() answers, and finds what it needs
-// (tables, mapping, window, context, scale, printing flag, rules) by asking its parent, and so on up to the first
-// object that knows. Without a parent each question has a harmless answer, stated below.
+// A drawing is a tree. Containers (Zel2Set) own their children; the root (Zel2Main) owns the coordinate
+// mapping and the tool tables. An object draws itself in OnDraw on the context that DC() answers, and finds
+// what it needs (tables, mapping, window, context, scale, printing flag, rules) by asking its parent, and so
+// on up to the first object that knows. Without a parent each question has a harmless answer, stated below.
 //
-// To make a new kind of object, derive from it and override OnDraw; add Size when it covers an area, Serialize
-// and DECLARE_SERIAL when it is to be stored.
+// To make a new kind of object, derive from it and override OnDraw; add Size when it covers an area,
+// Serialize and DECLARE_SERIAL when it is to be stored.
 //
-// Units: positions and sizes are world units, thousandths of an inch with y upwards by convention. Points of mouse
-// operations are device pixels.
+// Units: positions and sizes are world units, thousandths of an inch with y upwards by convention. Points of
+// mouse operations are device pixels.
 class Zel2 : public CObject {
     DECLARE_SERIAL(Zel2)
   public:
@@ -65,24 +66,25 @@ class Zel2 : public CObject {
 
     // A point relative to this object's origin, in logical units; unchanged when there is no mapping.
     virtual CPoint R2L(const CPoint& rel);
-    // A point of the enclosing graph's world coordinates in logical and in drawing units; (0, 0) outside a graph.
+    // A point of the enclosing graph's world coordinates in logical and in drawing units; (0, 0) outside a
+    // graph.
     virtual CPoint F2L(double x, double y);
     virtual CPoint F2R(double x, double y);
 
     // Look-ups; in brackets the answer without a parent.
-    virtual int IsPrinting();                             // [0]
-    virtual DrawColorTable* Colors();                     // [null]
-    virtual DrawFontTable* Fonts();                       // [null]
-    virtual DrawPenTable* Pens();                         // [null]
-    virtual DrawSymbolTable* Symbols();                   // [null]
-    virtual Mapping* Map();                               // [null]
-    virtual CWnd* Window();                               // [null]
-    virtual int Scale();                                  // [1000]
-    virtual CDC* DC();                                    // [null]
-    virtual int GetColorIndex(const char* name);          // [-1]
-    virtual int GetFontIndex(const char* name);           // [-1]
-    virtual int GetPenIndex(const char* name);            // [-1]
-    virtual int GetSymbolIndex(const char* name);         // [-1]
+    virtual int IsPrinting();                      // [0]
+    virtual DrawColorTable* Colors();              // [null]
+    virtual DrawFontTable* Fonts();                // [null]
+    virtual DrawPenTable* Pens();                  // [null]
+    virtual DrawSymbolTable* Symbols();            // [null]
+    virtual Mapping* Map();                        // [null]
+    virtual CWnd* Window();                        // [null]
+    virtual int Scale();                           // [1000]
+    virtual CDC* DC();                             // [null]
+    virtual int GetColorIndex(const char* name);   // [-1]
+    virtual int GetFontIndex(const char* name);    // [-1]
+    virtual int GetPenIndex(const char* name);     // [-1]
+    virtual int GetSymbolIndex(const char* name);  // [-1]
     virtual void ResetClip();
     virtual void SetClipLog(CRgn* region);
 
@@ -91,8 +93,8 @@ class Zel2 : public CObject {
 
     // Moves the object to a rectangle of logical units given from the root; only where there is a mapping.
     virtual void MoveToAbs(const CRect& r);
-    // Moves and sizes the object to a rectangle relative to the parent, both ends included, and invalidates the area
-    // it leaves and the area it comes to.
+    // Moves and sizes the object to a rectangle relative to the parent, both ends included, and invalidates
+    // the area it leaves and the area it comes to.
     virtual void MoveTo(const CRect& r);
     virtual void MoveTo(const CPoint& p);
     virtual CSize Size();
@@ -122,7 +124,8 @@ class Zel2 : public CObject {
     virtual void SelectAt(const CRect& r, Zel2Selection* sel);
     virtual void SelectAt(const CPoint& pt, Zel2Selection* sel);
 
-    // The object's half of dragging; see Zel2Selection for the whole. The forms with an index drag one control point.
+    // The object's half of dragging; see Zel2Selection for the whole. The forms with an index drag one
+    // control point.
     virtual void StartDrag(const CPoint& pt);
     virtual void StartDrag(int cpt);
     virtual void Drag(int cpt, CPoint pt);
@@ -130,20 +133,22 @@ class Zel2 : public CObject {
     virtual void EndDrag(int cpt);
     virtual void DragTo(const CPoint& pt);
 
-    // A message from a child: `sender` is the child through which it came. Passed on to the parent; 0 at the root.
+    // A message from a child: `sender` is the child through which it came. Passed on to the parent; 0 at the
+    // root.
     virtual int OnNotify(Zel2* sender, long code);
 
     // Registers a tool with the nearest registry; -1 when there is none. Arguments as those of the tools' own
     // constructors.
     virtual int RegisterColor(const char* name, unsigned long screen, unsigned long printer);
-    virtual int RegisterPen(const char* name, int style, int width, unsigned long screen, unsigned long printer,
-                            int* pattern);
-    virtual int RegisterFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
-                             int strikeOut, unsigned long screen, unsigned long printer);
-    virtual int RegisterSymbol(const char* name, CSize size, zel::SymbolKind type, const char* text, int penWidth,
-                               unsigned long penScreen, unsigned long penPrinter, unsigned long brushScreen,
-                               unsigned long brushPrinter, int border, const char* face, int fontSize,
-                               unsigned long fontScreen, unsigned long fontPrinter, int* xs, int* ys, int n);
+    virtual int RegisterPen(const char* name, int style, int width, unsigned long screen,
+                            unsigned long printer, int* pattern);
+    virtual int RegisterFont(const char* name, const char* face, int ptSize10, int bold, int italic,
+                             int underline, int strikeOut, unsigned long screen, unsigned long printer);
+    virtual int RegisterSymbol(const char* name, CSize size, zel::SymbolKind type, const char* text,
+                               int penWidth, unsigned long penScreen, unsigned long penPrinter,
+                               unsigned long brushScreen, unsigned long brushPrinter, int border,
+                               const char* face, int fontSize, unsigned long fontScreen,
+                               unsigned long fontPrinter, int* xs, int* ys, int n);
     virtual void SaveTools(CDC* dc);
     virtual void RestoreTools(CDC* dc);
 

@@ -1,20 +1,20 @@
 // The x/y graph.
 #pragma once
 
-#include <vector>
-
 #include <zel/Zel2Set.h>
 
-// A graph: a plot area with a linear world range on each axis, margins around it for labels, lists of world values at
-// which it writes labels, draws ticks and grid lines, and an inner set of objects that are plotted in the graph's
-// world coordinates (point sets, polygons).
+#include <vector>
+
+// A graph: a plot area with a linear world range on each axis, margins around it for labels, lists of world
+// values at which it writes labels, draws ticks and grid lines, and an inner set of objects that are plotted
+// in the graph's world coordinates (point sets, polygons).
 //
-// SetCoord makes a graph drawable: before it, nothing at all is drawn. The first draw completes the rest: automatic
-// scales where no labels were given, the graph's six tools, a size of 5000 x 4000 and margins of 800. Objects added
-// with Add, the set's own operation, stand in the graph's frame and are drawn last.
+// SetCoord makes a graph drawable: before it, nothing at all is drawn. The first draw completes the rest:
+// automatic scales where no labels were given, the graph's six tools, a size of 5000 x 4000 and margins of
+// 800. Objects added with Add, the set's own operation, stand in the graph's frame and are drawn last.
 //
-// Units: size, margins and tick settings in world units of the drawing (thousandths of an inch, y up); angles in
-// tenths of a degree. Assignments and copies share the children, as those of sets do.
+// Units: size, margins and tick settings in world units of the drawing (thousandths of an inch, y up); angles
+// in tenths of a degree. Assignments and copies share the children, as those of sets do.
 class Zel2Graph : public Zel2Set {
     DECLARE_SERIAL(Zel2Graph)
   public:
@@ -34,7 +34,8 @@ class Zel2Graph : public Zel2Set {
     // The first switch: everything on the y side; the second: the x labels.
     void LabelY(bool on) { showY_ = on; }
     void LabelX(bool on) { showXLabels_ = on; }
-    // Which sides of the two frames are drawn: 1 all but the bottom, 2 left and right, 3 all but the top, others all.
+    // Which sides of the two frames are drawn: 1 all but the bottom, 2 left and right, 3 all but the top,
+    // others all.
     void SetFrameStyle(int style) { frameStyle_ = style; }
     // Hides the labels on both y sides but keeps ticks and grid lines.
     void HideYLabels(bool hide) { hideYLabels_ = hide; }
@@ -55,28 +56,30 @@ class Zel2Graph : public Zel2Set {
     const std::vector<double>& AuxX() const { return auxX_; }
     const std::vector<double>& AuxY() const { return auxY_; }
 
-    // Percentages from `a` to `b`, printed at the y ticks on the right-hand side; none when a equals b or when there
-    // are no y ticks.
+    // Percentages from `a` to `b`, printed at the y ticks on the right-hand side; none when a equals b or
+    // when there are no y ticks.
     void SetYRLabels(double a, double b);
-    // Automatic positions for a second coordinate system along the graph; the graph's own range stays. A negative
-    // `ny` takes the value of `nx`.
+    // Automatic positions for a second coordinate system along the graph; the graph's own range stays. A
+    // negative `ny` takes the value of `nx`.
     void SetAuxCS(double x0, double y0, double x1, double y1, int nx, int ny);
-    // Sets the range and chooses labels, grid lines and ticks with at most `n` intervals; `fit` widens the range to
-    // the first and last label.
+    // Sets the range and chooses labels, grid lines and ticks with at most `n` intervals; `fit` widens the
+    // range to the first and last label.
     void AdjustXAxis(double a, double b, int n, int fit);
     void AdjustYAxis(double a, double b, int n, int fit);
     // Automatic scales where there are no labels, and the graph's six tools. Answers true.
     bool SetDefault(bool fitX, bool fitY);
 
-    // Chooses a step of 1, 2 or 5 times a power of ten so that at most `n` intervals cover a..b (either order).
-    // Answers 0 for an empty range or one that cannot be divided (an end or the width is not finite, the step
-    // underflows); `lo`, `hi` are the range widened to multiples of `step`, `count` the intervals between them.
+    // Chooses a step of 1, 2 or 5 times a power of ten so that at most `n` intervals cover a..b (either
+    // order). Answers 0 for an empty range or one that cannot be divided (an end or the width is not finite,
+    // the step underflows); `lo`, `hi` are the range widened to multiples of `step`, `count` the intervals
+    // between them.
     static int AutoInt(double a, double b, int n, double& lo, double& hi, double& step, int& count);
-    // Appends the positions of the scale to `out`. False, with nothing appended, for axis types other than 1 and for
-    // empty ranges. A scale whose last position is within 1e-10 of 0 becomes 0, 0.25 .. 1 (a classic rule).
+    // Appends the positions of the scale to `out`. False, with nothing appended, for axis types other than 1
+    // and for empty ranges. A scale whose last position is within 1e-10 of 0 becomes 0, 0.25 .. 1 (a classic
+    // rule).
     static bool AutoCoord(int type, double a, double b, int n, std::vector<double>& out);
-    // With exact rules that list is never put in, and each position is a multiple of the step, free of the rounding
-    // that adding up leaves.
+    // With exact rules that list is never put in, and each position is a multiple of the step, free of the
+    // rounding that adding up leaves.
     static bool AutoCoord(int type, double a, double b, int n, std::vector<double>& out, ZelRules rules);
     // Maps x linearly from a..b to p0..p1, truncated towards zero.
     static int Coord(double x, double a, double b, int p0, int p1, int type);

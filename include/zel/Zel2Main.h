@@ -1,21 +1,21 @@
 // The root of a drawing.
 #pragma once
 
-#include <vector>
-
 #include <zel/Mapping.h>
 #include <zel/Zel2Tools.h>
 #include <zel/platform/GdiTypes.h>
 
-// A tool registry that adds what only the root of a drawing has: the coordinate mapping, the window that shows the
-// drawing, the context of the output pass in progress, and a stack of clip regions.
+#include <vector>
+
+// A tool registry that adds what only the root of a drawing has: the coordinate mapping, the window that
+// shows the drawing, the context of the output pass in progress, and a stack of clip regions.
 //
-// Units: the drawing is laid out in thousandths of an inch, y upwards, with its lower left corner at (0, 0). To draw:
-// PrepareMappingFor(&dc, nullptr, 0, 0), then Draw(&dc). To write a file: zel::Export. To keep the drawing:
-// zel::SaveDocument.
+// Units: the drawing is laid out in thousandths of an inch, y upwards, with its lower left corner at (0, 0).
+// To draw: PrepareMappingFor(&dc, nullptr, 0, 0), then Draw(&dc). To write a file: zel::Export. To keep the
+// drawing: zel::SaveDocument.
 //
-// Copies share children, tables, mapping, window and context: only one of them may be destroyed with the children and
-// the mapping.
+// Copies share children, tables, mapping, window and context: only one of them may be destroyed with the
+// children and the mapping.
 class Zel2Main : public Zel2Tools {
     DECLARE_SERIAL(Zel2Main)
   public:
@@ -38,26 +38,28 @@ class Zel2Main : public Zel2Tools {
     int Scale() override;
     int IsPrinting() override;
     ZelRules Rules() override;
-    // Pushes and pops a clip level during an output pass; outside of one both do nothing. Classic rules keep the
-    // stack but leave the context unclipped; exact rules clip to the intersection of all levels (device units).
+    // Pushes and pops a clip level during an output pass; outside of one both do nothing. Classic rules keep
+    // the stack but leave the context unclipped; exact rules clip to the intersection of all levels (device
+    // units).
     void SetClipLog(CRgn* region) override;
     void ResetClip() override;
 
-    // Sets world and logical rectangle for output on `dc`: 1000 world units to an inch, y up. On a printing context
-    // with `info` and both `a` and `b` not 0 the world grows by 800 - (page - 1) * a * b in height and the drawing
-    // moves right by 300 logical units.
+    // Sets world and logical rectangle for output on `dc`: 1000 world units to an inch, y up. On a printing
+    // context with `info` and both `a` and `b` not 0 the world grows by 800 - (page - 1) * a * b in height
+    // and the drawing moves right by 300 logical units.
     void PrepareMappingFor(CDC* dc, CPrintInfo* info, int a, int b);
-    // One complete pass over the tree. When drawing raises an exception the context's objects are selected back, all
-    // tools are closed, and the exception goes on: the next pass starts clean.
+    // One complete pass over the tree. When drawing raises an exception the context's objects are selected
+    // back, all tools are closed, and the exception goes on: the next pass starts clean.
     void Draw(CDC* dc);
     // One printed page.
     void OnPrint(CDC* dc, CPrintInfo* info) override;
 
-    // Writes the drawing into a Windows metafile on disk, or in memory when `fileName` is null. Null on failure.
+    // Writes the drawing into a Windows metafile on disk, or in memory when `fileName` is null. Null on
+    // failure.
     HMETAFILE CreateMF(const char* fileName);
-    // Writes the drawing into a metafile file with a placeable header: 36 bytes long with classic rules, the published
-    // 22 bytes with exact ones. Classic rules answer 0 only when the temporary file cannot be made; exact rules answer
-    // 0 on any failure and leave an existing file whole.
+    // Writes the drawing into a metafile file with a placeable header: 36 bytes long with classic rules, the
+    // published 22 bytes with exact ones. Classic rules answer 0 only when the temporary file cannot be made;
+    // exact rules answer 0 on any failure and leave an existing file whole.
     int CreatePlaceableMF(const char* fileName);
 
     void Serialize(CArchive& ar) override;

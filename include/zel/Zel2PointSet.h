@@ -1,23 +1,26 @@
 // Data series in graphs.
 #pragma once
 
-#include <vector>
-
 #include <zel/Zel2.h>
 #include <zel/platform/Collections.h>
+
+#include <vector>
 
 class DrawColor;
 class DrawPen;
 class DrawSymbol;
 
-// A data series: an area fill, a line and symbols through the points that a derived class supplies, mapped by the
-// graph that the series stands in (Zel2Graph::AddIn). A series without points of its own; see Zel2PointArray.
+// A data series: an area fill, a line and symbols through the points that a derived class supplies, mapped by
+// the graph that the series stands in (Zel2Graph::AddIn). A series without points of its own; see
+// Zel2PointArray.
 //
-// Coordinates that are not finite make a gap in the line, have no symbol, and are left out of fills and ranges.
+// Coordinates that are not finite make a gap in the line, have no symbol, and are left out of fills and
+// ranges.
 class Zel2PointSet : public Zel2 {
     DECLARE_SERIAL(Zel2PointSet)
   public:
-    // Where line and fill begin and end, beside the first and last point: straight to an edge, or to a corner.
+    // Where line and fill begin and end, beside the first and last point: straight to an edge, or to a
+    // corner.
     enum Extension : unsigned int {
         NO_EXTENSION = 0,
         TOP = 1,
@@ -55,8 +58,8 @@ class Zel2PointSet : public Zel2 {
         end = end_;
     }
 
-    // Widens the graph's range to take in all points, and chooses its scale with at most `n` intervals. A series
-    // without points leaves the graph as it is.
+    // Widens the graph's range to take in all points, and chooses its scale with at most `n` intervals. A
+    // series without points leaves the graph as it is.
     void AdjustXAxis(int n);
     void AdjustYAxis(int n);
 
@@ -68,8 +71,8 @@ class Zel2PointSet : public Zel2 {
     void Serialize(CArchive& ar) override;
     unsigned int nCpt() override;
     CPoint Cpt(int i) override;
-    // Fill, line, symbols, point symbols. Throws CInvalidArgException* at the first point that has no point symbol
-    // when others have.
+    // Fill, line, symbols, point symbols. Throws CInvalidArgException* at the first point that has no point
+    // symbol when others have.
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
     MouseAction OnMouse(const MouseStatus& ms) override;
@@ -77,8 +80,8 @@ class Zel2PointSet : public Zel2 {
     virtual unsigned int NPoints();
     virtual double X(long i);
     virtual double Y(long i);
-    // The arrays behind the points, for series that have them (the set keeps ownership); null otherwise, and then
-    // there is no fill.
+    // The arrays behind the points, for series that have them (the set keeps ownership); null otherwise, and
+    // then there is no fill.
     virtual std::vector<double>* GetXVec();
     virtual std::vector<double>* GetYVec();
 

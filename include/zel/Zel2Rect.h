@@ -1,14 +1,14 @@
 // Rectangles.
 #pragma once
 
-#include <memory>
-
 #include <zel/DrawSymbol.h>
 #include <zel/Zel2.h>
 
-// A box with a frame, a fill, or a plotting symbol at its centre, drawn as an ellipse or a rectangle, with eight
-// handles by which the user resizes it. The base of all box-shaped objects. World units; the origin is the lower left
-// corner where y points up.
+#include <memory>
+
+// A box with a frame, a fill, or a plotting symbol at its centre, drawn as an ellipse or a rectangle, with
+// eight handles by which the user resizes it. The base of all box-shaped objects. World units; the origin is
+// the lower left corner where y points up.
 class Zel2Rect : public Zel2 {
     DECLARE_SERIAL(Zel2Rect)
   public:
@@ -17,8 +17,8 @@ class Zel2Rect : public Zel2 {
 
     Zel2Rect() : Zel2Rect(RECTANGLE) {}
     explicit Zel2Rect(Zel2RectType type) : type_(type) {}
-    // The corners are ordered, and both belong to the box: it is one unit wider and higher than their distance.
-    // Tool indexes, -1 for none; a symbol replaces fill and frame.
+    // The corners are ordered, and both belong to the box: it is one unit wider and higher than their
+    // distance. Tool indexes, -1 for none; a symbol replaces fill and frame.
     Zel2Rect(const CRect& r, int pen, int color, Zel2RectType type, int symbol);
     Zel2Rect(const Zel2Rect& other);
     Zel2Rect& operator=(const Zel2Rect& other);
@@ -29,7 +29,8 @@ class Zel2Rect : public Zel2 {
     int GetPen() const { return pen_; }
     int GetColor() const { return color_; }
     int GetSymbol() const { return symbol_; }
-    // Of a SYMBOLRECT: sets the shape (1 to 15) of the two symbols whose indexes stand in the colour and pen fields.
+    // Of a SYMBOLRECT: sets the shape (1 to 15) of the two symbols whose indexes stand in the colour and pen
+    // fields.
     void SetSymbolType(DrawSymbol::SYMBOL kind);
     // Tells the parent that the size changed.
     virtual void OnResize();

@@ -4,11 +4,11 @@
 #include <zel/Zel2.h>
 #include <zel/platform/Collections.h>
 
-// A list of selected objects in the order in which they were added; at most one of them has the focus. The selection
-// owns nothing, and its destructor neither deselects nor deletes.
+// A list of selected objects in the order in which they were added; at most one of them has the focus. The
+// selection owns nothing, and its destructor neither deselects nor deletes.
 //
-// A view drives dragging like this: StartDrag at the press over a selected object, DragTo at every move and at the
-// release, then EndDrag.
+// A view drives dragging like this: StartDrag at the press over a selected object, DragTo at every move and
+// at the release, then EndDrag.
 class Zel2Selection : public CObArray {
   public:
     // Throws CInvalidArgException* out of range.
@@ -19,7 +19,8 @@ class Zel2Selection : public CObArray {
     int GetAccumulate() const { return accumulate_; }
     Zel2* GetFocus() const { return focus_; }
 
-    // Null is ignored. Appends (once) or replaces the first element, which is not deselected; see SetAccumulate.
+    // Null is ignored. Appends (once) or replaces the first element, which is not deselected; see
+    // SetAccumulate.
     void Add(Zel2* object);
     // 1 when any element is hit at `pt` (device pixels).
     int IsIn(const CPoint& pt);

@@ -4,17 +4,18 @@
 #include <zel/Zel2.h>
 #include <zel/platform/Collections.h>
 
-// An ordered list of child objects, drawn in list order: a later child lies over an earlier one. The set owns every
-// child that is in it and deletes it with itself. A slot may be empty: removing by index keeps the other indexes.
+// An ordered list of child objects, drawn in list order: a later child lies over an earlier one. The set owns
+// every child that is in it and deletes it with itself. A slot may be empty: removing by index keeps the
+// other indexes.
 //
-// Copies share the children: both sets then believe that they own them, and the caller must DetachChildren() one of
-// them before it is destroyed. For an independent copy see zel::DeepCopy.
+// Copies share the children: both sets then believe that they own them, and the caller must DetachChildren()
+// one of them before it is destroyed. For an independent copy see zel::DeepCopy.
 class Zel2Set : public Zel2 {
     DECLARE_SERIAL(Zel2Set)
   public:
     Zel2Set() = default;
-    // Copies the pointers of `children` when given; the first four arguments are not used (set position and status
-    // afterwards). The children's links to their parent stay as they are.
+    // Copies the pointers of `children` when given; the first four arguments are not used (set position and
+    // status afterwards). The children's links to their parent stay as they are.
     Zel2Set(Zel2* parent, CPoint origin, unsigned long status, CSize size, CObArray* children);
     // Shares the children of `other`; see the class comment.
     Zel2Set(const Zel2Set& other);
@@ -24,7 +25,8 @@ class Zel2Set : public Zel2 {
 
     // The number of slots, empty ones included.
     virtual int GetCount();
-    // Appends `child` (null takes an empty slot), takes ownership, makes the set its parent; answers the index.
+    // Appends `child` (null takes an empty slot), takes ownership, makes the set its parent; answers the
+    // index.
     virtual int Add(Zel2* child);
     // Removes and deletes `child`; nothing happens when it is not in the set.
     virtual void Del(Zel2* child);
@@ -49,8 +51,9 @@ class Zel2Set : public Zel2 {
     CPoint Cpt(int i) override;
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
-    // Prints the children that belong on page `info->m_nCurPage` (from 1): as many whole first-child heights to a
-    // page as fit into the printable height less one inch. Throws CInvalidArgException* when there is no first child.
+    // Prints the children that belong on page `info->m_nCurPage` (from 1): as many whole first-child heights
+    // to a page as fit into the printable height less one inch. Throws CInvalidArgException* when there is no
+    // first child.
     void OnPrintGraph(CDC* dc, CPrintInfo* info) override;
     // The topmost child that is hit answers.
     MouseAction OnMouse(const MouseStatus& ms) override;

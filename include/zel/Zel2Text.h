@@ -1,22 +1,23 @@
 // Text objects.
 #pragma once
 
-#include <utility>
-
 #include <zel/Zel2.h>
 #include <zel/platform/String.h>
 
-// A text at a point, rotated about it, or laid into a box; over a filled and framed background, and crossed by a
-// horizontal rule, where wanted. World units; UTF-8; lines end with "\n".
+#include <utility>
+
+// A text at a point, rotated about it, or laid into a box; over a filled and framed background, and crossed
+// by a horizontal rule, where wanted. World units; UTF-8; lines end with "\n".
 class Zel2Text : public Zel2 {
     DECLARE_SERIAL(Zel2Text)
   public:
-    // The pen of the rule (-1 for none) and its place as a fraction of the box's height, 0 at the smaller logical y.
+    // The pen of the rule (-1 for none) and its place as a fraction of the box's height, 0 at the smaller
+    // logical y.
     using Rule = std::pair<int, float>;
 
     explicit Zel2Text(Zel2* parent = nullptr);
-    // A text at a point. `font`, `frame` (pen) and `background` (colour) are tool indexes, -1 for none; `format` the
-    // DT_* flags of DrawFont::Print; `angle` in tenths of a degree.
+    // A text at a point. `font`, `frame` (pen) and `background` (colour) are tool indexes, -1 for none;
+    // `format` the DT_* flags of DrawFont::Print; `angle` in tenths of a degree.
     Zel2Text(const char* text, const CPoint& at, int font, int format, int angle, int frame, int background,
              const Rule& rule);
     // A text in a box, both corners included; the angle is used only when the width is set to 0 later.

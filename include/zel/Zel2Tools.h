@@ -1,17 +1,18 @@
 // The container that owns a drawing's tool tables.
 #pragma once
 
-#include <memory>
-
 #include <zel/DrawColor.h>
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
 #include <zel/Zel2Set.h>
 
-// A set with four tool tables: colours, fonts, pens and plotting symbols. Everything below it finds these tables, and
-// never those of a registry further up. The tables begin empty; objects register what they need when they are first
-// drawn, and a tool registered before under the same name is kept, so a host's own choice always wins.
+#include <memory>
+
+// A set with four tool tables: colours, fonts, pens and plotting symbols. Everything below it finds these
+// tables, and never those of a registry further up. The tables begin empty; objects register what they need
+// when they are first drawn, and a tool registered before under the same name is kept, so a host's own choice
+// always wins.
 class Zel2Tools : public Zel2Set {
     DECLARE_SERIAL(Zel2Tools)
   public:

@@ -1,26 +1,28 @@
 // Drawings as files that lose nothing.
 #pragma once
 
-#include <memory>
-
 #include <zel/Zel2Main.h>
+
+#include <memory>
 
 namespace zel {
 
 inline constexpr int kDocumentVersion = 1;
 
-// Writes `drawing` as a document (.zel): a header with magic number, format version, rule set, length and checksums,
-// then the drawing in the archive's complete dialect. The file is written beside `path`, flushed to disk and renamed
-// over it: an existing file stays whole until then. Throws CFileException* or CArchiveException*.
+// Writes `drawing` as a document (.zel): a header with magic number, format version, rule set, length and
+// checksums, then the drawing in the archive's complete dialect. The file is written beside `path`, flushed
+// to disk and renamed over it: an existing file stays whole until then. Throws CFileException* or
+// CArchiveException*.
 void SaveDocument(Zel2Main& drawing, const char* path);
 
-// Reads a document whole or not at all. Throws CFileException* when the file cannot be read, CArchiveException* when
-// it is no document, of a newer version, cut short or damaged.
+// Reads a document whole or not at all. Throws CFileException* when the file cannot be read,
+// CArchiveException* when it is no document, of a newer version, cut short or damaged.
 std::unique_ptr<Zel2Main> LoadDocument(const char* path);
 // The same from bytes in memory (borrowed for the call); `name` stands for the source in messages.
 std::unique_ptr<Zel2Main> LoadDocument(const void* bytes, std::size_t size, const char* name);
 
-// An independent copy of `object` and everything below it, made through the complete dialect. The copy has no parent.
+// An independent copy of `object` and everything below it, made through the complete dialect. The copy has no
+// parent.
 std::unique_ptr<Zel2> DeepCopy(Zel2& object);
 
 }  // namespace zel

@@ -1,9 +1,9 @@
 // Drawings as files of other programs.
 #pragma once
 
-#include <string>
-
 #include <zel/Zel2Main.h>
+
+#include <string>
 
 namespace zel {
 
@@ -12,8 +12,8 @@ struct ExportOptions {
     // Images: pixels per inch, or the width in pixels when that is given (the height follows).
     double dotsPerInch = 150;
     int pixelWidth = 0;
-    // The paper, in millimetres; 0: as large as the drawing. A drawing larger than the paper inside its margins is
-    // shrunk to fit, a smaller one is put in the middle.
+    // The paper, in millimetres; 0: as large as the drawing. A drawing larger than the paper inside its
+    // margins is shrunk to fit, a smaller one is put in the middle.
     double paperWidth = 0;
     double paperHeight = 0;
     double margin = 10;  // millimetres, on all sides; only with a paper
@@ -27,12 +27,12 @@ struct ExportOptions {
 // Sets a paper by its name ("A5" to "A2", "letter", "legal"), upright or lying; false for an unknown name.
 bool SetPaper(ExportOptions& options, const std::string& name, bool landscape);
 
-// Writes `drawing` into the file `path`, in the format of its ending: .png, .jpg, .pdf, .svg, .wmf (with the published
-// placeable header). The file is written beside `path` and renamed over it when it is complete. The drawing's mapping
-// and window are as before afterwards.
+// Writes `drawing` into the file `path`, in the format of its ending: .png, .jpg, .pdf, .svg, .wmf (with the
+// published placeable header). The file is written beside `path` and renamed over it when it is complete. The
+// drawing's mapping and window are as before afterwards.
 //
-// Throws CFileException* when the file cannot be written, CNotSupportedException* for an ending that is not known or
-// a back end that is not installed, CInvalidArgException* for a drawing without a size.
+// Throws CFileException* when the file cannot be written, CNotSupportedException* for an ending that is not
+// known or a back end that is not installed, CInvalidArgException* for a drawing without a size.
 void Export(Zel2Main& drawing, const char* path, const ExportOptions& options = {});
 
 }  // namespace zel

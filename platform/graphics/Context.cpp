@@ -1,11 +1,13 @@
 #include "platform/graphics/Context.h"
 
+#include <zel/platform/Platform.h>
+
 #include <cstdlib>
 #include <utility>
 
-#include <zel/platform/Platform.h>
-
-ZelContextHandle::ZelContextHandle(zel::GraphicsDevice& borrowed) : device(&borrowed) { SelectDefaults(); }
+ZelContextHandle::ZelContextHandle(zel::GraphicsDevice& borrowed) : device(&borrowed) {
+    SelectDefaults();
+}
 
 ZelContextHandle::ZelContextHandle(std::unique_ptr<zel::GraphicsDevice> given)
     : device(given.get()), owned(std::move(given)) {
@@ -63,14 +65,26 @@ zel::Region ZelContextHandle::ClipOrSurface() const {
 }
 
 namespace zel {
-HDC CreateDeviceContext(GraphicsDevice& device) { return new ZelContextHandle(device); }
-HDC CreateDeviceContext(std::unique_ptr<GraphicsDevice> device) { return new ZelContextHandle(std::move(device)); }
-GraphicsDevice& DeviceOf(HDC dc) { return dc->Draw(); }
-const GraphicsState& StateOf(HDC dc) { return dc->now.graphics; }
-void FlushContext(HDC dc) { dc->Draw().Flush(); }
+HDC CreateDeviceContext(GraphicsDevice& device) {
+    return new ZelContextHandle(device);
+}
+HDC CreateDeviceContext(std::unique_ptr<GraphicsDevice> device) {
+    return new ZelContextHandle(std::move(device));
+}
+GraphicsDevice& DeviceOf(HDC dc) {
+    return dc->Draw();
+}
+const GraphicsState& StateOf(HDC dc) {
+    return dc->now.graphics;
+}
+void FlushContext(HDC dc) {
+    dc->Draw().Flush();
+}
 }  // namespace zel
 
-HDC CreateCompatibleDC(HDC) { return zel::CreateDeviceContext(zel::Platform::Get().CreateScreenCompatibleDevice()); }
+HDC CreateCompatibleDC(HDC) {
+    return zel::CreateDeviceContext(zel::Platform::Get().CreateScreenCompatibleDevice());
+}
 
 BOOL DeleteDC(HDC dc) {
     if (!dc) return FALSE;
@@ -94,7 +108,9 @@ BOOL RestoreDC(HDC dc, int level) {
     return TRUE;
 }
 
-int GetDeviceCaps(HDC dc, int index) { return dc->device->Caps(index); }
+int GetDeviceCaps(HDC dc, int index) {
+    return dc->device->Caps(index);
+}
 
 namespace {
 
@@ -117,11 +133,21 @@ HFONT SelectObject(HDC dc, HFONT font) {
     return zel::GetFont(font, dc->now.graphics.font) ? Replace(dc->now.font, font) : nullptr;
 }
 
-COLORREF SetTextColor(HDC dc, COLORREF color) { return Replace(dc->now.graphics.textColor, color); }
-UINT SetTextAlign(HDC dc, UINT align) { return Replace(dc->now.graphics.textAlign, align); }
-int SetPolyFillMode(HDC dc, int mode) { return Replace(dc->now.graphics.polygonFillMode, mode); }
-int SetArcDirection(HDC dc, int direction) { return Replace(dc->now.graphics.arcDirection, direction); }
-CPoint SetBrushOrg(HDC dc, CPoint origin) { return Replace(dc->now.graphics.brushOrigin, origin); }
+COLORREF SetTextColor(HDC dc, COLORREF color) {
+    return Replace(dc->now.graphics.textColor, color);
+}
+UINT SetTextAlign(HDC dc, UINT align) {
+    return Replace(dc->now.graphics.textAlign, align);
+}
+int SetPolyFillMode(HDC dc, int mode) {
+    return Replace(dc->now.graphics.polygonFillMode, mode);
+}
+int SetArcDirection(HDC dc, int direction) {
+    return Replace(dc->now.graphics.arcDirection, direction);
+}
+CPoint SetBrushOrg(HDC dc, CPoint origin) {
+    return Replace(dc->now.graphics.brushOrigin, origin);
+}
 
 // Lines have gaps in the background colour where the pen is dashed; a solid pen has none to keep apart.
 COLORREF SetBkColor(HDC dc, COLORREF color) {
@@ -132,13 +158,17 @@ int SetBkMode(HDC dc, int mode) {
     if (mode == dc->now.graphics.backgroundMode) return mode;
     return Replace(dc->Change().backgroundMode, mode);
 }
-int SetROP2(HDC dc, int mode) { return Replace(dc->Change().rasterMode, mode); }
+int SetROP2(HDC dc, int mode) {
+    return Replace(dc->Change().rasterMode, mode);
+}
 
 // Mapping
 
 namespace {
 
-bool IsFree(int mode) { return mode == MM_ISOTROPIC || mode == MM_ANISOTROPIC; }
+bool IsFree(int mode) {
+    return mode == MM_ISOTROPIC || mode == MM_ANISOTROPIC;
+}
 
 // Logical units per inch of the modes with a fixed scale.
 struct FixedScale {
@@ -148,24 +178,34 @@ struct FixedScale {
 
 FixedScale ScaleOfMode(int mode) {
     switch (mode) {
-        case MM_LOMETRIC: return {2540, 10};
-        case MM_HIMETRIC: return {2540, 1};
-        case MM_LOENGLISH: return {100, 1};
-        case MM_HIENGLISH: return {1000, 1};
-        case MM_TWIPS: return {1440, 1};
-        default: return {0, 0};
+        case MM_LOMETRIC:
+            return {2540, 10};
+        case MM_HIMETRIC:
+            return {2540, 1};
+        case MM_LOENGLISH:
+            return {100, 1};
+        case MM_HIENGLISH:
+            return {1000, 1};
+        case MM_TWIPS:
+            return {1440, 1};
+        default:
+            return {0, 0};
     }
 }
 
 // Shrinks one viewport extent so that units are square.
 void MakeSquare(zel::CoordinateMap& map, double unitsPerInchX, double unitsPerInchY) {
-    const double x = std::abs(static_cast<double>(map.viewportExtent.cx) / map.windowExtent.cx) / unitsPerInchX;
-    const double y = std::abs(static_cast<double>(map.viewportExtent.cy) / map.windowExtent.cy) / unitsPerInchY;
+    const double x =
+        std::abs(static_cast<double>(map.viewportExtent.cx) / map.windowExtent.cx) / unitsPerInchX;
+    const double y =
+        std::abs(static_cast<double>(map.viewportExtent.cy) / map.windowExtent.cy) / unitsPerInchY;
     if (x > y) {
-        map.viewportExtent.cx = zel::Truncate(map.viewportExtent.cx * (y / x) + (map.viewportExtent.cx > 0 ? 0.5 : -0.5));
+        map.viewportExtent.cx =
+            zel::Truncate(map.viewportExtent.cx * (y / x) + (map.viewportExtent.cx > 0 ? 0.5 : -0.5));
         if (map.viewportExtent.cx == 0) map.viewportExtent.cx = 1;
     } else if (y > x) {
-        map.viewportExtent.cy = zel::Truncate(map.viewportExtent.cy * (x / y) + (map.viewportExtent.cy > 0 ? 0.5 : -0.5));
+        map.viewportExtent.cy =
+            zel::Truncate(map.viewportExtent.cy * (x / y) + (map.viewportExtent.cy > 0 ? 0.5 : -0.5));
         if (map.viewportExtent.cy == 0) map.viewportExtent.cy = 1;
     }
 }
@@ -201,10 +241,18 @@ int SetMapMode(HDC dc, int mode) {
     return previous;
 }
 
-CPoint SetWindowOrg(HDC dc, CPoint origin) { return Replace(dc->Change().map.windowOrigin, origin); }
-CPoint SetViewportOrg(HDC dc, CPoint origin) { return Replace(dc->Change().map.viewportOrigin, origin); }
-CSize SetWindowExt(HDC dc, CSize extent) { return SetExtent(dc, &zel::CoordinateMap::windowExtent, extent); }
-CSize SetViewportExt(HDC dc, CSize extent) { return SetExtent(dc, &zel::CoordinateMap::viewportExtent, extent); }
+CPoint SetWindowOrg(HDC dc, CPoint origin) {
+    return Replace(dc->Change().map.windowOrigin, origin);
+}
+CPoint SetViewportOrg(HDC dc, CPoint origin) {
+    return Replace(dc->Change().map.viewportOrigin, origin);
+}
+CSize SetWindowExt(HDC dc, CSize extent) {
+    return SetExtent(dc, &zel::CoordinateMap::windowExtent, extent);
+}
+CSize SetViewportExt(HDC dc, CSize extent) {
+    return SetExtent(dc, &zel::CoordinateMap::viewportExtent, extent);
+}
 
 // Lines and rectangles
 
@@ -213,11 +261,15 @@ CPoint MoveTo(HDC dc, CPoint to) {
     dc->MoveTo(to);
     return previous;
 }
-void LineTo(HDC dc, CPoint to) { dc->LineTo(to); }
+void LineTo(HDC dc, CPoint to) {
+    dc->LineTo(to);
+}
 void PolylineTo(HDC dc, const POINT* points, int count) {
     if (count > 0) dc->PolylineTo(points, static_cast<std::size_t>(count));
 }
-CPoint GetCurrentPosition(HDC dc) { return dc->now.position; }
+CPoint GetCurrentPosition(HDC dc) {
+    return dc->now.position;
+}
 
 int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
     LOGBRUSH record = dc->now.graphics.brush;
@@ -229,7 +281,8 @@ int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
 int FrameRect(HDC dc, const RECT* rect, HBRUSH brush) {
     if (CRect(*rect).IsRectEmpty()) return 0;
     const auto [l, t, r, b] = *rect;
-    for (const CRect& side : {CRect(l, t, r, t + 1), CRect(l, b - 1, r, b), CRect(l, t, l + 1, b), CRect(r - 1, t, r, b)}) {
+    for (const CRect& side :
+         {CRect(l, t, r, t + 1), CRect(l, b - 1, r, b), CRect(l, t, l + 1, b), CRect(r - 1, t, r, b)}) {
         if (!FillRect(dc, &side, brush)) return 0;
     }
     return 1;
@@ -257,7 +310,8 @@ int KindOf(const zel::Region& region) {
 
 int CombineClip(HDC dc, const CRect& logical, int mode) {
     const zel::Region rect(dc->now.graphics.map.ToDevice(logical));
-    auto combined = std::make_shared<const zel::Region>(zel::Region::Combine(dc->ClipOrSurface(), rect, mode));
+    auto combined =
+        std::make_shared<const zel::Region>(zel::Region::Combine(dc->ClipOrSurface(), rect, mode));
     const int kind = KindOf(*combined);
     dc->Change().clip = std::move(combined);
     return kind;
@@ -299,4 +353,6 @@ CSize GetTextExtent(HDC dc, std::string_view text) {
 std::vector<int> GetPrefixExtents(HDC dc, std::string_view text, std::span<const std::size_t> ends) {
     return dc->device->PrefixExtents(dc->now.graphics, text, ends);
 }
-TEXTMETRIC GetTextMetrics(HDC dc) { return dc->device->TextMetrics(dc->now.graphics); }
+TEXTMETRIC GetTextMetrics(HDC dc) {
+    return dc->device->TextMetrics(dc->now.graphics);
+}

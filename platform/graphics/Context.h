@@ -1,15 +1,15 @@
 // What a context handle stands for.
 #pragma once
 
+#include <zel/platform/Gdi.h>
+
 #include <memory>
 #include <vector>
 
-#include <zel/platform/Gdi.h>
-
 // The state of a context and the lines that it has gathered for its device.
 //
-// Consecutive lines with one pen are kept and handed on as one polyline, as soon as anything else is drawn or a
-// setting that lines depend on changes. Changing the pen and changing it back does not break them apart.
+// Consecutive lines with one pen are kept and handed on as one polyline, as soon as anything else is drawn or
+// a setting that lines depend on changes. Changing the pen and changing it back does not break them apart.
 struct ZelContextHandle {
     explicit ZelContextHandle(zel::GraphicsDevice& borrowed);
     explicit ZelContextHandle(std::unique_ptr<zel::GraphicsDevice> owned);
@@ -28,7 +28,8 @@ struct ZelContextHandle {
 
     void MoveTo(const CPoint& to);
     void LineTo(const CPoint& to) {
-        if (lines.empty() || !SamePen(linePen, now.graphics.pen) || lines.size() >= kMostGathered) BeginLines();
+        if (lines.empty() || !SamePen(linePen, now.graphics.pen) || lines.size() >= kMostGathered)
+            BeginLines();
         lines.push_back(to);
         now.position = to;
     }

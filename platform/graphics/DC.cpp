@@ -1,18 +1,25 @@
 #include <zel/platform/DC.h>
+#include <zel/platform/Metafile.h>
 
 #include <algorithm>
 #include <utility>
 
-#include <zel/platform/Metafile.h>
-
 IMPLEMENT_DYNAMIC(CDC, CObject)
 IMPLEMENT_DYNAMIC(CMetaFileDC, CDC)
 
-CDC::CDC(zel::GraphicsDevice& device) { Attach(zel::CreateDeviceContext(device)); }
-CDC::CDC(std::unique_ptr<zel::GraphicsDevice> device) { Attach(zel::CreateDeviceContext(std::move(device))); }
-CDC::~CDC() { DeleteDC(); }
+CDC::CDC(zel::GraphicsDevice& device) {
+    Attach(zel::CreateDeviceContext(device));
+}
+CDC::CDC(std::unique_ptr<zel::GraphicsDevice> device) {
+    Attach(zel::CreateDeviceContext(std::move(device)));
+}
+CDC::~CDC() {
+    DeleteDC();
+}
 
-BOOL CDC::CreateCompatibleDC(CDC* dc) { return Attach(::CreateCompatibleDC(dc ? dc->m_hDC : nullptr)); }
+BOOL CDC::CreateCompatibleDC(CDC* dc) {
+    return Attach(::CreateCompatibleDC(dc ? dc->m_hDC : nullptr));
+}
 
 BOOL CDC::Attach(HDC dc) {
     DeleteDC();
@@ -25,12 +32,19 @@ HDC CDC::Detach() {
     return std::exchange(m_hDC, nullptr);
 }
 
-BOOL CDC::DeleteDC() { return ::DeleteDC(Detach()); }
+BOOL CDC::DeleteDC() {
+    return ::DeleteDC(Detach());
+}
 
-int CDC::GetDeviceCaps(int index) const { return ::GetDeviceCaps(m_hAttribDC, index); }
-void CDC::Flush() { zel::FlushContext(m_hDC); }
+int CDC::GetDeviceCaps(int index) const {
+    return ::GetDeviceCaps(m_hAttribDC, index);
+}
+void CDC::Flush() {
+    zel::FlushContext(m_hDC);
+}
 
-// Sets on the output context, and on the attribute context where it is another; answers what the output one had.
+// Sets on the output context, and on the attribute context where it is another; answers what the output one
+// had.
 template <class Setter, class... Values>
 auto CDC::SetOnBoth(Setter setter, Values... values) {
     auto previous = setter(m_hDC, values...);
@@ -47,7 +61,8 @@ BOOL CDC::RestoreDC(int level) {
 
 CPen* CDC::SelectObject(CPen* pen) {
     if (!pen) return nullptr;
-    return CPen::FromHandle(SetOnBoth([](HDC dc, HPEN h) { return ::SelectObject(dc, h); }, static_cast<HPEN>(*pen)));
+    return CPen::FromHandle(
+        SetOnBoth([](HDC dc, HPEN h) { return ::SelectObject(dc, h); }, static_cast<HPEN>(*pen)));
 }
 CBrush* CDC::SelectObject(CBrush* brush) {
     if (!brush) return nullptr;
@@ -62,25 +77,52 @@ CFont* CDC::SelectObject(CFont* font) {
 
 CGdiObject* CDC::SelectStockObject(int index) {
     const HGDIOBJ stock = GetStockObject(index);
-    if (index >= WHITE_PEN && index <= NULL_PEN) return SelectObject(CPen::FromHandle(reinterpret_cast<HPEN>(stock)));
+    if (index >= WHITE_PEN && index <= NULL_PEN)
+        return SelectObject(CPen::FromHandle(reinterpret_cast<HPEN>(stock)));
     if (index >= WHITE_BRUSH && index <= NULL_BRUSH)
         return SelectObject(CBrush::FromHandle(reinterpret_cast<HBRUSH>(stock)));
     return SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(stock)));
 }
 
-COLORREF CDC::SetTextColor(COLORREF color) { return SetOnBoth(&::SetTextColor, color); }
-COLORREF CDC::SetBkColor(COLORREF color) { return SetOnBoth(&::SetBkColor, color); }
-int CDC::SetBkMode(int mode) { return SetOnBoth(&::SetBkMode, mode); }
-int CDC::SetROP2(int mode) { return SetOnBoth(&::SetROP2, mode); }
-int CDC::SetPolyFillMode(int mode) { return SetOnBoth(&::SetPolyFillMode, mode); }
-int CDC::SetArcDirection(int direction) { return SetOnBoth(&::SetArcDirection, direction); }
-UINT CDC::SetTextAlign(UINT align) { return SetOnBoth(&::SetTextAlign, align); }
-CPoint CDC::SetBrushOrg(int x, int y) { return SetOnBoth(&::SetBrushOrg, CPoint(x, y)); }
-int CDC::SetMapMode(int mode) { return SetOnBoth(&::SetMapMode, mode); }
-CPoint CDC::SetWindowOrg(int x, int y) { return SetOnBoth(&::SetWindowOrg, CPoint(x, y)); }
-CSize CDC::SetWindowExt(int cx, int cy) { return SetOnBoth(&::SetWindowExt, CSize(cx, cy)); }
-CPoint CDC::SetViewportOrg(int x, int y) { return SetOnBoth(&::SetViewportOrg, CPoint(x, y)); }
-CSize CDC::SetViewportExt(int cx, int cy) { return SetOnBoth(&::SetViewportExt, CSize(cx, cy)); }
+COLORREF CDC::SetTextColor(COLORREF color) {
+    return SetOnBoth(&::SetTextColor, color);
+}
+COLORREF CDC::SetBkColor(COLORREF color) {
+    return SetOnBoth(&::SetBkColor, color);
+}
+int CDC::SetBkMode(int mode) {
+    return SetOnBoth(&::SetBkMode, mode);
+}
+int CDC::SetROP2(int mode) {
+    return SetOnBoth(&::SetROP2, mode);
+}
+int CDC::SetPolyFillMode(int mode) {
+    return SetOnBoth(&::SetPolyFillMode, mode);
+}
+int CDC::SetArcDirection(int direction) {
+    return SetOnBoth(&::SetArcDirection, direction);
+}
+UINT CDC::SetTextAlign(UINT align) {
+    return SetOnBoth(&::SetTextAlign, align);
+}
+CPoint CDC::SetBrushOrg(int x, int y) {
+    return SetOnBoth(&::SetBrushOrg, CPoint(x, y));
+}
+int CDC::SetMapMode(int mode) {
+    return SetOnBoth(&::SetMapMode, mode);
+}
+CPoint CDC::SetWindowOrg(int x, int y) {
+    return SetOnBoth(&::SetWindowOrg, CPoint(x, y));
+}
+CSize CDC::SetWindowExt(int cx, int cy) {
+    return SetOnBoth(&::SetWindowExt, CSize(cx, cy));
+}
+CPoint CDC::SetViewportOrg(int x, int y) {
+    return SetOnBoth(&::SetViewportOrg, CPoint(x, y));
+}
+CSize CDC::SetViewportExt(int cx, int cy) {
+    return SetOnBoth(&::SetViewportExt, CSize(cx, cy));
+}
 
 void CDC::LPtoDP(POINT* points, int count) const {
     for (int i = 0; i < count; ++i) points[i] = Attributes().map.ToDevice(CPoint(points[i]));
@@ -88,10 +130,18 @@ void CDC::LPtoDP(POINT* points, int count) const {
 void CDC::DPtoLP(POINT* points, int count) const {
     for (int i = 0; i < count; ++i) points[i] = Attributes().map.ToLogical(CPoint(points[i]));
 }
-void CDC::LPtoDP(RECT* rect) const { *rect = Attributes().map.ToDevice(CRect(*rect)); }
-void CDC::DPtoLP(RECT* rect) const { *rect = Attributes().map.ToLogical(CRect(*rect)); }
-void CDC::LPtoDP(SIZE* size) const { *size = Attributes().map.ToDevice(CSize(*size)); }
-void CDC::DPtoLP(SIZE* size) const { *size = Attributes().map.ToLogical(CSize(*size)); }
+void CDC::LPtoDP(RECT* rect) const {
+    *rect = Attributes().map.ToDevice(CRect(*rect));
+}
+void CDC::DPtoLP(RECT* rect) const {
+    *rect = Attributes().map.ToLogical(CRect(*rect));
+}
+void CDC::LPtoDP(SIZE* size) const {
+    *size = Attributes().map.ToDevice(CSize(*size));
+}
+void CDC::DPtoLP(SIZE* size) const {
+    *size = Attributes().map.ToLogical(CSize(*size));
+}
 
 int CDC::SelectClipRgn(CRgn* region) {
     return ::SelectClipRgn(m_hDC, region ? static_cast<HRGN>(*region) : nullptr);
@@ -105,10 +155,16 @@ int CDC::IntersectClipRect(const RECT* rect) {
 int CDC::ExcludeClipRect(int left, int top, int right, int bottom) {
     return ::ExcludeClipRect(m_hDC, left, top, right, bottom);
 }
-int CDC::GetClipBox(RECT* box) const { return ::GetClipBox(m_hDC, box); }
+int CDC::GetClipBox(RECT* box) const {
+    return ::GetClipBox(m_hDC, box);
+}
 
-CPoint CDC::GetCurrentPosition() const { return ::GetCurrentPosition(m_hDC); }
-CPoint CDC::MoveTo(int x, int y) { return SetOnBoth(&::MoveTo, CPoint(x, y)); }
+CPoint CDC::GetCurrentPosition() const {
+    return ::GetCurrentPosition(m_hDC);
+}
+CPoint CDC::MoveTo(int x, int y) {
+    return SetOnBoth(&::MoveTo, CPoint(x, y));
+}
 
 BOOL CDC::LineTo(int x, int y) {
     ::LineTo(m_hDC, CPoint(x, y));
@@ -136,10 +192,13 @@ BOOL CDC::Polyline(const POINT* points, int count) {
     return TRUE;
 }
 
-BOOL CDC::Polygon(const POINT* points, int count) { return PolyPolygon(points, &count, 1); }
+BOOL CDC::Polygon(const POINT* points, int count) {
+    return PolyPolygon(points, &count, 1);
+}
 
 BOOL CDC::PolyPolygon(const POINT* points, const int* counts, int polygons) {
-    if (polygons < 1 || std::any_of(counts, counts + polygons, [](int count) { return count < 2; })) return FALSE;
+    if (polygons < 1 || std::any_of(counts, counts + polygons, [](int count) { return count < 2; }))
+        return FALSE;
     std::size_t total = 0;
     for (int i = 0; i < polygons; ++i) total += static_cast<std::size_t>(counts[i]);
     Device().Polygons(State(), {AsPoints(points), total}, {counts, static_cast<std::size_t>(polygons)});
@@ -176,7 +235,9 @@ void CDC::FillSolidRect(const RECT* rect, COLORREF color) {
 void CDC::FrameRect(const RECT* rect, CBrush* brush) {
     ::FrameRect(m_hDC, rect, brush ? static_cast<HBRUSH>(*brush) : nullptr);
 }
-void CDC::InvertRect(const RECT* rect) { ::InvertRect(m_hDC, rect); }
+void CDC::InvertRect(const RECT* rect) {
+    ::InvertRect(m_hDC, rect);
+}
 BOOL CDC::PatBlt(int x, int y, int width, int height, DWORD operation) {
     return ::PatBlt(m_hDC, x, y, width, height, operation);
 }
@@ -239,5 +300,9 @@ BOOL CDC::GetTextMetrics(TEXTMETRIC* metrics) const {
     return TRUE;
 }
 
-BOOL CMetaFileDC::Create(const char* fileName) { return Attach(CreateMetaFile(fileName)); }
-HMETAFILE CMetaFileDC::Close() { return CloseMetaFile(Detach()); }
+BOOL CMetaFileDC::Create(const char* fileName) {
+    return Attach(CreateMetaFile(fileName));
+}
+HMETAFILE CMetaFileDC::Close() {
+    return CloseMetaFile(Detach());
+}

@@ -1,10 +1,10 @@
 // Formatted text: CDC::DrawText.
-#include <algorithm>
-#include <string>
+#include "platform/graphics/Utf8.h"
 
 #include <zel/platform/DC.h>
 
-#include "platform/graphics/Utf8.h"
+#include <algorithm>
+#include <string>
 
 namespace {
 
@@ -42,7 +42,9 @@ class Formatter {
         return metrics_.tmHeight + (format_ & DT_EXTERNALLEADING ? metrics_.tmExternalLeading : 0);
     }
     const TEXTMETRIC& Metrics() const { return metrics_; }
-    int Width(std::string_view text) const { return dc_.GetTextExtent(text.data(), static_cast<int>(text.size())).cx; }
+    int Width(std::string_view text) const {
+        return dc_.GetTextExtent(text.data(), static_cast<int>(text.size())).cx;
+    }
 
     // Where a line's pieces between tabs begin, relative to the line.
     template <class Piece>
@@ -135,7 +137,8 @@ void Underline(CDC& dc, const Formatter& formatter, const FormattedLine& line, i
 }  // namespace
 
 int CDC::DrawText(const char* text, int length, RECT* rect, UINT format) {
-    const std::string_view whole = length < 0 ? std::string_view(text) : std::string_view(text, static_cast<std::size_t>(length));
+    const std::string_view whole =
+        length < 0 ? std::string_view(text) : std::string_view(text, static_cast<std::size_t>(length));
     const Formatter formatter(*this, format);
     const int lineHeight = formatter.LineHeight();
     if (whole.empty()) {

@@ -1,3 +1,4 @@
+#include <zel/platform/Exception.h>
 #include <zel/platform/GdiObjects.h>
 
 #include <algorithm>
@@ -6,8 +7,6 @@
 #include <mutex>
 #include <unordered_map>
 #include <utility>
-
-#include <zel/platform/Exception.h>
 
 IMPLEMENT_DYNAMIC(CGdiObject, CObject)
 IMPLEMENT_DYNAMIC(CPen, CGdiObject)
@@ -83,7 +82,8 @@ HGDIOBJ CGdiObject::Detach() {
 
 BOOL CGdiObject::DeleteObject() {
     if (!m_hObject) return FALSE;
-    // A wrapper keeps the dead handle: whoever still holds the wrapper then holds something that fails harmlessly.
+    // A wrapper keeps the dead handle: whoever still holds the wrapper then holds something that fails
+    // harmlessly.
     const HGDIOBJ handle = temporary_ ? m_hObject : Detach();
     return ::DeleteObject(handle);
 }
@@ -101,9 +101,15 @@ Object* CGdiObject::Wrapper(HGDIOBJ handle) {
     return static_cast<Object*>(wrapper.get());
 }
 
-CPen* CPen::FromHandle(HPEN handle) { return Wrapper<CPen>(reinterpret_cast<HGDIOBJ>(handle)); }
-CBrush* CBrush::FromHandle(HBRUSH handle) { return Wrapper<CBrush>(reinterpret_cast<HGDIOBJ>(handle)); }
-CFont* CFont::FromHandle(HFONT handle) { return Wrapper<CFont>(reinterpret_cast<HGDIOBJ>(handle)); }
+CPen* CPen::FromHandle(HPEN handle) {
+    return Wrapper<CPen>(reinterpret_cast<HGDIOBJ>(handle));
+}
+CBrush* CBrush::FromHandle(HBRUSH handle) {
+    return Wrapper<CBrush>(reinterpret_cast<HGDIOBJ>(handle));
+}
+CFont* CFont::FromHandle(HFONT handle) {
+    return Wrapper<CFont>(reinterpret_cast<HGDIOBJ>(handle));
+}
 
 namespace {
 template <class Handle>

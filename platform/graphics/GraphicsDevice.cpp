@@ -13,12 +13,14 @@ struct DeviceEllipse {
     double cx, cy, rx, ry;
 
     explicit DeviceEllipse(const CRect& box)
-        : cx((static_cast<double>(box.left) + box.right) / 2), cy((static_cast<double>(box.top) + box.bottom) / 2),
+        : cx((static_cast<double>(box.left) + box.right) / 2),
+          cy((static_cast<double>(box.top) + box.bottom) / 2),
           rx(std::fabs(static_cast<double>(box.right) - box.left) / 2),
           ry(std::fabs(static_cast<double>(box.bottom) - box.top) / 2) {}
 
     CPoint At(double angle) const {
-        return {Truncate(std::round(cx + rx * std::cos(angle))), Truncate(std::round(cy - ry * std::sin(angle)))};
+        return {Truncate(std::round(cx + rx * std::cos(angle))),
+                Truncate(std::round(cy - ry * std::sin(angle)))};
     }
     // The parameter of the point in the direction of `p`.
     double Towards(const CPoint& p) const {
@@ -61,7 +63,10 @@ void GraphicsDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
     const CRect box = DeviceBox(state, rect);
     if (box.Width() < 2 && box.Height() < 2) return;
     OneRing(*this, state,
-            {box.TopLeft(), {box.right - 1, box.top}, {box.right - 1, box.bottom - 1}, {box.left, box.bottom - 1}});
+            {box.TopLeft(),
+             {box.right - 1, box.top},
+             {box.right - 1, box.bottom - 1},
+             {box.left, box.bottom - 1}});
 }
 
 void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) {
@@ -90,8 +95,8 @@ void GraphicsDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     OneRing(*this, state, std::move(points));
 }
 
-void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
-                         ArcKind kind) {
+void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start,
+                         const CPoint& end, ArcKind kind) {
     CRect box = DeviceBox(state, rect);
     box.right -= 1;
     box.bottom -= 1;
@@ -103,7 +108,8 @@ void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CP
     while (sweep <= 1e-12) sweep += kTurn;
     std::vector<CPoint> points;
     ellipse.Append(points, begin, sweep);
-    if (kind == ArcKind::PIE) points.push_back({Truncate(std::round(ellipse.cx)), Truncate(std::round(ellipse.cy))});
+    if (kind == ArcKind::PIE)
+        points.push_back({Truncate(std::round(ellipse.cx)), Truncate(std::round(ellipse.cy))});
     if (kind != ArcKind::ARC) {
         OneRing(*this, state, std::move(points));
         return;
@@ -130,7 +136,9 @@ std::vector<int> GraphicsDevice::PrefixExtents(const GraphicsState& state, std::
     return extents;
 }
 
-COLORREF GraphicsDevice::GetPixel(const CPoint&) { return CLR_INVALID; }
+COLORREF GraphicsDevice::GetPixel(const CPoint&) {
+    return CLR_INVALID;
+}
 void GraphicsDevice::Flush() {}
 
 }  // namespace zel

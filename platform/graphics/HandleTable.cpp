@@ -1,11 +1,11 @@
 // The objects behind handles.
+#include <zel/platform/Exception.h>
+#include <zel/platform/Gdi.h>
+
 #include <atomic>
 #include <mutex>
 #include <unordered_map>
 #include <variant>
-
-#include <zel/platform/Exception.h>
-#include <zel/platform/Gdi.h>
 
 namespace {
 
@@ -106,10 +106,18 @@ int KindOf(const zel::Region& region) {
 HPEN CreatePen(int style, int width, COLORREF color) {
     return New<HPEN>(LOGPEN{static_cast<UINT>(style), {std::abs(width), 0}, color});
 }
-HPEN CreatePenIndirect(const LOGPEN* pen) { return New<HPEN>(*pen); }
-HBRUSH CreateSolidBrush(COLORREF color) { return New<HBRUSH>(LOGBRUSH{BS_SOLID, color, 0}); }
-HBRUSH CreateHatchBrush(int hatch, COLORREF color) { return New<HBRUSH>(LOGBRUSH{BS_HATCHED, color, hatch}); }
-HBRUSH CreateBrushIndirect(const LOGBRUSH* brush) { return New<HBRUSH>(*brush); }
+HPEN CreatePenIndirect(const LOGPEN* pen) {
+    return New<HPEN>(*pen);
+}
+HBRUSH CreateSolidBrush(COLORREF color) {
+    return New<HBRUSH>(LOGBRUSH{BS_SOLID, color, 0});
+}
+HBRUSH CreateHatchBrush(int hatch, COLORREF color) {
+    return New<HBRUSH>(LOGBRUSH{BS_HATCHED, color, hatch});
+}
+HBRUSH CreateBrushIndirect(const LOGBRUSH* brush) {
+    return New<HBRUSH>(*brush);
+}
 
 HFONT CreateFontIndirect(const LOGFONT* font) {
     LOGFONT copy = *font;
@@ -138,16 +146,30 @@ int CombineRgn(HRGN result, HRGN first, HRGN second, int mode) {
     return kind;
 }
 
-HGDIOBJ GetStockObject(int index) { return Table().Stock(index); }
-BOOL DeleteObject(HGDIOBJ object) { return Table().Remove(object) ? TRUE : FALSE; }
+HGDIOBJ GetStockObject(int index) {
+    return Table().Stock(index);
+}
+BOOL DeleteObject(HGDIOBJ object) {
+    return Table().Remove(object) ? TRUE : FALSE;
+}
 
 namespace zel {
-bool GetPen(HPEN handle, LOGPEN& pen) { return Table().Get(reinterpret_cast<HGDIOBJ>(handle), pen); }
-bool GetBrush(HBRUSH handle, LOGBRUSH& brush) { return Table().Get(reinterpret_cast<HGDIOBJ>(handle), brush); }
-bool GetFont(HFONT handle, LOGFONT& font) { return Table().Get(reinterpret_cast<HGDIOBJ>(handle), font); }
-bool GetRegion(HRGN handle, Region& region) { return Table().Get(reinterpret_cast<HGDIOBJ>(handle), region); }
+bool GetPen(HPEN handle, LOGPEN& pen) {
+    return Table().Get(reinterpret_cast<HGDIOBJ>(handle), pen);
+}
+bool GetBrush(HBRUSH handle, LOGBRUSH& brush) {
+    return Table().Get(reinterpret_cast<HGDIOBJ>(handle), brush);
+}
+bool GetFont(HFONT handle, LOGFONT& font) {
+    return Table().Get(reinterpret_cast<HGDIOBJ>(handle), font);
+}
+bool GetRegion(HRGN handle, Region& region) {
+    return Table().Get(reinterpret_cast<HGDIOBJ>(handle), region);
+}
 bool SetRegion(HRGN handle, Region region) {
     return Table().Set(reinterpret_cast<HGDIOBJ>(handle), std::move(region));
 }
-bool IsAlive(HGDIOBJ handle) { return Table().Contains(handle); }
+bool IsAlive(HGDIOBJ handle) {
+    return Table().Contains(handle);
+}
 }  // namespace zel

@@ -1,9 +1,8 @@
-#include <zel/platform/Metafile.h>
+#include "platform/graphics/MetafileDevice.h"
 
 #include <zel/platform/Gdi.h>
+#include <zel/platform/Metafile.h>
 #include <zel/platform/SafeFile.h>
-
-#include "platform/graphics/MetafileDevice.h"
 
 struct ZelMetafileHandle {
     std::vector<std::uint8_t> bytes;
@@ -36,13 +35,16 @@ BOOL DeleteMetaFile(HMETAFILE metafile) {
     return metafile ? TRUE : FALSE;
 }
 
-const std::vector<std::uint8_t>& GetMetaFileBits(HMETAFILE metafile) { return metafile->bytes; }
+const std::vector<std::uint8_t>& GetMetaFileBits(HMETAFILE metafile) {
+    return metafile->bytes;
+}
 
 std::array<std::uint8_t, 22> zel::PlaceableHeader(const CRect& box, WORD unitsPerInch) {
     constexpr DWORD kKey = 0x9AC6CDD7;
     WORD words[11] = {static_cast<WORD>(kKey & 0xFFFF), static_cast<WORD>(kKey >> 16), 0};
     const LONG sides[] = {box.left, box.top, box.right, box.bottom};
-    for (int i = 0; i < 4; ++i) words[3 + i] = static_cast<WORD>(std::clamp<LONG>(sides[i], INT16_MIN, INT16_MAX));
+    for (int i = 0; i < 4; ++i)
+        words[3 + i] = static_cast<WORD>(std::clamp<LONG>(sides[i], INT16_MIN, INT16_MAX));
     words[7] = unitsPerInch;
     for (int i = 0; i < 10; ++i) words[10] = static_cast<WORD>(words[10] ^ words[i]);
     std::array<std::uint8_t, 22> bytes{};

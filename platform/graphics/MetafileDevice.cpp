@@ -1,9 +1,9 @@
 #include "platform/graphics/MetafileDevice.h"
 
+#include "platform/graphics/Utf8.h"
+
 #include <algorithm>
 #include <cstring>
-
-#include "platform/graphics/Utf8.h"
 
 namespace zel {
 namespace {
@@ -53,8 +53,12 @@ constexpr std::size_t kHeaderWords = 9;
 WORD Word(LONG value) {
     return static_cast<WORD>(static_cast<std::int16_t>(std::clamp<LONG>(value, INT16_MIN, INT16_MAX)));
 }
-WORD Low(DWORD value) { return static_cast<WORD>(value & 0xFFFF); }
-WORD High(DWORD value) { return static_cast<WORD>(value >> 16); }
+WORD Low(DWORD value) {
+    return static_cast<WORD>(value & 0xFFFF);
+}
+WORD High(DWORD value) {
+    return static_cast<WORD>(value >> 16);
+}
 
 void AppendPoints(std::vector<WORD>& words, std::span<const CPoint> points) {
     for (const CPoint& point : points) words.insert(words.end(), {Word(point.x), Word(point.y)});
@@ -62,12 +66,13 @@ void AppendPoints(std::vector<WORD>& words, std::span<const CPoint> points) {
 
 // Windows-1252, whose upper half differs from Latin-1 in 32 places; '?' for what it does not have.
 char ToWindows1252(char32_t c) {
-    static constexpr char32_t kUpper[32] = {
-        0x20AC, 0, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0, 0x017D, 0,
-        0, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0, 0x017E, 0x0178};
+    static constexpr char32_t kUpper[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
+                                            0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
+                                            0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
+                                            0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
     if (c < 0x80 || (c >= 0xA0 && c < 0x100)) return static_cast<char>(c);
-    if (c == 0x2212) return '-';          // minus sign
-    if (c == 0x03BC) return '\xB5';       // Greek mu as the micro sign
+    if (c == 0x2212) return '-';     // minus sign
+    if (c == 0x03BC) return '\xB5';  // Greek mu as the micro sign
     for (int i = 0; i < 32; ++i) {
         if (kUpper[i] == c) return static_cast<char>(0x80 + i);
     }
@@ -111,8 +116,15 @@ std::vector<std::uint8_t> MetafileDevice::Finish() {
     if (clip_) Record(META_RESTOREDC, {Word(-1)});
     Record(META_EOF, {});
     const auto size = static_cast<DWORD>(kHeaderWords + body_.size());
-    Words file{1, kHeaderWords, 0x0300, Low(size), High(size), static_cast<WORD>(slots_.size()), Low(largestRecord_),
-               High(largestRecord_), 0};
+    Words file{1,
+               kHeaderWords,
+               0x0300,
+               Low(size),
+               High(size),
+               static_cast<WORD>(slots_.size()),
+               Low(largestRecord_),
+               High(largestRecord_),
+               0};
     file.insert(file.end(), body_.begin(), body_.end());
     std::vector<std::uint8_t> bytes(file.size() * 2);
     std::memcpy(bytes.data(), file.data(), bytes.size());
@@ -129,8 +141,8 @@ void MetafileDevice::WriteMap(const CoordinateMap& map) {
         Record(META_SETWINDOWORG, {Word(map.windowOrigin.y), Word(map.windowOrigin.x)});
         Record(META_SETWINDOWEXT, {Word(map.windowExtent.cy), Word(map.windowExtent.cx)});
     }
-    // A viewport places the picture on the player's device, which is the player's affair: it is left out where it
-    // says no more than the window does.
+    // A viewport places the picture on the player's device, which is the player's affair: it is left out
+    // where it says no more than the window does.
     if (!map.IsIdentity() && !(map.viewportExtent == CSize(1, 1))) {
         Record(META_SETVIEWPORTORG, {Word(map.viewportOrigin.y), Word(map.viewportOrigin.x)});
         Record(META_SETVIEWPORTEXT, {Word(map.viewportExtent.cy), Word(map.viewportExtent.cx)});
@@ -211,7 +223,8 @@ int MetafileDevice::FreeSlot() {
 }
 
 int MetafileDevice::SlotFor(ObjectKind kind, const Words& definition) {
-    static constexpr WORD kCreate[] = {META_CREATEPENINDIRECT, META_CREATEBRUSHINDIRECT, META_CREATEFONTINDIRECT};
+    static constexpr WORD kCreate[] = {META_CREATEPENINDIRECT, META_CREATEBRUSHINDIRECT,
+                                       META_CREATEFONTINDIRECT};
     for (std::size_t i = 0; i < slots_.size(); ++i) {
         if (slots_[i].kind == kind && slots_[i].definition == definition) return static_cast<int>(i);
     }
@@ -229,11 +242,13 @@ void MetafileDevice::Select(ObjectKind kind, Words definition) {
 }
 
 void MetafileDevice::SelectPen(const LOGPEN& pen) {
-    Select(PEN, {static_cast<WORD>(pen.lopnStyle), Word(pen.lopnWidth.x), 0, Low(pen.lopnColor), High(pen.lopnColor)});
+    Select(PEN, {static_cast<WORD>(pen.lopnStyle), Word(pen.lopnWidth.x), 0, Low(pen.lopnColor),
+                 High(pen.lopnColor)});
 }
 
 void MetafileDevice::SelectBrush(const LOGBRUSH& brush) {
-    Select(BRUSH, {static_cast<WORD>(brush.lbStyle), Low(brush.lbColor), High(brush.lbColor), Word(brush.lbHatch)});
+    Select(BRUSH,
+           {static_cast<WORD>(brush.lbStyle), Low(brush.lbColor), High(brush.lbColor), Word(brush.lbHatch)});
 }
 
 void MetafileDevice::SelectFont(const LOGFONT& font) {
@@ -304,8 +319,8 @@ void MetafileDevice::FillRect(const GraphicsState& state, const CRect& rect, con
     if (box.IsRectEmpty()) return;
     WriteCommon(state);
     if (operation == PATCOPY || operation == PATINVERT) SelectBrush(brush);
-    Record(META_PATBLT, {Low(operation), High(operation), Word(box.Height()), Word(box.Width()), Word(box.top),
-                         Word(box.left)});
+    Record(META_PATBLT, {Low(operation), High(operation), Word(box.Height()), Word(box.Width()),
+                         Word(box.top), Word(box.left)});
 }
 
 void MetafileDevice::Rectangle(const GraphicsState& state, const CRect& r) {
@@ -315,7 +330,8 @@ void MetafileDevice::Rectangle(const GraphicsState& state, const CRect& r) {
 
 void MetafileDevice::RoundRect(const GraphicsState& state, const CRect& r, const CSize& corner) {
     WriteShape(state);
-    Record(META_ROUNDRECT, {Word(corner.cy), Word(corner.cx), Word(r.bottom), Word(r.right), Word(r.top), Word(r.left)});
+    Record(META_ROUNDRECT,
+           {Word(corner.cy), Word(corner.cx), Word(r.bottom), Word(r.right), Word(r.top), Word(r.left)});
 }
 
 void MetafileDevice::Ellipse(const GraphicsState& state, const CRect& r) {
@@ -354,8 +370,8 @@ void MetafileDevice::DrawText(const GraphicsState& state, std::span<const TextSp
     for (const TextSpan& span : spans) WriteSpan(span);
 }
 
-// One record for a line of characters on one baseline, so that the text stays whole: the distances between the
-// characters' points are the advances. Only for texts that are placed by their left end.
+// One record for a line of characters on one baseline, so that the text stays whole: the distances between
+// the characters' points are the advances. Only for texts that are placed by their left end.
 bool MetafileDevice::WriteRun(std::span<const TextSpan> spans) {
     if (spans.size() < 2 || (written_.textAlign & TA_CENTER)) return false;
     std::string bytes;

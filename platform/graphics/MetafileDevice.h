@@ -1,17 +1,17 @@
 // The device behind a metafile recorder.
 #pragma once
 
+#include <zel/platform/GraphicsDevice.h>
+
 #include <cstdint>
 #include <string>
 #include <vector>
 
-#include <zel/platform/GraphicsDevice.h>
-
 namespace zel {
 
-// Writes the records of a Windows metafile (Microsoft MS-WMF). A record of a setting is written only when a primitive
-// needs it and it differs from what was written last; objects are created when they are first needed and kept for
-// use again.
+// Writes the records of a Windows metafile (Microsoft MS-WMF). A record of a setting is written only when a
+// primitive needs it and it differs from what was written last; objects are created when they are first
+// needed and kept for use again.
 class MetafileDevice : public GraphicsDevice {
   public:
     explicit MetafileDevice(std::string fileName) : fileName_(std::move(fileName)) {}
@@ -22,8 +22,10 @@ class MetafileDevice : public GraphicsDevice {
 
     int Caps(int index) const override { return index == TECHNOLOGY ? DT_METAFILE : 0; }
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override;
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override;
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override;
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override;
     void Rectangle(const GraphicsState& state, const CRect& rect) override;
     void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;

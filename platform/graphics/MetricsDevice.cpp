@@ -1,40 +1,61 @@
+#include "platform/graphics/StandardMetrics.h"
+#include "platform/graphics/Utf8.h"
+
 #include <zel/platform/MetricsDevice.h>
 
 #include <cmath>
 
-#include "platform/graphics/StandardMetrics.h"
-#include "platform/graphics/Utf8.h"
-
 namespace zel {
 namespace {
 
-bool IsBold(const LOGFONT& font) { return font.lfWeight > (FW_NORMAL + FW_BOLD) / 2; }
+bool IsBold(const LOGFONT& font) {
+    return font.lfWeight > (FW_NORMAL + FW_BOLD) / 2;
+}
 
-FontSize SizeOf(const GraphicsState& state) { return SizeOfFont(state.font.lfHeight, state.map.ScaleY()); }
+FontSize SizeOf(const GraphicsState& state) {
+    return SizeOfFont(state.font.lfHeight, state.map.ScaleY());
+}
 
-int ToLogicalX(const GraphicsState& state, double units) { return Truncate(std::round(units / state.map.ScaleX())); }
-int ToLogicalY(const GraphicsState& state, double units) { return Truncate(std::round(units / state.map.ScaleY())); }
+int ToLogicalX(const GraphicsState& state, double units) {
+    return Truncate(std::round(units / state.map.ScaleX()));
+}
+int ToLogicalY(const GraphicsState& state, double units) {
+    return Truncate(std::round(units / state.map.ScaleY()));
+}
 
 }  // namespace
 
-MetricsDevice::MetricsDevice(int unitsPerInch, CSize surface) : unitsPerInch_(unitsPerInch), surface_(surface) {}
+MetricsDevice::MetricsDevice(int unitsPerInch, CSize surface)
+    : unitsPerInch_(unitsPerInch), surface_(surface) {}
 
 int MetricsDevice::Caps(int index) const {
     switch (index) {
-        case TECHNOLOGY: return DT_RASDISPLAY;
+        case TECHNOLOGY:
+            return DT_RASDISPLAY;
         case LOGPIXELSX:
-        case LOGPIXELSY: return unitsPerInch_;
-        case HORZRES: return surface_.cx;
-        case VERTRES: return surface_.cy;
-        case HORZSIZE: return MulDiv(surface_.cx, 254, unitsPerInch_ * 10);
-        case VERTSIZE: return MulDiv(surface_.cy, 254, unitsPerInch_ * 10);
-        case BITSPIXEL: return 32;
-        case PLANES: return 1;
-        case NUMCOLORS: return -1;
+        case LOGPIXELSY:
+            return unitsPerInch_;
+        case HORZRES:
+            return surface_.cx;
+        case VERTRES:
+            return surface_.cy;
+        case HORZSIZE:
+            return MulDiv(surface_.cx, 254, unitsPerInch_ * 10);
+        case VERTSIZE:
+            return MulDiv(surface_.cy, 254, unitsPerInch_ * 10);
+        case BITSPIXEL:
+            return 32;
+        case PLANES:
+            return 1;
+        case NUMCOLORS:
+            return -1;
         case ASPECTX:
-        case ASPECTY: return 36;
-        case ASPECTXY: return 51;
-        default: return 0;
+        case ASPECTY:
+            return 36;
+        case ASPECTXY:
+            return 51;
+        default:
+            return 0;
     }
 }
 

@@ -1,7 +1,6 @@
-#include <zel/platform/Platform.h>
-
 #include <zel/platform/Exception.h>
 #include <zel/platform/MetricsDevice.h>
+#include <zel/platform/Platform.h>
 
 namespace zel {
 namespace {
@@ -15,15 +14,21 @@ std::unique_ptr<Platform>& Installed() {
 
 Platform::~Platform() = default;
 
-Platform& Platform::Get() { return *Installed(); }
+Platform& Platform::Get() {
+    return *Installed();
+}
 
 void Platform::Install(std::unique_ptr<Platform> platform) {
     Installed() = platform ? std::move(platform) : std::make_unique<Platform>();
 }
 
-std::unique_ptr<GraphicsDevice> Platform::CreateScreenCompatibleDevice() { return std::make_unique<MetricsDevice>(); }
+std::unique_ptr<GraphicsDevice> Platform::CreateScreenCompatibleDevice() {
+    return std::make_unique<MetricsDevice>();
+}
 
-double Platform::UnitsPerInch(const FileDeviceOptions& options) { return options.dotsPerInch; }
+double Platform::UnitsPerInch(const FileDeviceOptions& options) {
+    return options.dotsPerInch;
+}
 
 std::unique_ptr<DocumentDevice> Platform::CreateFileDevice(const FileDeviceOptions& options) {
     AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": drawing ." + options.format +

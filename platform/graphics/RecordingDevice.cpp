@@ -5,10 +5,18 @@
 namespace zel {
 namespace {
 
-std::string Number(long value) { return std::to_string(value); }
-std::string Text(const CPoint& p) { return Number(p.x) + "," + Number(p.y); }
-std::string Text(const CRect& r) { return Text(r.TopLeft()) + " " + Text(r.BottomRight()); }
-std::string Text(const CSize& s) { return Number(s.cx) + "," + Number(s.cy); }
+std::string Number(long value) {
+    return std::to_string(value);
+}
+std::string Text(const CPoint& p) {
+    return Number(p.x) + "," + Number(p.y);
+}
+std::string Text(const CRect& r) {
+    return Text(r.TopLeft()) + " " + Text(r.BottomRight());
+}
+std::string Text(const CSize& s) {
+    return Number(s.cx) + "," + Number(s.cy);
+}
 
 std::string Color(COLORREF color) {
     char text[8];
@@ -116,12 +124,23 @@ void RecordingDevice::FillRect(const GraphicsState& state, const CRect& rect, co
     if (how.starts_with("solid ")) how = how.substr(6);
     how.pop_back();
     switch (operation) {
-        case PATCOPY: break;
-        case WHITENESS: how = "whiteness"; break;
-        case BLACKNESS: how = "blackness"; break;
-        case DSTINVERT: how = "invert"; break;
-        case PATINVERT: how += " xor"; break;
-        default: how += " operation " + Number(operation); break;
+        case PATCOPY:
+            break;
+        case WHITENESS:
+            how = "whiteness";
+            break;
+        case BLACKNESS:
+            how = "blackness";
+            break;
+        case DSTINVERT:
+            how = "invert";
+            break;
+        case PATINVERT:
+            how += " xor";
+            break;
+        default:
+            how += " operation " + Number(operation);
+            break;
     }
     text_ += "fill " + zel::Text(rect) + " " + how + "\n";
 }
@@ -141,8 +160,8 @@ void RecordingDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     text_ += "ellipse " + zel::Text(rect) + "\n";
 }
 
-void RecordingDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
-                          ArcKind kind) {
+void RecordingDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start,
+                          const CPoint& end, ArcKind kind) {
     static constexpr const char* kKinds[] = {"arc ", "chord ", "pie "};
     kind == ArcKind::ARC ? WritePen(state) : WriteShape(state);
     text_ += kKinds[static_cast<int>(kind)] + zel::Text(rect) + " from " + zel::Text(start) + " to " +

@@ -1,10 +1,9 @@
+#include <zel/platform/GdiTypes.h>
 #include <zel/platform/Region.h>
 
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
-
-#include <zel/platform/GdiTypes.h>
 
 namespace zel {
 namespace {
@@ -22,7 +21,8 @@ class BandBuilder {
     void Add(LONG top, LONG bottom, const Row& row) {
         if (row.empty() || top >= bottom) return;
         if (!rects_.empty() && rects_.back().bottom == top && row == row_) {
-            for (std::size_t i = rects_.size() - row.size(); i < rects_.size(); ++i) rects_[i].bottom = bottom;
+            for (std::size_t i = rects_.size() - row.size(); i < rects_.size(); ++i)
+                rects_[i].bottom = bottom;
             return;
         }
         for (const Interval& x : row) rects_.emplace_back(x.begin, top, x.end, bottom);
@@ -37,11 +37,16 @@ class BandBuilder {
 
 bool Inside(bool a, bool b, int mode) {
     switch (mode) {
-        case RGN_AND: return a && b;
-        case RGN_OR: return a || b;
-        case RGN_XOR: return a != b;
-        case RGN_DIFF: return a && !b;
-        default: return a;
+        case RGN_AND:
+            return a && b;
+        case RGN_OR:
+            return a || b;
+        case RGN_XOR:
+            return a != b;
+        case RGN_DIFF:
+            return a && !b;
+        default:
+            return a;
     }
 }
 
@@ -76,7 +81,8 @@ class BandReader {
     Row At(LONG y) {
         while (at_ < rects_.size() && rects_[at_].bottom <= y) ++at_;
         Row row;
-        for (std::size_t i = at_; i < rects_.size() && rects_[i].top == rects_[at_].top && rects_[i].top <= y; ++i) {
+        for (std::size_t i = at_; i < rects_.size() && rects_[i].top == rects_[at_].top && rects_[i].top <= y;
+             ++i) {
             row.push_back({rects_[i].left, rects_[i].right});
         }
         return row;
@@ -92,7 +98,8 @@ struct Edge {
     int winding;
 };
 
-// Where the rings cross row `y`: at integer coordinates, the upper end of an edge belonging to it, the lower not.
+// Where the rings cross row `y`: at integer coordinates, the upper end of an edge belonging to it, the lower
+// not.
 std::vector<Edge> Crossings(std::span<const CPoint> points, std::span<const int> counts, LONG y) {
     std::vector<Edge> edges;
     std::size_t begin = 0;
@@ -146,12 +153,15 @@ Region Region::FromPolygons(std::span<const CPoint> points, std::span<const int>
                                                  [](const CPoint& a, const CPoint& b) { return a.y < b.y; });
     const LONG bottom = std::min(high->y, Add(low->y, kMostRows));
     BandBuilder bands;
-    for (LONG y = low->y; y < bottom; ++y) bands.Add(y, y + 1, FilledRow(Crossings(points, counts, y), fillMode));
+    for (LONG y = low->y; y < bottom; ++y)
+        bands.Add(y, y + 1, FilledRow(Crossings(points, counts, y), fillMode));
     region.rects_ = bands.Take();
     return region;
 }
 
-Region Region::FromEllipse(const CRect& rect) { return FromRoundRect(rect, rect.Size()); }
+Region Region::FromEllipse(const CRect& rect) {
+    return FromRoundRect(rect, rect.Size());
+}
 
 Region Region::FromRoundRect(const CRect& rect, const CSize& corner) {
     CRect box(rect);
@@ -191,7 +201,8 @@ bool Region::Touches(const CRect& rect) const {
     CRect ordered(rect);
     ordered.NormalizeRect();
     CRect common;
-    return std::any_of(rects_.begin(), rects_.end(), [&](const CRect& own) { return common.IntersectRect(own, ordered); });
+    return std::any_of(rects_.begin(), rects_.end(),
+                       [&](const CRect& own) { return common.IntersectRect(own, ordered); });
 }
 
 void Region::Offset(int dx, int dy) {

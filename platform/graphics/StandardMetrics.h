@@ -19,8 +19,8 @@ struct FontSize {
     int Scaled(int designUnits) const { return static_cast<int>(designUnits * em / kUnitsPerEm + 0.5); }
 };
 
-// A negative height is that of the em, a positive one that of ascent and descent together. `scale` takes logical to
-// device units.
+// A negative height is that of the em, a positive one that of ascent and descent together. `scale` takes
+// logical to device units.
 FontSize SizeOfFont(LONG height, double scale);
 
 }  // namespace zel

@@ -10,7 +10,8 @@ namespace zel {
 inline char32_t NextCodePoint(std::string_view text, std::size_t& at) {
     const auto lead = static_cast<unsigned char>(text[at++]);
     const int more = lead >= 0xF0 && lead < 0xF5 ? 3 : lead >= 0xE0 ? 2 : lead >= 0xC2 ? 1 : 0;
-    if (lead < 0x80 || more == 0 || lead >= 0xF5 || at + static_cast<std::size_t>(more) > text.size()) return lead;
+    if (lead < 0x80 || more == 0 || lead >= 0xF5 || at + static_cast<std::size_t>(more) > text.size())
+        return lead;
     char32_t value = lead & (0x3Fu >> more);
     for (int i = 0; i < more; ++i) {
         const auto next = static_cast<unsigned char>(text[at + static_cast<std::size_t>(i)]);

@@ -1,11 +1,10 @@
 #include <zel/platform/Archive.h>
+#include <zel/platform/Exception.h>
+#include <zel/platform/File.h>
 
 #include <algorithm>
 #include <unordered_map>
 #include <utility>
-
-#include <zel/platform/Exception.h>
-#include <zel/platform/File.h>
 
 namespace {
 
@@ -33,15 +32,18 @@ struct ArchiveMaps {
     std::unordered_map<const void*, std::uint32_t> indexes;  // storing
     std::vector<Loaded> loaded{{}};                          // loading; slot 0 is null
     std::uint32_t next = 1;
-    std::vector<const CRuntimeClass*> classes;               // whose Serialize is running, for messages
+    std::vector<const CRuntimeClass*> classes;  // whose Serialize is running, for messages
 };
 
 }  // namespace zel
 
 CArchive::CArchive(CFile* file, UINT mode, int bufferSize)
-    : file_(file), loading_((mode & load) != 0),
+    : file_(file),
+      loading_((mode & load) != 0),
       buffer_(std::max<std::size_t>(static_cast<std::size_t>(std::max(bufferSize, 0)), kLeastBuffer)),
-      cursor_(buffer_.data()), bufferEnd_(buffer_.data() + buffer_.size()), filledEnd_(buffer_.data()),
+      cursor_(buffer_.data()),
+      bufferEnd_(buffer_.data() + buffer_.size()),
+      filledEnd_(buffer_.data()),
       maps_(std::make_unique<zel::ArchiveMaps>()) {
     if (loading_) length_ = file->GetLength() - std::min(file->GetLength(), file->GetPosition());
 }
@@ -50,7 +52,8 @@ CArchive::~CArchive() = default;
 
 void CArchive::Fail(int cause, const std::string& why) const {
     std::string message = loading_ ? "Cannot read the archive" : "Cannot write the archive";
-    if (!maps_->classes.empty()) message += std::string(", in an object of class ") + maps_->classes.back()->m_lpszClassName;
+    if (!maps_->classes.empty())
+        message += std::string(", in an object of class ") + maps_->classes.back()->m_lpszClassName;
     message += " at byte " + std::to_string(Offset()) + ": " + why;
     AfxThrowArchiveException(cause, message.c_str());
 }
@@ -67,7 +70,9 @@ std::uint64_t CArchive::Offset() const {
     return passed_ + buffered;
 }
 
-std::uint64_t CArchive::BytesLeft() const { return length_ - std::min(length_, Offset()); }
+std::uint64_t CArchive::BytesLeft() const {
+    return length_ - std::min(length_, Offset());
+}
 
 void CArchive::CheckCount(std::int64_t count, std::size_t elementSize) const {
     if (count < 0) Fail(CArchiveException::badIndex, "the count " + std::to_string(count) + " is negative");
@@ -91,7 +96,9 @@ void CArchive::Close() {
     file_ = nullptr;
 }
 
-void CArchive::Abort() { file_ = nullptr; }
+void CArchive::Abort() {
+    file_ = nullptr;
+}
 
 void CArchive::Write(const void* bytes, std::size_t count) {
     RequireMode(false);
@@ -150,7 +157,8 @@ void CArchive::WriteCount(std::uint64_t count) {
     if (count < 0xFFFF) {
         *this << static_cast<WORD>(count);
     } else {
-        if (count > 0xFFFFFFFF) Fail(CArchiveException::badIndex, "a collection has more than 4294967295 elements");
+        if (count > 0xFFFFFFFF)
+            Fail(CArchiveException::badIndex, "a collection has more than 4294967295 elements");
         *this << static_cast<WORD>(0xFFFF) << static_cast<DWORD>(count);
     }
 }
@@ -219,7 +227,8 @@ std::string FromUtf16(const std::vector<char16_t>& units) {
     std::string text;
     for (std::size_t i = 0; i < units.size(); ++i) {
         std::uint32_t c = units[i];
-        if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 && units[i + 1] < 0xE000) {
+        if (c >= 0xD800 && c < 0xDC00 && i + 1 < units.size() && units[i + 1] >= 0xDC00 &&
+            units[i + 1] < 0xE000) {
             c = 0x10000 + ((c - 0xD800) << 10) + (units[++i] - 0xDC00u);
         } else if (c >= 0xD800 && c < 0xE000) {
             c = kReplacement;
@@ -282,7 +291,8 @@ void CArchive::WriteObject(const CObject* object) {
     }
     const CRuntimeClass* record = object->GetRuntimeClass();
     if (!record->IsSerializable()) {
-        Fail(CArchiveException::badClass, std::string("objects of class ") + record->m_lpszClassName + " cannot be stored");
+        Fail(CArchiveException::badClass,
+             std::string("objects of class ") + record->m_lpszClassName + " cannot be stored");
     }
     WriteClassTag(record);
     maps_->indexes[object] = maps_->next++;
@@ -291,7 +301,9 @@ void CArchive::WriteObject(const CObject* object) {
     maps_->classes.pop_back();
 }
 
-CObject* CArchive::ReadObject(const CRuntimeClass* expected) { return ReadTagged(expected, false); }
+CObject* CArchive::ReadObject(const CRuntimeClass* expected) {
+    return ReadTagged(expected, false);
+}
 
 std::unique_ptr<CObject> CArchive::ReadNewObject(const CRuntimeClass* expected) {
     return std::unique_ptr<CObject>(ReadTagged(expected, true));
@@ -300,7 +312,8 @@ std::unique_ptr<CObject> CArchive::ReadNewObject(const CRuntimeClass* expected) 
 void CArchive::CheckKind(const CRuntimeClass* record, const CRuntimeClass* expected) const {
     if (expected && !record->IsDerivedFrom(expected)) {
         Fail(CArchiveException::badClass, std::string("an object of class ") + record->m_lpszClassName +
-                                              " stands where one of class " + expected->m_lpszClassName + " should be");
+                                              " stands where one of class " + expected->m_lpszClassName +
+                                              " should be");
     }
 }
 
@@ -321,16 +334,19 @@ CObject* CArchive::ReadTagged(const CRuntimeClass* expected, bool newOnly) {
         return nullptr;
     }
     if (index >= maps_->loaded.size()) {
-        Fail(CArchiveException::badIndex, "number " + std::to_string(index) + " names nothing that was read before");
+        Fail(CArchiveException::badIndex,
+             "number " + std::to_string(index) + " names nothing that was read before");
     }
     const auto& entry = maps_->loaded[index];
     if (isClass) {
-        if (!entry.record) Fail(CArchiveException::badIndex, "number " + std::to_string(index) + " is no class");
+        if (!entry.record)
+            Fail(CArchiveException::badIndex, "number " + std::to_string(index) + " is no class");
         schema_ = entry.schema;
         return ReadNewInstance(entry.record, expected);
     }
     if (!entry.object) Fail(CArchiveException::badIndex, "number " + std::to_string(index) + " is no object");
-    if (newOnly) Fail(CArchiveException::badIndex, "an object that already has its place stands a second time");
+    if (newOnly)
+        Fail(CArchiveException::badIndex, "an object that already has its place stands a second time");
     CheckKind(entry.object->GetRuntimeClass(), expected);
     return entry.object;
 }
@@ -346,10 +362,13 @@ CRuntimeClass* CArchive::ReadNewClass() {
     ReadExact(name.data(), name.size());
     CRuntimeClass* record = CRuntimeClass::FromName(name.c_str());
     if (!record || name.find('\0') != std::string::npos) {
-        const bool printable = std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c <= '~'; });
-        Fail(CArchiveException::badClass, "no class \"" + (printable ? name : "(unprintable)") + "\" is known");
+        const bool printable =
+            std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c <= '~'; });
+        Fail(CArchiveException::badClass,
+             "no class \"" + (printable ? name : "(unprintable)") + "\" is known");
     }
-    if (!record->IsSerializable()) Fail(CArchiveException::badClass, "objects of class " + name + " cannot be stored");
+    if (!record->IsSerializable())
+        Fail(CArchiveException::badClass, "objects of class " + name + " cannot be stored");
     const UINT own = record->m_wSchema & ~VERSIONABLE_SCHEMA;
     if (schema != own && !(record->m_wSchema & VERSIONABLE_SCHEMA)) {
         Fail(CArchiveException::badSchema, "class " + name + " has schema " + std::to_string(schema) +
@@ -363,7 +382,8 @@ CRuntimeClass* CArchive::ReadNewClass() {
 CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected) {
     CheckKind(record, expected);
     if (depth_ >= kMostNesting) {
-        Fail(CArchiveException::badIndex, "objects are nested more than " + std::to_string(kMostNesting) + " deep");
+        Fail(CArchiveException::badIndex,
+             "objects are nested more than " + std::to_string(kMostNesting) + " deep");
     }
     std::unique_ptr<CObject> object(record->CreateObject());
     // The object has its number before its data is read, so that what it holds can refer to it.
@@ -384,4 +404,6 @@ CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* e
     return object.release();
 }
 
-UINT CArchive::GetObjectSchema() { return std::exchange(schema_, static_cast<UINT>(-1)); }
+UINT CArchive::GetObjectSchema() {
+    return std::exchange(schema_, static_cast<UINT>(-1));
+}

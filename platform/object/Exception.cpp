@@ -16,7 +16,8 @@ IMPLEMENT_DYNAMIC(CFileException, CException)
 
 BOOL CException::GetErrorMessage(char* buffer, UINT size) const {
     if (message_.IsEmpty() || size == 0) return FALSE;
-    const std::size_t length = std::min<std::size_t>(static_cast<std::size_t>(message_.GetLength()), size - 1);
+    const std::size_t length =
+        std::min<std::size_t>(static_cast<std::size_t>(message_.GetLength()), size - 1);
     std::memcpy(buffer, static_cast<const char*>(message_), length);
     buffer[length] = '\0';
     return TRUE;
@@ -24,29 +25,41 @@ BOOL CException::GetErrorMessage(char* buffer, UINT size) const {
 
 int CFileException::ErrnoToCause(int error) {
     switch (error) {
-        case 0: return none;
-        case ENOENT: return fileNotFound;
+        case 0:
+            return none;
+        case ENOENT:
+            return fileNotFound;
         case ENOTDIR:
         case ENAMETOOLONG:
-        case ELOOP: return badPath;
+        case ELOOP:
+            return badPath;
         case EMFILE:
-        case ENFILE: return tooManyOpenFiles;
+        case ENFILE:
+            return tooManyOpenFiles;
         case EACCES:
         case EPERM:
         case EROFS:
-        case EISDIR: return accessDenied;
-        case EBADF: return invalidFile;
+        case EISDIR:
+            return accessDenied;
+        case EBADF:
+            return invalidFile;
         case ESPIPE:
-        case EINVAL: return badSeek;
-        case EIO: return hardIO;
+        case EINVAL:
+            return badSeek;
+        case EIO:
+            return hardIO;
         case ENOSPC:
         case EDQUOT:
-        case EFBIG: return diskFull;
-        default: return genericException;
+        case EFBIG:
+            return diskFull;
+        default:
+            return genericException;
     }
 }
 
-void AfxThrowMemoryException() { throw new CMemoryException("Out of memory."); }
+void AfxThrowMemoryException() {
+    throw new CMemoryException("Out of memory.");
+}
 
 void AfxThrowNotSupportedException(const char* message) {
     throw new CNotSupportedException(message ? message : "The operation is not supported.");
@@ -74,7 +87,9 @@ void AfxThrowArchiveException(int cause, const char* message) {
 
 namespace {
 
-std::string Reason(int error) { return std::error_code(error, std::generic_category()).message(); }
+std::string Reason(int error) {
+    return std::error_code(error, std::generic_category()).message();
+}
 
 [[noreturn]] void ThrowFile(int cause, int error, const char* fileName, const std::string& message) {
     throw new CFileException(cause, error, fileName ? fileName : "", message.c_str());
@@ -83,7 +98,8 @@ std::string Reason(int error) { return std::error_code(error, std::generic_categ
 }  // namespace
 
 void AfxThrowFileException(int cause, LONG osError, const char* fileName) {
-    const std::string subject = fileName && *fileName ? "the file \"" + std::string(fileName) + "\"" : "a file";
+    const std::string subject =
+        fileName && *fileName ? "the file \"" + std::string(fileName) + "\"" : "a file";
     const std::string reason = osError > 0 ? Reason(osError) : "cause " + std::to_string(cause);
     ThrowFile(cause, osError, fileName, "Cannot use " + subject + ": " + reason);
 }

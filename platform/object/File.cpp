@@ -1,13 +1,12 @@
 #include <zel/platform/File.h>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 IMPLEMENT_DYNAMIC(CFile, CObject)
 IMPLEMENT_DYNAMIC(CMemFile, CFile)
@@ -17,9 +16,15 @@ namespace {
 int SystemFlags(UINT flags) {
     int system = O_CLOEXEC;
     switch (flags & 3) {
-        case CFile::modeWrite: system |= O_WRONLY; break;
-        case CFile::modeReadWrite: system |= O_RDWR; break;
-        default: system |= O_RDONLY; break;
+        case CFile::modeWrite:
+            system |= O_WRONLY;
+            break;
+        case CFile::modeReadWrite:
+            system |= O_RDWR;
+            break;
+        default:
+            system |= O_RDONLY;
+            break;
     }
     if (flags & CFile::modeCreate) {
         if ((flags & 3) == CFile::modeRead) system |= O_RDWR;
@@ -48,9 +53,13 @@ CFile::CFile(const char* path, UINT flags) : path_(path) {
     if (descriptor_ < 0) Fail("open");
 }
 
-CFile::~CFile() { CFile::Abort(); }
+CFile::~CFile() {
+    CFile::Abort();
+}
 
-void CFile::Fail(const char* attempt) const { zel::ThrowFileError(attempt, path_, errno); }
+void CFile::Fail(const char* attempt) const {
+    zel::ThrowFileError(attempt, path_, errno);
+}
 
 BOOL CFile::Open(const char* path, UINT flags, CFileException** error) {
     CFile::Abort();
@@ -141,7 +150,9 @@ void CFile::Rename(const char* oldPath, const char* newPath) {
     if (::rename(oldPath, newPath) != 0) zel::ThrowFileError("rename", oldPath, errno);
 }
 
-CMemFile::CMemFile(UINT growBytes) { own_.reserve(growBytes); }
+CMemFile::CMemFile(UINT growBytes) {
+    own_.reserve(growBytes);
+}
 
 CMemFile::CMemFile(const void* bytes, std::size_t count)
     : borrowed_(static_cast<const std::uint8_t*>(bytes)), size_(count) {}

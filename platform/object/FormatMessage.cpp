@@ -1,4 +1,6 @@
 // CString's message inserts.
+#include <zel/platform/String.h>
+
 #include <array>
 #include <cctype>
 #include <climits>
@@ -7,8 +9,6 @@
 #include <optional>
 #include <variant>
 #include <vector>
-
-#include <zel/platform/String.h>
 
 namespace {
 
@@ -22,7 +22,9 @@ struct Insert {
     std::size_t length;  // characters of the message after the percent sign
 };
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
 
 // The insert whose number begins at `text`; nothing when it is none.
 std::optional<Insert> ParseInsert(std::string_view text) {
@@ -51,9 +53,11 @@ bool IsUsableFormat(const std::string& format) {
 
 Argument Take(const std::string& format, va_list* arguments) {
     const char conversion = format.back();
-    const bool longLong = format.find("ll") != std::string::npos || format.find_first_of("qj") != std::string::npos;
+    const bool longLong =
+        format.find("ll") != std::string::npos || format.find_first_of("qj") != std::string::npos;
     const bool isLong = format.find_first_of("lzt") != std::string::npos;
-    if (std::string_view("eEfFgGaA").find(conversion) != std::string_view::npos) return va_arg(*arguments, double);
+    if (std::string_view("eEfFgGaA").find(conversion) != std::string_view::npos)
+        return va_arg(*arguments, double);
     if (conversion == 's' || conversion == 'S') return va_arg(*arguments, const char*);
     if (conversion == 'p') return va_arg(*arguments, const void*);
     if (longLong) return va_arg(*arguments, long long);
@@ -88,8 +92,8 @@ std::string Printed(std::string format, const Argument& argument) {
         argument);
 }
 
-// The arguments in order, each of the type that the first insert of its number asks for. A number that no insert
-// names between two others is read as a string, which takes the same place in the list.
+// The arguments in order, each of the type that the first insert of its number asks for. A number that no
+// insert names between two others is read as a string, which takes the same place in the list.
 std::vector<Argument> TakeArguments(std::string_view message, va_list* arguments, int count) {
     std::array<std::string, kMostInserts + 1> formats;
     int highest = 0;

@@ -1,11 +1,10 @@
+#include <zel/platform/Archive.h>
 #include <zel/platform/Object.h>
 
 #include <cstring>
 #include <mutex>
 #include <string_view>
 #include <unordered_map>
-
-#include <zel/platform/Archive.h>
 
 namespace {
 
@@ -44,9 +43,13 @@ CRuntimeClass* CRuntimeClass::FromName(const char* name) {
 }
 
 CObject::~CObject() = default;
-CRuntimeClass* CObject::GetRuntimeClass() const { return &classCObject; }
+CRuntimeClass* CObject::GetRuntimeClass() const {
+    return &classCObject;
+}
 void CObject::Serialize(CArchive&) {}
 void CObject::AssertValid() const {}
 void CObject::Dump(CDumpContext&) const {}
 
-CObject* zel::ReadKnownObject(CArchive& ar, const CRuntimeClass* expected) { return ar.ReadObject(expected); }
+CObject* zel::ReadKnownObject(CArchive& ar, const CRuntimeClass* expected) {
+    return ar.ReadObject(expected);
+}

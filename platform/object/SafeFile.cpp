@@ -1,15 +1,13 @@
+#include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
-
-#include <zel/platform/Exception.h>
 
 namespace zel {
 namespace {
@@ -66,7 +64,9 @@ SafeFile::~SafeFile() {
     if (!committed_) ::unlink(temporary_.c_str());
 }
 
-void SafeFile::Fail(const char* attempt) const { ThrowFileError(attempt, target_.c_str(), errno); }
+void SafeFile::Fail(const char* attempt) const {
+    ThrowFileError(attempt, target_.c_str(), errno);
+}
 
 void SafeFile::Write(const void* bytes, std::size_t count) {
     const auto* from = static_cast<const char*>(bytes);

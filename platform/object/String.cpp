@@ -1,3 +1,4 @@
+#include <zel/platform/Exception.h>
 #include <zel/platform/String.h>
 
 #include <algorithm>
@@ -5,14 +6,20 @@
 #include <cstdio>
 #include <cstring>
 
-#include <zel/platform/Exception.h>
-
 namespace {
 
-char Upper(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-bool IsBlank(char c) { return std::isspace(static_cast<unsigned char>(c)) != 0; }
-int Position(std::size_t found) { return found == std::string::npos ? -1 : static_cast<int>(found); }
+char Upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+char Lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+bool IsBlank(char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+}
+int Position(std::size_t found) {
+    return found == std::string::npos ? -1 : static_cast<int>(found);
+}
 
 }  // namespace
 
@@ -59,7 +66,9 @@ int CString::Find(const char* part, int start) const {
 int CString::Find(char c, int start) const {
     return start < 0 ? -1 : Position(text_.find(c, static_cast<std::size_t>(start)));
 }
-int CString::ReverseFind(char c) const { return Position(text_.rfind(c)); }
+int CString::ReverseFind(char c) const {
+    return Position(text_.rfind(c));
+}
 
 CString& CString::TrimLeft() {
     text_.erase(text_.begin(), std::find_if_not(text_.begin(), text_.end(), IsBlank));

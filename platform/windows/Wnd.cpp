@@ -1,14 +1,14 @@
+#include <zel/platform/Exception.h>
 #include <zel/platform/Wnd.h>
 
 #include <climits>
-
-#include <zel/platform/Exception.h>
 
 IMPLEMENT_DYNCREATE(CWnd, CObject)
 IMPLEMENT_DYNAMIC(CClientDC, CDC)
 
 void CWnd::InvalidateRect(const RECT* area, BOOL erase) {
-    if (peer_) peer_->Invalidate(area ? CRect(*area) : CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), erase != FALSE);
+    if (peer_)
+        peer_->Invalidate(area ? CRect(*area) : CRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), erase != FALSE);
 }
 
 CClientDC::CClientDC(CWnd* window) {

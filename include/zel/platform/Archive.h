@@ -1,6 +1,10 @@
 // Binary streams of values and objects.
 #pragma once
 
+#include <zel/platform/Geometry.h>
+#include <zel/platform/Object.h>
+#include <zel/platform/String.h>
+
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -8,24 +12,21 @@
 #include <type_traits>
 #include <vector>
 
-#include <zel/platform/Geometry.h>
-#include <zel/platform/Object.h>
-#include <zel/platform/String.h>
-
 class CFile;
 
 namespace zel {
 struct ArchiveMaps;
 }
 
-// Stores values and objects in a file, or loads them from it. All values are little endian. Objects are preceded by a
-// tag: 0 for null, 0xFFFF for the first object of a class (schema, name and object follow), 0x8000 | index for an
-// object of a class seen before, an index for an object seen before, 0x7FFF before a 32-bit tag. Classes and objects
-// share one index space, counted from 1 in order of appearance.
+// Stores values and objects in a file, or loads them from it. All values are little endian. Objects are
+// preceded by a tag: 0 for null, 0xFFFF for the first object of a class (schema, name and object follow),
+// 0x8000 | index for an object of a class seen before, an index for an object seen before, 0x7FFF before a
+// 32-bit tag. Classes and objects share one index space, counted from 1 in order of appearance.
 //
-// Nothing in a stream is believed: a count is checked against the bytes that are left before memory is taken for it,
-// nesting is bounded, and every breach of the format raises CArchiveException* that names the class being read and
-// the offset. The file must outlive the archive; an archive that is not closed discards what it has not written.
+// Nothing in a stream is believed: a count is checked against the bytes that are left before memory is taken
+// for it, nesting is bounded, and every breach of the format raises CArchiveException* that names the class
+// being read and the offset. The file must outlive the archive; an archive that is not closed discards what
+// it has not written.
 class CArchive {
   public:
     enum Mode : UINT { store = 0, load = 1 };
@@ -57,8 +58,9 @@ class CArchive {
 
     // Null is stored as such. Throws CArchiveException* for an object that cannot be stored.
     void WriteObject(const CObject* object);
-    // Reads an object of any class, or of `expected` and its subclasses. The archive keeps track of it but does not
-    // own it: whoever reads it first does. A back reference answers an object that has been read before.
+    // Reads an object of any class, or of `expected` and its subclasses. The archive keeps track of it but
+    // does not own it: whoever reads it first does. A back reference answers an object that has been read
+    // before.
     CObject* ReadObject(const CRuntimeClass* expected);
     // Reads an object that is not null and was never read before, so that the reader may own it.
     std::unique_ptr<CObject> ReadNewObject(const CRuntimeClass* expected);
@@ -72,12 +74,13 @@ class CArchive {
     std::uint64_t Offset() const;
     // At most so many bytes are left to read.
     std::uint64_t BytesLeft() const;
-    // Raises CArchiveException* when `count` is negative or so many elements cannot be in the bytes that are left.
+    // Raises CArchiveException* when `count` is negative or so many elements cannot be in the bytes that are
+    // left.
     void CheckCount(std::int64_t count, std::size_t elementSize) const;
 
     template <class T>
-        requires(std::is_arithmetic_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, long double>)
-    CArchive& operator<<(T value) {
+    requires(std::is_arithmetic_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, long double>) CArchive&
+    operator<<(T value) {
         if (bufferEnd_ - cursor_ < static_cast<std::ptrdiff_t>(sizeof value) || loading_) {
             Write(&value, sizeof value);
         } else {
@@ -87,8 +90,8 @@ class CArchive {
         return *this;
     }
     template <class T>
-        requires(std::is_arithmetic_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, long double>)
-    CArchive& operator>>(T& value) {
+    requires(std::is_arithmetic_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, long double>) CArchive&
+    operator>>(T& value) {
         if (filledEnd_ - cursor_ < static_cast<std::ptrdiff_t>(sizeof value) || !loading_) {
             ReadExact(&value, sizeof value);
         } else {
@@ -110,7 +113,8 @@ class CArchive {
         return *this;
     }
 
-    // Raises CArchiveException* with `why` in a sentence that names the class being read or written and the offset.
+    // Raises CArchiveException* with `why` in a sentence that names the class being read or written and the
+    // offset.
     [[noreturn]] void Fail(int cause, const std::string& why) const;
 
   private:
@@ -133,9 +137,9 @@ class CArchive {
     std::vector<std::uint8_t> buffer_;
     std::uint8_t* cursor_;
     std::uint8_t* bufferEnd_;
-    std::uint8_t* filledEnd_;        // loading: the end of the bytes read ahead
-    std::uint64_t passed_ = 0;       // bytes that have left the buffer
-    std::uint64_t length_ = 0;       // loading: bytes of the file from where the archive began
+    std::uint8_t* filledEnd_;   // loading: the end of the bytes read ahead
+    std::uint64_t passed_ = 0;  // bytes that have left the buffer
+    std::uint64_t length_ = 0;  // loading: bytes of the file from where the archive began
     std::unique_ptr<zel::ArchiveMaps> maps_;
     UINT schema_ = static_cast<UINT>(-1);
     int depth_ = 0;

@@ -1,13 +1,13 @@
 // Growing arrays under the framework's names.
 #pragma once
 
-#include <cstddef>
-#include <vector>
-
 #include <zel/platform/Archive.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/Object.h>
 #include <zel/platform/String.h>
+
+#include <cstddef>
+#include <vector>
 
 using INT_PTR = std::ptrdiff_t;
 

@@ -14,17 +14,20 @@ struct CoordinateMap {
     CPoint viewportOrigin;
     CSize viewportExtent{1, 1};
 
-    bool IsIdentity() const {
-        return windowExtent == viewportExtent && windowOrigin == viewportOrigin;
-    }
+    bool IsIdentity() const { return windowExtent == viewportExtent && windowOrigin == viewportOrigin; }
     CPoint ToDevice(const CPoint& logical) const;
     CPoint ToLogical(const CPoint& device) const;
-    CRect ToDevice(const CRect& logical) const { return {ToDevice(logical.TopLeft()), ToDevice(logical.BottomRight())}; }
-    CRect ToLogical(const CRect& device) const { return {ToLogical(device.TopLeft()), ToLogical(device.BottomRight())}; }
+    CRect ToDevice(const CRect& logical) const {
+        return {ToDevice(logical.TopLeft()), ToDevice(logical.BottomRight())};
+    }
+    CRect ToLogical(const CRect& device) const {
+        return {ToLogical(device.TopLeft()), ToLogical(device.BottomRight())};
+    }
     // Sizes scale by the extents alone: origins play no part, and a negative extent does not change the sign.
     CSize ToDevice(const CSize& logical) const;
     CSize ToLogical(const CSize& device) const;
-    // Device units for one logical unit, always positive. Pen widths follow the x scale, font heights the y scale.
+    // Device units for one logical unit, always positive. Pen widths follow the x scale, font heights the y
+    // scale.
     double ScaleX() const;
     double ScaleY() const;
 };

@@ -1,21 +1,21 @@
 // Device contexts.
 #pragma once
 
+#include <zel/platform/Gdi.h>
+#include <zel/platform/GdiObjects.h>
+#include <zel/platform/String.h>
+
 #include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
 
-#include <zel/platform/Gdi.h>
-#include <zel/platform/GdiObjects.h>
-#include <zel/platform/String.h>
-
-// What one draws with: the settings (pen, brush, font, colours, modes, mapping, clip) and a current position, on a
-// device. Drawing goes to the output context, questions to the attribute context; the two are one unless they were
-// set apart (a metafile answers no questions). What is set or selected is set on both.
+// What one draws with: the settings (pen, brush, font, colours, modes, mapping, clip) and a current position,
+// on a device. Drawing goes to the output context, questions to the attribute context; the two are one unless
+// they were set apart (a metafile answers no questions). What is set or selected is set on both.
 //
-// Coordinates are logical units. A context owns its handles from the constructors and Create operations, and those
-// that it was attached to, until Detach.
+// Coordinates are logical units. A context owns its handles from the constructors and Create operations, and
+// those that it was attached to, until Detach.
 class CDC : public CObject {
     DECLARE_DYNAMIC(CDC)
   public:
@@ -101,13 +101,23 @@ class CDC : public CObject {
     BOOL Rectangle(int left, int top, int right, int bottom);
     BOOL Rectangle(const RECT* rect) { return Rectangle(rect->left, rect->top, rect->right, rect->bottom); }
     BOOL RoundRect(const RECT* rect, POINT corner);
-    BOOL RoundRect(const CRect& rect, POINT corner) { return RoundRect(static_cast<const RECT*>(&rect), corner); }
+    BOOL RoundRect(const CRect& rect, POINT corner) {
+        return RoundRect(static_cast<const RECT*>(&rect), corner);
+    }
     BOOL Ellipse(const RECT* rect);
     BOOL Ellipse(const CRect& rect) { return Ellipse(static_cast<const RECT*>(&rect)); }
-    BOOL Ellipse(int left, int top, int right, int bottom) { return Ellipse(CRect(left, top, right, bottom)); }
-    BOOL Arc(const RECT* rect, POINT start, POINT end) { return DrawArc(rect, start, end, zel::ArcKind::ARC); }
-    BOOL Pie(const RECT* rect, POINT start, POINT end) { return DrawArc(rect, start, end, zel::ArcKind::PIE); }
-    BOOL Chord(const RECT* rect, POINT start, POINT end) { return DrawArc(rect, start, end, zel::ArcKind::CHORD); }
+    BOOL Ellipse(int left, int top, int right, int bottom) {
+        return Ellipse(CRect(left, top, right, bottom));
+    }
+    BOOL Arc(const RECT* rect, POINT start, POINT end) {
+        return DrawArc(rect, start, end, zel::ArcKind::ARC);
+    }
+    BOOL Pie(const RECT* rect, POINT start, POINT end) {
+        return DrawArc(rect, start, end, zel::ArcKind::PIE);
+    }
+    BOOL Chord(const RECT* rect, POINT start, POINT end) {
+        return DrawArc(rect, start, end, zel::ArcKind::CHORD);
+    }
 
     void FillRect(const RECT* rect, CBrush* brush);
     void FillSolidRect(const RECT* rect, COLORREF color);
@@ -124,13 +134,16 @@ class CDC : public CObject {
     BOOL ExtTextOut(int x, int y, UINT options, const RECT* rect, const char* text, int length);
     // Formats into a rectangle; answers the height of the text. Flags DT_*.
     int DrawText(const char* text, int length, RECT* rect, UINT format);
-    int DrawText(const CString& text, RECT* rect, UINT format) { return DrawText(text, text.GetLength(), rect, format); }
+    int DrawText(const CString& text, RECT* rect, UINT format) {
+        return DrawText(text, text.GetLength(), rect, format);
+    }
     CSize GetTextExtent(const char* text, int length) const;
     CSize GetTextExtent(const CString& text) const { return GetTextExtent(text, text.GetLength()); }
     CSize GetOutputTextExtent(const char* text, int length) const;
     BOOL GetTextMetrics(TEXTMETRIC* metrics) const;
 
-    // Beyond the platform's interface: one line of text, each span at its own point, in one piece for the device.
+    // Beyond the platform's interface: one line of text, each span at its own point, in one piece for the
+    // device.
     void TextRun(std::span<const zel::TextSpan> spans);
     // The widths of the prefixes of `text` that end at these byte offsets.
     std::vector<int> GetPrefixExtents(std::string_view text, std::span<const std::size_t> ends) const;

@@ -1,15 +1,16 @@
 // Files on disk and in memory.
 #pragma once
 
-#include <cstddef>
-#include <cstdint>
-#include <vector>
-
 #include <zel/platform/Exception.h>
 #include <zel/platform/Object.h>
 #include <zel/platform/String.h>
 
-// A binary file, closed by its destructor. Every failure raises CFileException* that names the file and the reason.
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// A binary file, closed by its destructor. Every failure raises CFileException* that names the file and the
+// reason.
 class CFile : public CObject {
     DECLARE_DYNAMIC(CFile)
   public:
@@ -30,8 +31,8 @@ class CFile : public CObject {
     CFile& operator=(const CFile&) = delete;
     ~CFile() override;
 
-    // FALSE on failure; `error`, when given, is set to what the throwing constructor would have thrown (the caller
-    // deletes it).
+    // FALSE on failure; `error`, when given, is set to what the throwing constructor would have thrown (the
+    // caller deletes it).
     virtual BOOL Open(const char* path, UINT flags, CFileException** error = nullptr);
     // Answers the bytes read, fewer than `count` only at the end of the file.
     virtual std::size_t Read(void* buffer, std::size_t count);

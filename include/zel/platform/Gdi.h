@@ -1,8 +1,12 @@
-// The graphics interface on handles. CDC and the object classes stand on it; code that only holds handles uses it.
+// The graphics interface on handles. CDC and the object classes stand on it; code that only holds handles
+// uses it.
 //
-// Functions that take an object handle answer 0, FALSE or null for one that is dead or of another kind, and do
-// nothing then.
+// Functions that take an object handle answer 0, FALSE or null for one that is dead or of another kind, and
+// do nothing then.
 #pragma once
+
+#include <zel/platform/GdiTypes.h>
+#include <zel/platform/GraphicsDevice.h>
 
 #include <cstdint>
 #include <memory>
@@ -10,9 +14,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include <zel/platform/GdiTypes.h>
-#include <zel/platform/GraphicsDevice.h>
 
 HPEN CreatePen(int style, int width, COLORREF color);
 HPEN CreatePenIndirect(const LOGPEN* pen);
@@ -23,8 +24,8 @@ HFONT CreateFontIndirect(const LOGFONT* font);
 HRGN CreateRectRgn(int left, int top, int right, int bottom);
 HRGN CreateEllipticRgn(int left, int top, int right, int bottom);
 HRGN CreatePolygonRgn(const POINT* points, int count, int fillMode);
-// Puts the combination of two regions into `result`, which must exist; answers the kind of the result. `second` is
-// not used by RGN_COPY.
+// Puts the combination of two regions into `result`, which must exist; answers the kind of the result.
+// `second` is not used by RGN_COPY.
 int CombineRgn(HRGN result, HRGN first, HRGN second, int mode);
 // An object that always exists and cannot be deleted.
 HGDIOBJ GetStockObject(int index);
@@ -56,7 +57,8 @@ void FlushContext(HDC dc);
 // A context on a device that is like the screen and shows nothing; the argument is not used.
 HDC CreateCompatibleDC(HDC dc);
 BOOL DeleteDC(HDC dc);
-// Levels count from 1; RestoreDC takes a level or -1 for the last, and answers FALSE for one that does not exist.
+// Levels count from 1; RestoreDC takes a level or -1 for the last, and answers FALSE for one that does not
+// exist.
 int SaveDC(HDC dc);
 BOOL RestoreDC(HDC dc, int level);
 int GetDeviceCaps(HDC dc, int index);

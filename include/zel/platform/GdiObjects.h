@@ -4,8 +4,8 @@
 #include <zel/platform/Gdi.h>
 #include <zel/platform/Object.h>
 
-// Owns the object behind a handle and deletes it with itself, unless it is detached. Handles of dead objects are
-// harmless: what is done with them fails.
+// Owns the object behind a handle and deletes it with itself, unless it is detached. Handles of dead objects
+// are harmless: what is done with them fails.
 class CGdiObject : public CObject {
     DECLARE_DYNAMIC(CGdiObject)
   public:
@@ -23,8 +23,8 @@ class CGdiObject : public CObject {
     HGDIOBJ m_hObject = nullptr;
 
   protected:
-    // The object that owns `handle`, or a wrapper that does not and lives at least as long as the platform object;
-    // null for a null handle.
+    // The object that owns `handle`, or a wrapper that does not and lives at least as long as the platform
+    // object; null for a null handle.
     template <class Object>
     static Object* Wrapper(HGDIOBJ handle);
     void AttachNew(HGDIOBJ handle);
@@ -65,9 +65,9 @@ class CFont : public CGdiObject {
     DECLARE_DYNAMIC(CFont)
   public:
     CFont() = default;
-    BOOL CreateFont(int height, int width, int escapement, int orientation, int weight, BYTE italic, BYTE underline,
-                    BYTE strikeOut, BYTE charSet, BYTE outPrecision, BYTE clipPrecision, BYTE quality,
-                    BYTE pitchAndFamily, const char* face);
+    BOOL CreateFont(int height, int width, int escapement, int orientation, int weight, BYTE italic,
+                    BYTE underline, BYTE strikeOut, BYTE charSet, BYTE outPrecision, BYTE clipPrecision,
+                    BYTE quality, BYTE pitchAndFamily, const char* face);
     BOOL CreateFontIndirect(const LOGFONT* font);
     BOOL Attach(HFONT handle) { return CGdiObject::Attach(reinterpret_cast<HGDIOBJ>(handle)); }
     HFONT Detach() { return reinterpret_cast<HFONT>(CGdiObject::Detach()); }

@@ -176,8 +176,8 @@ struct LOGBRUSH {
 
 inline constexpr int LF_FACESIZE = 32;
 
-// 60 bytes, the layout that archives store. A negative height is the em height in logical units, a positive one
-// the cell height (ascent + descent). Angles are tenths of a degree, counter-clockwise on the device.
+// 60 bytes, the layout that archives store. A negative height is the em height in logical units, a positive
+// one the cell height (ascent + descent). Angles are tenths of a degree, counter-clockwise on the device.
 struct LOGFONT {
     LONG lfHeight;
     LONG lfWidth;

@@ -4,10 +4,10 @@
 // says so. Sums wrap nowhere: they saturate at the ends of the 32-bit range.
 #pragma once
 
+#include <zel/platform/WinTypes.h>
+
 #include <algorithm>
 #include <cstdint>
-
-#include <zel/platform/WinTypes.h>
 
 struct POINT {
     LONG x;
@@ -28,8 +28,12 @@ namespace zel {
 constexpr LONG Saturate(std::int64_t value) {
     return static_cast<LONG>(std::clamp<std::int64_t>(value, INT32_MIN, INT32_MAX));
 }
-constexpr LONG Add(LONG a, LONG b) { return Saturate(static_cast<std::int64_t>(a) + b); }
-constexpr LONG Subtract(LONG a, LONG b) { return Saturate(static_cast<std::int64_t>(a) - b); }
+constexpr LONG Add(LONG a, LONG b) {
+    return Saturate(static_cast<std::int64_t>(a) + b);
+}
+constexpr LONG Subtract(LONG a, LONG b) {
+    return Saturate(static_cast<std::int64_t>(a) - b);
+}
 
 // The integer nearest to zero-truncated `value`; values beyond the 32-bit range give its ends, NaN gives 0.
 constexpr LONG Truncate(double value) {
@@ -154,11 +158,15 @@ class CRect : public RECT {
             if (common == whole) {
                 rest = CRect();
             } else if (common.top == a.top && common.bottom == a.bottom) {
-                if (common.left == a.left) rest.left = common.right;
-                else if (common.right == a.right) rest.right = common.left;
+                if (common.left == a.left)
+                    rest.left = common.right;
+                else if (common.right == a.right)
+                    rest.right = common.left;
             } else if (common.left == a.left && common.right == a.right) {
-                if (common.top == a.top) rest.top = common.bottom;
-                else if (common.bottom == a.bottom) rest.bottom = common.top;
+                if (common.top == a.top)
+                    rest.top = common.bottom;
+                else if (common.bottom == a.bottom)
+                    rest.bottom = common.top;
             }
         }
         *this = rest;

@@ -1,19 +1,19 @@
 // What a device context draws on.
 #pragma once
 
+#include <zel/platform/CoordinateMap.h>
+#include <zel/platform/GdiTypes.h>
+#include <zel/platform/Region.h>
+
 #include <memory>
 #include <span>
 #include <string_view>
 #include <vector>
 
-#include <zel/platform/CoordinateMap.h>
-#include <zel/platform/GdiTypes.h>
-#include <zel/platform/Region.h>
-
 namespace zel {
 
-// Everything that a device must know to draw one primitive. Lengths and points of the records (pen width, font
-// height) are logical; `map` takes logical to device units; `clip` is in device units.
+// Everything that a device must know to draw one primitive. Lengths and points of the records (pen width,
+// font height) are logical; `map` takes logical to device units; `clip` is in device units.
 struct GraphicsState {
     LOGPEN pen{PS_SOLID, {0, 0}, RGB(0, 0, 0)};
     LOGBRUSH brush{BS_SOLID, RGB(255, 255, 255), 0};
@@ -65,8 +65,8 @@ class GraphicsDevice {
     virtual void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                           std::span<const int> counts) = 0;
 
-    // Fills [left, right) x [top, bottom), ordered in device units, with `brush` under the rectangle operation
-    // (PATCOPY, WHITENESS, DSTINVERT, ...). Neither the pen nor the pen's raster mode plays a part.
+    // Fills [left, right) x [top, bottom), ordered in device units, with `brush` under the rectangle
+    // operation (PATCOPY, WHITENESS, DSTINVERT, ...). Neither the pen nor the pen's raster mode plays a part.
     virtual void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                           DWORD operation) = 0;
 
@@ -83,8 +83,8 @@ class GraphicsDevice {
     virtual void FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush);
 
     // Writes each span at its own point with the font of `state`, rotated about that point by the font's
-    // escapement. Consecutive spans of one call belong to one line of text, in reading order: a device that can
-    // keep them together as searchable text does.
+    // escapement. Consecutive spans of one call belong to one line of text, in reading order: a device that
+    // can keep them together as searchable text does.
     virtual void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) = 0;
 
     // The size of one unrotated line in logical units: the sum of the advances, and tmHeight.

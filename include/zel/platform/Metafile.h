@@ -1,17 +1,18 @@
 // Windows metafiles: recording them, and the placeable header.
 #pragma once
 
+#include <zel/platform/GdiTypes.h>
+
 #include <array>
 #include <cstdint>
 #include <vector>
 
-#include <zel/platform/GdiTypes.h>
-
-// A context that records what is drawn on it, into a file or, when `fileName` is null, into memory. It answers no
-// questions about the surface or text: give its CDC an attribute context. Coordinates are cut to 16 bits.
+// A context that records what is drawn on it, into a file or, when `fileName` is null, into memory. It
+// answers no questions about the surface or text: give its CDC an attribute context. Coordinates are cut to
+// 16 bits.
 HDC CreateMetaFile(const char* fileName);
-// Ends the recording and the context. The file is written now, whole or not at all; throws CFileException*. Null when
-// `dc` is no recorder.
+// Ends the recording and the context. The file is written now, whole or not at all; throws CFileException*.
+// Null when `dc` is no recorder.
 HMETAFILE CloseMetaFile(HDC dc);
 // Releases the handle; a file stays.
 BOOL DeleteMetaFile(HMETAFILE metafile);
@@ -20,8 +21,8 @@ const std::vector<std::uint8_t>& GetMetaFileBits(HMETAFILE metafile);
 
 namespace zel {
 
-// The 22-byte header in front of a metafile that says where and how large it is (Microsoft MS-WMF, section 2.3.2.3):
-// key, handle 0, box, units per inch, reserved, and a checksum of the ten words before it.
+// The 22-byte header in front of a metafile that says where and how large it is (Microsoft MS-WMF,
+// section 2.3.2.3): key, handle 0, box, units per inch, reserved, and a checksum of the ten words before it.
 std::array<std::uint8_t, 22> PlaceableHeader(const CRect& box, WORD unitsPerInch);
 
 }  // namespace zel

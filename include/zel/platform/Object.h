@@ -11,8 +11,8 @@ class CObject;
 inline constexpr UINT NOT_SERIALIZABLE_SCHEMA = 0xFFFF;
 inline constexpr UINT VERSIONABLE_SCHEMA = 0x80000000;
 
-// What is known of a class at run time. Records live as long as the process and are registered by name when the
-// library that holds them is loaded; look-ups are safe from any thread.
+// What is known of a class at run time. Records live as long as the process and are registered by name when
+// the library that holds them is loaded; look-ups are safe from any thread.
 struct CRuntimeClass {
     const char* m_lpszClassName;
     int m_nObjectSize;
@@ -23,7 +23,9 @@ struct CRuntimeClass {
     // A new default-constructed object, owned by the caller; null when the class cannot be created.
     CObject* CreateObject() const { return m_pfnCreateObject ? m_pfnCreateObject() : nullptr; }
     bool IsDerivedFrom(const CRuntimeClass* base) const;
-    bool IsSerializable() const { return m_pfnCreateObject && (m_wSchema & 0xFFFF) != NOT_SERIALIZABLE_SCHEMA; }
+    bool IsSerializable() const {
+        return m_pfnCreateObject && (m_wSchema & 0xFFFF) != NOT_SERIALIZABLE_SCHEMA;
+    }
     // The registered record of that name; null when there is none.
     static CRuntimeClass* FromName(const char* name);
 };
@@ -63,33 +65,41 @@ struct ClassRegistration {
 
 #define RUNTIME_CLASS(name) (&name::class##name)
 
-#define DECLARE_DYNAMIC(name)                                     \
-  public:                                                         \
-    static CRuntimeClass class##name;                             \
-    static CRuntimeClass* GetThisClass() { return &class##name; } \
-    CRuntimeClass* GetRuntimeClass() const override { return &class##name; }
+#define DECLARE_DYNAMIC(name)                         \
+  public:                                             \
+    static CRuntimeClass class##name;                 \
+    static CRuntimeClass* GetThisClass() {            \
+        return &class##name;                          \
+    }                                                 \
+    CRuntimeClass* GetRuntimeClass() const override { \
+        return &class##name;                          \
+    }
 
 #define DECLARE_DYNCREATE(name) \
     DECLARE_DYNAMIC(name)       \
     static CObject* CreateObject();
 
-#define DECLARE_SERIAL(name)                                          \
-    DECLARE_DYNCREATE(name)                                           \
-    friend CArchive& operator>>(CArchive& ar, name*& object) {        \
+#define DECLARE_SERIAL(name)                                                       \
+    DECLARE_DYNCREATE(name)                                                        \
+    friend CArchive& operator>>(CArchive& ar, name*& object) {                     \
         object = static_cast<name*>(zel::ReadKnownObject(ar, &name::class##name)); \
-        return ar;                                                    \
+        return ar;                                                                 \
     }
 
-#define ZEL_CLASS_RECORD(name, base, schema, create)                                                            \
-    CRuntimeClass name::class##name = {#name, sizeof(name), schema, create, &base::class##base};                 \
+#define ZEL_CLASS_RECORD(name, base, schema, create)                                             \
+    CRuntimeClass name::class##name = {#name, sizeof(name), schema, create, &base::class##base}; \
     static const zel::ClassRegistration registrationOf##name(&name::class##name);
 
 #define IMPLEMENT_DYNAMIC(name, base) ZEL_CLASS_RECORD(name, base, NOT_SERIALIZABLE_SCHEMA, nullptr)
 
-#define IMPLEMENT_DYNCREATE(name, base)                 \
-    CObject* name::CreateObject() { return new name(); } \
+#define IMPLEMENT_DYNCREATE(name, base) \
+    CObject* name::CreateObject() {     \
+        return new name();              \
+    }                                   \
     ZEL_CLASS_RECORD(name, base, NOT_SERIALIZABLE_SCHEMA, &name::CreateObject)
 
-#define IMPLEMENT_SERIAL(name, base, schema)            \
-    CObject* name::CreateObject() { return new name(); } \
+#define IMPLEMENT_SERIAL(name, base, schema) \
+    CObject* name::CreateObject() {          \
+        return new name();                   \
+    }                                        \
     ZEL_CLASS_RECORD(name, base, schema, &name::CreateObject)

@@ -7,7 +7,7 @@ struct CPrintInfo {
     UINT m_nCurPage = 1;  // counted from 1
     BOOL m_bPreview = FALSE;
     BOOL m_bContinuePrinting = TRUE;
-    CRect m_rectDraw;     // the printable area in logical units
+    CRect m_rectDraw;  // the printable area in logical units
 
     void SetMinPage(UINT page) { minPage_ = page; }
     void SetMaxPage(UINT page) { maxPage_ = page; }

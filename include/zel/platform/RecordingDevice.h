@@ -1,14 +1,14 @@
 // A device that writes down what is drawn on it.
 #pragma once
 
-#include <string>
-
 #include <zel/platform/MetricsDevice.h>
+
+#include <string>
 
 namespace zel {
 
-// Writes one line of text for each primitive, and before it a line for each setting that the primitive uses and that
-// differs from what was written last:
+// Writes one line of text for each primitive, and before it a line for each setting that the primitive uses
+// and that differs from what was written last:
 //
 //     pen solid 3 #ff0000
 //     polyline 0,0 10,0 10,10
@@ -25,8 +25,10 @@ class RecordingDevice : public MetricsDevice {
     void Clear();
 
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override;
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override;
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override;
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override;
     void Rectangle(const GraphicsState& state, const CRect& rect) override;
     void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;

@@ -1,15 +1,15 @@
 // Sets of device units: what a context may draw on.
 #pragma once
 
+#include <zel/platform/Geometry.h>
+
 #include <span>
 #include <vector>
 
-#include <zel/platform/Geometry.h>
-
 namespace zel {
 
-// A set of points, kept as rectangles in bands: ordered by top then left, no two of them overlap, all of one band
-// share top and bottom. An empty set has no rectangles.
+// A set of points, kept as rectangles in bands: ordered by top then left, no two of them overlap, all of one
+// band share top and bottom. An empty set has no rectangles.
 class Region {
   public:
     Region() = default;

@@ -8,10 +8,11 @@ namespace zel {
 
 // A new file beside its target, which takes the target's place when it is complete.
 //
-// The temporary file lies in the target's folder, is flushed to disk by Commit and renamed over the target, and the
-// folder is flushed too: after a crash there is the old file or the new one. A target that is a symbolic link stays
-// one; what it points to is replaced. Permissions of an existing target are kept. Without Commit the destructor
-// removes the temporary file and the target is untouched. All failures raise CFileException* that names the target.
+// The temporary file lies in the target's folder, is flushed to disk by Commit and renamed over the target,
+// and the folder is flushed too: after a crash there is the old file or the new one. A target that is a
+// symbolic link stays one; what it points to is replaced. Permissions of an existing target are kept. Without
+// Commit the destructor removes the temporary file and the target is untouched. All failures raise
+// CFileException* that names the target.
 class SafeFile {
   public:
     explicit SafeFile(const std::string& target);
@@ -27,8 +28,8 @@ class SafeFile {
   private:
     [[noreturn]] void Fail(const char* attempt) const;
 
-    std::string target_;     // as it was given
-    std::string resolved_;   // links followed
+    std::string target_;    // as it was given
+    std::string resolved_;  // links followed
     std::string temporary_;
     int descriptor_ = -1;
     bool committed_ = false;

@@ -1,11 +1,11 @@
 // The framework's string: 8-bit characters, UTF-8 by convention.
 #pragma once
 
+#include <zel/platform/WinTypes.h>
+
 #include <cstdarg>
 #include <string>
 #include <string_view>
-
-#include <zel/platform/WinTypes.h>
 
 class CString {
   public:
@@ -22,8 +22,8 @@ class CString {
     void Empty() { text_.clear(); }
     char GetAt(int i) const;
     void SetAt(int i, char c);
-    // A writable buffer of at least `length` characters; ReleaseBuffer cuts the string to `length`, or at the first
-    // zero when that is negative.
+    // A writable buffer of at least `length` characters; ReleaseBuffer cuts the string to `length`, or at the
+    // first zero when that is negative.
     char* GetBuffer(int length);
     void ReleaseBuffer(int length = -1);
 
@@ -49,13 +49,14 @@ class CString {
     void Format(const char* format, ...) __attribute__((format(printf, 2, 3)));
     void FormatV(const char* format, va_list arguments);
 
-    // Message inserts: %1 to %99 stand for arguments in any order, "%1!fmt!" gives the printf format of the argument
-    // (a string without one), "%%" is a percent sign, "%n" a line end, "%0" ends the text, "%." and "%!" are these
-    // characters, "% " a blank. Anything else behind a percent sign stays as it stands, and so does a trailing one.
+    // Message inserts: %1 to %99 stand for arguments in any order, "%1!fmt!" gives the printf format of the
+    // argument (a string without one), "%%" is a percent sign, "%n" a line end, "%0" ends the text, "%." and
+    // "%!" are these characters, "% " a blank. Anything else behind a percent sign stays as it stands, and so
+    // does a trailing one.
     void FormatMessage(const char* format, ...);
     void FormatMessageV(const char* format, va_list* arguments);
-    // The same with `count` arguments: an insert beyond them is left as it stands. With a count of 0 the list is
-    // never read.
+    // The same with `count` arguments: an insert beyond them is left as it stands. With a count of 0 the list
+    // is never read.
     void FormatMessageV(const char* format, va_list* arguments, int count);
 
     CString& operator+=(const char* text) {

@@ -25,9 +25,15 @@ using COLORREF = DWORD;
 constexpr COLORREF RGB(int red, int green, int blue) {
     return static_cast<COLORREF>((red & 0xFF) | (green & 0xFF) << 8 | (blue & 0xFF) << 16);
 }
-constexpr BYTE GetRValue(COLORREF color) { return static_cast<BYTE>(color & 0xFF); }
-constexpr BYTE GetGValue(COLORREF color) { return static_cast<BYTE>(color >> 8 & 0xFF); }
-constexpr BYTE GetBValue(COLORREF color) { return static_cast<BYTE>(color >> 16 & 0xFF); }
+constexpr BYTE GetRValue(COLORREF color) {
+    return static_cast<BYTE>(color & 0xFF);
+}
+constexpr BYTE GetGValue(COLORREF color) {
+    return static_cast<BYTE>(color >> 8 & 0xFF);
+}
+constexpr BYTE GetBValue(COLORREF color) {
+    return static_cast<BYTE>(color >> 16 & 0xFF);
+}
 
 // `a * b / c` with a 64-bit product, rounded to the nearest integer, halves away from zero.
 // Answers -1 when `c` is 0 or the result is not within -2147483647 .. 2147483647.

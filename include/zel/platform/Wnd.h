@@ -21,7 +21,8 @@ class CWnd : public CObject {
     zel::WindowPeer* peer_ = nullptr;
 };
 
-// A context on a window's client area, outside of painting. Throws CResourceException* for a window without a peer.
+// A context on a window's client area, outside of painting. Throws CResourceException* for a window without a
+// peer.
 class CClientDC : public CDC {
     DECLARE_DYNAMIC(CClientDC)
   public:

@@ -1,16 +1,16 @@
 // Drawing into images.
 #pragma once
 
+#include <zel/platform/GraphicsDevice.h>
+
 #include <cstdint>
 #include <memory>
 
-#include <zel/platform/GraphicsDevice.h>
-
 namespace zel::qt {
 
-// An antialiased image of whole pixels that one can draw on again and again. A device unit is a sixteenth of a pixel,
-// so that whole coordinates do not show as steps. Lines along the axes lie on whole pixels, and no line is thinner
-// than one.
+// An antialiased image of whole pixels that one can draw on again and again. A device unit is a sixteenth of
+// a pixel, so that whole coordinates do not show as steps. Lines along the axes lie on whole pixels, and no
+// line is thinner than one.
 //
 //     zel::qt::ImageDevice image(1000, 800, 96);
 //     CDC dc(image);
@@ -22,7 +22,8 @@ class ImageDevice : public GraphicsDevice {
   public:
     static constexpr int kSubPixels = 16;
 
-    // `unitsPerInch` is what the device reports, `dotsPerInch` times 16 when it is 0: another value scales drawings.
+    // `unitsPerInch` is what the device reports, `dotsPerInch` times 16 when it is 0: another value scales
+    // drawings.
     ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch = 0);
     ~ImageDevice() override;
 
@@ -32,14 +33,16 @@ class ImageDevice : public GraphicsDevice {
     void Clear(COLORREF color, bool opaque = true);
     // Rows of Width() pixels, 0xAARRGGBB premultiplied, from the top.
     const std::uint32_t* Pixels() const;
-    // Writes the image whole or not at all. `format` is "png" or "jpg"; null takes it from the ending of `path`.
-    // Throws CFileException*, or CNotSupportedException* for another format.
+    // Writes the image whole or not at all. `format` is "png" or "jpg"; null takes it from the ending of
+    // `path`. Throws CFileException*, or CNotSupportedException* for another format.
     void Save(const char* path, const char* format = nullptr, int quality = 90) const;
 
     int Caps(int index) const override;
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) override;
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush, DWORD operation) override;
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override;
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
     CSize TextExtent(const GraphicsState& state, std::string_view text) override;
