@@ -1,0 +1,68 @@
+// What several tests need.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <zel/platform/Exception.h>
+
+namespace zel::test {
+
+// A folder of its own for a test, gone afterwards.
+class TemporaryFolder {
+  public:
+    TemporaryFolder() {
+        std::string pattern = (std::filesystem::temp_directory_path() / "zel-test-XXXXXX").string();
+        path_ = mkdtemp(pattern.data());
+    }
+    ~TemporaryFolder() { std::filesystem::remove_all(path_); }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    std::string operator/(const std::string& name) const { return (path_ / name).string(); }
+    std::size_t FileCount() const {
+        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(path_), {}));
+    }
+
+  private:
+    std::filesystem::path path_;
+};
+
+inline std::string Content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The message of the exception that `action` throws; empty when it throws none of that kind.
+template <class Exception, class Action>
+std::string MessageOf(Action action) {
+    try {
+        action();
+    } catch (Exception* e) {
+        return TakeMessage(e);
+    } catch (CException* e) {
+        ADD_FAILURE() << "another exception: " << TakeMessage(e);
+    }
+    return {};
+}
+
+// What a program prints, standard error included, and its exit code.
+struct Output {
+    std::string text;
+    int code = -1;
+};
+inline Output RunProgram(const std::string& command) {
+    Output output;
+    FILE* pipe = popen((command + " 2>&1").c_str(), "r");
+    if (!pipe) return output;
+    char block[4096];
+    while (const std::size_t count = fread(block, 1, sizeof block, pipe)) output.text.append(block, count);
+    const int status = pclose(pipe);
+    output.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return output;
+}
+
+}  // namespace zel::test

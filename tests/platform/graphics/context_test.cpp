@@ -1,0 +1,187 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <thread>
+
+#include <zel/platform/DC.h>
+#include <zel/platform/Platform.h>
+#include <zel/platform/RecordingDevice.h>
+
+#include "Support.h"
+
+namespace {
+
+class Context : public testing::Test {
+  protected:
+    std::string Recorded() {
+        dc_.Flush();
+        std::string text = device_.Text();
+        device_.Clear();
+        return text;
+    }
+    zel::RecordingDevice device_;
+    CDC dc_{device_};
+};
+
+TEST_F(Context, GathersConsecutiveLines) {
+    dc_.MoveTo(0, 0);
+    dc_.LineTo(10, 0);
+    dc_.LineTo(10, 10);
+    dc_.MoveTo(10, 10);  // where the line ends anyway
+    const CPoint more[] = {{20, 10}, {20, 20}};
+    dc_.PolylineTo(more, 2);
+    dc_.MoveTo(5, 5);
+    dc_.LineTo(6, 5);
+    EXPECT_EQ(Recorded(),
+              "pen solid 0 #000000\n"
+              "polyline 0,0 10,0 10,10 20,10 20,20\n"
+              "polyline 5,5 6,5\n");
+    EXPECT_EQ(dc_.GetCurrentPosition(), CPoint(6, 5));
+}
+
+TEST_F(Context, KeepsALineWholeOverAChangeOfPenAndBack) {
+    CPen red(PS_SOLID, 3, RGB(255, 0, 0));
+    CPen* black = dc_.SelectObject(&red);
+    dc_.MoveTo(0, 0);
+    dc_.LineTo(1, 0);
+    dc_.SelectObject(black);
+    dc_.SelectObject(&red);
+    dc_.LineTo(2, 0);
+    dc_.SelectObject(black);
+    dc_.LineTo(3, 0);
+    EXPECT_EQ(Recorded(),
+              "pen solid 3 #ff0000\npolyline 0,0 1,0 2,0\n"
+              "pen solid 0 #000000\npolyline 2,0 3,0\n");
+    dc_.LineTo(4, 0);
+    dc_.SetROP2(R2_NOT);
+    dc_.LineTo(5, 0);
+    EXPECT_EQ(Recorded(), "pen solid 0 #000000\npolyline 3,0 4,0\nmode 6\npolyline 4,0 5,0\n");
+}
+
+TEST_F(Context, SplitsVeryLongLinesWithoutAGap) {
+    std::vector<CPoint> points;
+    for (int i = 1; i <= 40'000; ++i) points.emplace_back(i, i % 2);
+    dc_.PolylineTo(points.data(), static_cast<int>(points.size()));
+    const std::string text = Recorded();
+    std::size_t pieces = 0, commas = 0;
+    for (std::size_t at = 0; (at = text.find("polyline", at)) != std::string::npos; ++at) ++pieces;
+    for (const char c : text) commas += c == ',' ? 1U : 0U;
+    EXPECT_EQ(pieces, 3U);
+    EXPECT_EQ(commas, points.size() + pieces) << "each piece begins where the one before ends";
+}
+
+TEST_F(Context, GoesOnDrawingWithADeletedObject) {
+    CFont font;
+    font.CreateFont(-16, 0, 900, 0, 700, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+    CFont* previous = dc_.SelectObject(&font);
+    EXPECT_TRUE(font.DeleteObject());
+    EXPECT_FALSE(font.DeleteObject()) << "a dead handle fails harmlessly";
+    dc_.TextOut(3, 4, "a", 1);
+    EXPECT_EQ(Recorded(), "font \"Arial\" -16 weight 700 angle 900\ntextcolor #000000\ntext 3,4 \"a\"\n");
+    CFont* dead = dc_.SelectObject(previous);
+    ASSERT_NE(dead, nullptr);
+    EXPECT_EQ(dc_.SelectObject(dead), nullptr);
+    EXPECT_TRUE(DeleteObject(GetStockObject(BLACK_PEN)));
+    EXPECT_NE(dc_.SelectStockObject(BLACK_PEN), nullptr) << "stock objects stay";
+}
+
+TEST_F(Context, SavesAndRestoresByLevel) {
+    EXPECT_EQ(dc_.SaveDC(), 1);
+    dc_.SetTextColor(RGB(1, 2, 3));
+    dc_.IntersectClipRect(10, 10, 50, 50);
+    EXPECT_EQ(dc_.SaveDC(), 2);
+    dc_.SetMapMode(MM_TWIPS);
+    EXPECT_FALSE(dc_.RestoreDC(3));
+    EXPECT_FALSE(dc_.RestoreDC(0));
+    EXPECT_TRUE(dc_.RestoreDC(1));
+    EXPECT_EQ(dc_.GetTextColor(), RGB(0, 0, 0));
+    EXPECT_EQ(dc_.GetMapMode(), MM_TEXT);
+    CRect box;
+    EXPECT_EQ(dc_.GetClipBox(&box), SIMPLEREGION);
+    EXPECT_EQ(box, CRect(0, 0, 1024, 768));
+    EXPECT_FALSE(dc_.RestoreDC(-1));
+}
+
+TEST_F(Context, SetsExtentsOnlyInFreeModes) {
+    dc_.SetWindowExt(50, 50);
+    EXPECT_EQ(dc_.GetWindowExt(), CSize(1, 1));
+    dc_.SetMapMode(MM_LOMETRIC);
+    CPoint up(100, 100);
+    dc_.LPtoDP(&up);
+    EXPECT_EQ(up, CPoint(38, -38)) << "ten millimetres, upwards";
+    dc_.SetMapMode(MM_ISOTROPIC);
+    dc_.SetWindowExt(200, 100);
+    dc_.SetViewportExt(100, 100);
+    EXPECT_EQ(dc_.GetViewportExt(), CSize(100, 50));
+    EXPECT_EQ(dc_.SetWindowExt(0, 5), CSize(0, 0));
+    EXPECT_EQ(dc_.GetWindowExt(), CSize(200, 100));
+}
+
+TEST_F(Context, FillsAndFrames) {
+    const CRect box(10, 10, 20, 15);
+    CBrush brush(RGB(0, 128, 0));
+    dc_.FrameRect(&box, &brush);
+    dc_.PatBlt(1, 2, 3, 4, WHITENESS);
+    ::FillRect(dc_.m_hDC, &box, nullptr);
+    EXPECT_EQ(Recorded(),
+              "fill 10,10 20,11 #008000\nfill 10,14 20,15 #008000\nfill 10,10 11,15 #008000\nfill 19,10 20,15 #008000\n"
+              "fill 1,2 4,6 whiteness\n"
+              "fill 10,10 20,15 #ffffff\n");
+    const CPoint one[] = {{1, 1}};
+    EXPECT_FALSE(dc_.Polygon(one, 1));
+    EXPECT_EQ(Recorded(), "");
+}
+
+TEST(Devices, ReduceShapesToLines) {
+    // A device with nothing but the primitives: ellipses and arcs arrive as polygons and lines.
+    class Bare : public zel::RecordingDevice {
+      public:
+        void Ellipse(const zel::GraphicsState& s, const CRect& r) override { GraphicsDevice::Ellipse(s, r); }
+        void Arc(const zel::GraphicsState& s, const CRect& r, const CPoint& a, const CPoint& b, zel::ArcKind k) override {
+            GraphicsDevice::Arc(s, r, a, b, k);
+        }
+        void Polygons(const zel::GraphicsState&, std::span<const CPoint> p, std::span<const int>) override {
+            points.assign(p.begin(), p.end());
+        }
+        void Polyline(const zel::GraphicsState&, const CPoint* p, std::size_t n) override { points.assign(p, p + n); }
+        std::vector<CPoint> points;
+    };
+    Bare device;
+    CDC dc(device);
+    dc.Ellipse(0, 0, 201, 201);
+    for (const CPoint& p : device.points) EXPECT_NEAR(std::hypot(p.x - 100, p.y - 100), 100, 1);
+    // Against the clock from three to twelve: the upper right quarter, whichever way the y axis points.
+    const CRect box(0, 0, 201, 201);
+    dc.Arc(&box, CPoint(300, 100), CPoint(100, -50));
+    EXPECT_EQ(device.points.front(), CPoint(200, 100));
+    EXPECT_EQ(device.points.back(), CPoint(100, 0));
+    for (const CPoint& p : device.points) EXPECT_TRUE(p.x >= 100 && p.y <= 100);
+}
+
+TEST(Platform, SaysWhichBackEndIsMissing) {
+    zel::FileDeviceOptions options;
+    options.path = "x.pdf";
+    options.format = "pdf";
+    const std::string message =
+        zel::test::MessageOf<CNotSupportedException>([&] { zel::Platform::Get().CreateFileDevice(options); });
+    EXPECT_NE(message.find("x.pdf"), std::string::npos);
+    EXPECT_NE(message.find("zel::qt"), std::string::npos);
+}
+
+TEST(Threads, MayDrawEachForThemselves) {
+    const auto draw = [] {
+        for (int i = 0; i < 2000; ++i) {
+            zel::RecordingDevice device;
+            CDC dc(device);
+            CPen pen(PS_SOLID, i % 5, static_cast<COLORREF>(i));
+            CPen* previous = dc.SelectObject(&pen);
+            dc.LineTo(i, i);
+            dc.SelectObject(previous);
+        }
+    };
+    std::thread other(draw);
+    draw();
+    other.join();
+}
+
+}  // namespace

@@ -1,0 +1,152 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+
+#include <zel/platform/DC.h>
+#include <zel/platform/Metafile.h>
+#include <zel/platform/RecordingDevice.h>
+
+#include "Support.h"
+
+using zel::test::MessageOf;
+
+namespace {
+
+struct Record {
+    WORD function;
+    std::vector<std::int16_t> words;
+    friend bool operator==(const Record&, const Record&) = default;
+};
+
+std::vector<Record> RecordsOf(const std::vector<std::uint8_t>& bytes) {
+    std::vector<std::int16_t> words(bytes.size() / 2);
+    std::memcpy(words.data(), bytes.data(), bytes.size());
+    std::vector<Record> records;
+    for (std::size_t at = 9; at < words.size();) {
+        const std::size_t size = static_cast<WORD>(words[at]) | static_cast<std::size_t>(static_cast<WORD>(words[at + 1])) << 16;
+        records.push_back({static_cast<WORD>(words[at + 2]), {words.begin() + static_cast<std::ptrdiff_t>(at) + 3, words.begin() + static_cast<std::ptrdiff_t>(at + size)}});
+        at += size;
+    }
+    return records;
+}
+
+template <class Draw>
+std::vector<std::uint8_t> Recorded(Draw draw) {
+    zel::MetricsDevice attributes;
+    CDC attributeDc(attributes);
+    CMetaFileDC dc;
+    dc.Create();
+    dc.SetAttribDC(attributeDc.m_hDC);
+    draw(dc);
+    const HMETAFILE metafile = dc.Close();
+    const std::vector<std::uint8_t> bytes = GetMetaFileBits(metafile);
+    DeleteMetaFile(metafile);
+    return bytes;
+}
+
+TEST(Metafile, WritesRecordsWithReversedParameters) {
+    const auto bytes = Recorded([](CDC& dc) {
+        dc.SetMapMode(MM_ANISOTROPIC);
+        dc.SetWindowExt(300, 200);
+        CPen pen(PS_SOLID, 2, RGB(1, 2, 3));
+        CPen* previous = dc.SelectObject(&pen);
+        dc.MoveTo(1, 2);
+        dc.LineTo(3, 4);
+        dc.LineTo(40'000, 4);
+        dc.SelectObject(previous);
+    });
+    const std::vector<Record> records = RecordsOf(bytes);
+    EXPECT_THAT(records, testing::ElementsAre(Record{0x0103, {8}}, Record{0x020B, {0, 0}}, Record{0x020C, {200, 300}},
+                                              Record{0x02FA, {0, 2, 0, 0x0201, 3}}, Record{0x012D, {0}},
+                                              Record{0x0325, {3, 1, 2, 3, 4, 32767, 4}}, Record{0, {}}));
+    const WORD header[] = {1, 9, 0x0300, static_cast<WORD>(bytes.size() / 2), 0, 1, 10, 0, 0};
+    EXPECT_EQ(std::memcmp(bytes.data(), header, sizeof header), 0);
+}
+
+TEST(Metafile, KeepsWordsWholeAndUsesObjectsAgain) {
+    const auto records = RecordsOf(Recorded([](CDC& dc) {
+        const zel::TextSpan run[] = {{"1", {10, 5}}, {"\xC2\xB0", {19, 5}}, {"C", {25, 5}}};
+        dc.TextRun(run);
+        const zel::TextSpan stair[] = {{"a", {10, 5}}, {"b", {19, 9}}};
+        dc.TextRun(stair);
+    }));
+    EXPECT_THAT(records, testing::Contains(Record{0x0A32, {5, 10, 3, 0, static_cast<std::int16_t>(0xB031), 0x43, 9, 6, 0}}));
+    EXPECT_THAT(records, testing::Contains(Record{0x0521, {1, 'a', 5, 10}}));
+    EXPECT_THAT(records, testing::Contains(Record{0x0521, {1, 'b', 9, 19}}));
+    EXPECT_EQ(std::count_if(records.begin(), records.end(), [](const Record& r) { return r.function == 0x02FB; }), 1);
+}
+
+TEST(Metafile, BracketsClips) {
+    const auto records = RecordsOf(Recorded([](CDC& dc) {
+        dc.SaveDC();
+        dc.IntersectClipRect(1, 2, 30, 40);
+        dc.Rectangle(5, 6, 7, 8);
+        dc.RestoreDC(-1);
+        dc.Rectangle(9, 10, 11, 12);
+    }));
+    std::vector<WORD> functions;
+    for (const Record& record : records) functions.push_back(record.function);
+    EXPECT_THAT(functions, testing::ElementsAre(0x001E, 0x0416, 0x02FA, 0x012D, 0x02FC, 0x012D, 0x041B,  //
+                                                0x0127, 0x012D, 0x012D, 0x041B, 0));
+    EXPECT_EQ(records[1].words, (std::vector<std::int16_t>{40, 30, 2, 1}));
+}
+
+TEST(Metafile, ReplacesObjectsWhenThereAreVeryMany) {
+    const auto records = RecordsOf(Recorded([](CDC& dc) {
+        for (int i = 0; i < 500; ++i) {
+            CPen pen(PS_SOLID, 1, static_cast<COLORREF>(i));
+            CPen* previous = dc.SelectObject(&pen);
+            dc.MoveTo(0, 0);
+            dc.LineTo(i + 1, 1);
+            dc.SelectObject(previous);
+        }
+    }));
+    int alive = 0, most = 0;
+    for (const Record& record : records) {
+        if (record.function == 0x02FA) most = std::max(most, ++alive);
+        if (record.function == 0x01F0) --alive;
+    }
+    EXPECT_LE(most, 64);
+}
+
+TEST(Metafile, HasThePublishedPlaceableHeader) {
+    const auto header = zel::PlaceableHeader(CRect(0, 0, 1200, 800), 1440);
+    const std::array<std::uint8_t, 22> expected{0xD7, 0xCD, 0xC6, 0x9A, 0, 0, 0, 0, 0, 0, 0xB0, 0x04, 0x20, 0x03, 0xA0, 0x05,
+                                                0, 0, 0, 0, 0x21, 0x55};
+    EXPECT_EQ(header, expected);
+}
+
+TEST(Metafile, IsReadByAnotherProgram) {
+    const zel::test::TemporaryFolder folder;
+    const auto bytes = Recorded([](CDC& dc) {
+        dc.SetMapMode(MM_ANISOTROPIC);
+        dc.SetWindowExt(1000, 1000);
+        dc.SetViewportExt(1000, 1000);
+        CBrush red(RGB(255, 0, 0));
+        CBrush* previous = dc.SelectObject(&red);
+        dc.Rectangle(100, 100, 500, 400);
+        dc.SelectObject(previous);
+        dc.Ellipse(CRect(500, 500, 900, 900));
+        dc.TextOut(200, 600, "Anomaly", 7);
+    });
+    const auto header = zel::PlaceableHeader(CRect(0, 0, 1000, 1000), 1000);
+    std::ofstream(folder / "drawing.wmf", std::ios::binary)
+        .write(reinterpret_cast<const char*>(header.data()), header.size())
+        .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+    const auto reader = zel::test::RunProgram("wmf2svg -o " + (folder / "drawing.svg") + " " + (folder / "drawing.wmf"));
+    ASSERT_EQ(reader.code, 0) << reader.text;
+    const std::string svg = zel::test::Content(folder / "drawing.svg");
+    EXPECT_THAT(svg, testing::HasSubstr("Anomaly"));
+    EXPECT_THAT(svg, testing::HasSubstr("<ellipse"));
+    EXPECT_THAT(svg, testing::HasSubstr("<rect"));
+}
+
+TEST(Metafile, SaysWhereItCannotBeWritten) {
+    CMetaFileDC dc;
+    dc.Create("/no/such/folder/drawing.wmf");
+    EXPECT_THAT(MessageOf<CFileException>([&] { dc.Close(); }), testing::HasSubstr("/no/such/folder/drawing.wmf"));
+}
+
+}  // namespace

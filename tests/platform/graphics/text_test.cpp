@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+
+#include <zel/platform/DC.h>
+#include <zel/platform/RecordingDevice.h>
+
+namespace {
+
+class Text : public testing::Test {
+  protected:
+    Text() {
+        font_.CreateFont(-16, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+        dc_.SelectObject(&font_);
+    }
+    int Height(const char* text, UINT format, CRect box = CRect(20, 20, 120, 90)) {
+        return dc_.DrawText(text, -1, &box, format);
+    }
+    CRect Measured(const char* text, UINT format) {
+        CRect box(20, 20, 120, 90);
+        dc_.DrawText(text, -1, &box, format | DT_CALCRECT);
+        return box;
+    }
+    // Where the texts were written.
+    std::string Written(const char* text, UINT format) {
+        device_.Clear();
+        CRect box(20, 20, 120, 90);
+        dc_.DrawText(text, -1, &box, format);
+        std::string lines;
+        for (std::size_t at = 0; (at = device_.Text().find("text ", at)) != std::string::npos; ++at) {
+            if (at > 0 && device_.Text()[at - 1] != '\n') continue;
+            lines += device_.Text().substr(at + 5, device_.Text().find('\n', at) - at - 5) + "|";
+        }
+        return lines;
+    }
+
+    zel::RecordingDevice device_;
+    CFont font_;
+    CDC dc_{device_};
+};
+
+TEST_F(Text, MeasuresByTheSumOfAdvances) {
+    EXPECT_EQ(dc_.GetTextExtent("Hello", 5).cx, 12 + 9 + 4 + 4 + 9);
+    EXPECT_EQ(dc_.GetTextExtent("", 0), CSize(0, 0));
+    EXPECT_EQ(dc_.GetTextExtent("\xC2\xB0", 2).cx, 6) << "two bytes, one character";
+    TEXTMETRIC metrics{};
+    dc_.GetTextMetrics(&metrics);
+    EXPECT_EQ(metrics.tmHeight, metrics.tmAscent + metrics.tmDescent);
+    EXPECT_EQ(metrics.tmHeight - metrics.tmInternalLeading, 16) << "a negative height is that of the em";
+    CFont cell;
+    cell.CreateFont(100, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+    dc_.SelectObject(&cell);
+    dc_.GetTextMetrics(&metrics);
+    EXPECT_NEAR(metrics.tmHeight, 100, 1) << "a positive one that of the cell";
+    dc_.SelectObject(&font_);
+}
+
+TEST_F(Text, BreaksLinesAsThePlatformDoes) {
+    const int line = dc_.GetTextExtent("x", 1).cy;
+    EXPECT_EQ(Height("a\r\nb", 0), 2 * line);
+    EXPECT_EQ(Height("a\rb", 0), 2 * line);
+    EXPECT_EQ(Height("a\n\nb", 0), 3 * line);
+    EXPECT_EQ(Height("a\n", 0), line) << "a line end at the very end adds no line";
+    EXPECT_EQ(Height("", 0), line);
+    EXPECT_EQ(Height("a\nb", DT_SINGLELINE), line);
+    EXPECT_EQ(Height("Hello World wide web", DT_WORDBREAK), 2 * line);
+    const CRect word = Measured("Donaudampfschifffahrtsgesellschaft", DT_WORDBREAK);
+    EXPECT_GT(word.right, 120) << "a single word is not broken";
+    EXPECT_EQ(word.Height(), line);
+    EXPECT_EQ(Measured("", 0), CRect(20, 20, 20, 20));
+}
+
+TEST_F(Text, AlignsInTheRectangle) {
+    EXPECT_EQ(Written("Hello", DT_LEFT), "20,20 \"Hello\"|");
+    EXPECT_EQ(Written("Hello", DT_CENTER), "51,20 \"Hello\"|");
+    EXPECT_EQ(Written("Hello", DT_RIGHT), "82,20 \"Hello\"|");
+    EXPECT_EQ(Written("Hello", DT_VCENTER), "20,20 \"Hello\"|") << "only for a single line";
+    EXPECT_EQ(Written("Hello", DT_VCENTER | DT_SINGLELINE), "20,47 \"Hello\"|");
+    EXPECT_EQ(Written("Hello", DT_BOTTOM | DT_SINGLELINE), "20,73 \"Hello\"|");
+    EXPECT_EQ(Written("a  b", DT_WORDBREAK), "20,20 \"a  b\"|");
+    EXPECT_EQ(Written("&File", 0), "20,20 \"File\"|");
+    EXPECT_EQ(Written("&File", DT_NOPREFIX), "20,20 \"&File\"|");
+    EXPECT_EQ(Written("a\tb", DT_EXPANDTABS), "20,20 \"a\"|84,20 \"b\"|");
+}
+
+TEST_F(Text, MovesTheCurrentPosition) {
+    dc_.SetTextAlign(TA_UPDATECP);
+    dc_.MoveTo(5, 7);
+    dc_.TextOut(99, 99, "Hello", 5);
+    EXPECT_EQ(dc_.GetCurrentPosition(), CPoint(43, 7));
+    dc_.Flush();
+    EXPECT_NE(device_.Text().find("text 5,7 \"Hello\""), std::string::npos);
+}
+
+}  // namespace
