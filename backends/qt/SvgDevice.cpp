@@ -213,7 +213,7 @@ class SvgDevice : public MeasuringDevice {
     }
 
     QString WriteHatch(const GraphicsState& state, const LOGBRUSH& brush) {
-        const QString id = "hatch" + QString::number(++lastId_);
+        QString id = "hatch" + QString::number(++lastId_);
         const double cell = kHatchSpacing;
         xml_.writeStartElement("pattern");
         xml_.writeAttribute("id", id);

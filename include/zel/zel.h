@@ -18,3 +18,7 @@
 #include <zel/ZelDocument.h>
 #include <zel/ZelExport.h>
 #include <zel/ZelRules.h>
+#include <zel/platform/DC.h>
+#include <zel/platform/Exception.h>
+#include <zel/platform/PrintInfo.h>
+#include <zel/platform/Wnd.h>

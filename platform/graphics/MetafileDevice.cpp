@@ -234,7 +234,7 @@ int MetafileDevice::SlotFor(ObjectKind kind, const Words& definition) {
     return slot;
 }
 
-void MetafileDevice::Select(ObjectKind kind, Words definition) {
+void MetafileDevice::Select(ObjectKind kind, const Words& definition) {
     const int slot = SlotFor(kind, definition);
     if (written_.selected[kind] == slot) return;
     Record(META_SELECTOBJECT, {Word(slot)});
@@ -258,7 +258,7 @@ void MetafileDevice::SelectFont(const LOGFONT& font) {
     bytes += Encoded(font.lfFaceName);
     bytes.resize(8 + LF_FACESIZE, '\0');
     AppendBytes(words, bytes);
-    Select(FONT, std::move(words));
+    Select(FONT, words);
 }
 
 // Primitives

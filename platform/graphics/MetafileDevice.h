@@ -63,7 +63,7 @@ class MetafileDevice : public GraphicsDevice {
     void WriteColor(WORD function, COLORREF& written, COLORREF wanted);
     void WriteStroke(const GraphicsState& state);
     void WriteShape(const GraphicsState& state);
-    void Select(ObjectKind kind, Words definition);
+    void Select(ObjectKind kind, const Words& definition);
     void SelectPen(const LOGPEN& pen);
     void SelectBrush(const LOGBRUSH& brush);
     void SelectFont(const LOGFONT& font);

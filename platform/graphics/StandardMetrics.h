@@ -3,6 +3,8 @@
 
 #include <zel/platform/GdiTypes.h>
 
+#include <cmath>
+
 namespace zel {
 
 inline constexpr int kUnitsPerEm = 2048;
@@ -16,7 +18,9 @@ int StandardAdvance(char32_t character, bool bold);
 
 struct FontSize {
     double em;  // device units
-    int Scaled(int designUnits) const { return static_cast<int>(designUnits * em / kUnitsPerEm + 0.5); }
+    int Scaled(int designUnits) const {
+        return static_cast<int>(std::lround(designUnits * em / kUnitsPerEm));
+    }
 };
 
 // A negative height is that of the em, a positive one that of ascent and descent together. `scale` takes

@@ -21,7 +21,7 @@ std::string Resolve(const std::string& target) {
         if (length < 0) break;
         const std::string to(link, static_cast<std::size_t>(length));
         const std::size_t slash = path.rfind('/');
-        path = to.starts_with('/') || slash == std::string::npos ? to : path.substr(0, slash + 1) + to;
+        path = to.starts_with('/') || slash == std::string::npos ? to : path.substr(0, slash + 1).append(to);
     }
     return path;
 }

@@ -1,0 +1,208 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+
+#include <zel/platform/Archive.h>
+#include <zel/platform/File.h>
+#include <zel/platform/RecordingDevice.h>
+#include <zel/zel.h>
+
+#include "Support.h"
+
+namespace {
+
+using zel::test::Content;
+using zel::test::MessageOf;
+using zel::test::TemporaryFolder;
+using Bytes = std::vector<std::uint8_t>;
+
+std::string Drawn(Zel2Main& root) {
+    zel::RecordingDevice device(960);
+    CDC dc(device);
+    root.PrepareMappingFor(&dc, nullptr, 0, 0);
+    root.Draw(&dc);
+    dc.Flush();
+    return device.Text();
+}
+
+// One object of every persistent class, with state that differs from the defaults.
+std::unique_ptr<Zel2Main> MakeEverything() {
+    auto root = std::make_unique<Zel2Main>();
+    root->SetRules(ZelRules::EXACT);
+    int pattern[20] = {9, 4, 2, 4};
+    const int pen = root->RegisterPen("dashes", DrawPen::USER_DEFINED, 3, RGB(9, 8, 7), RGB(1, 1, 1), pattern);
+    const int color = root->RegisterColor("area", RGB(200, 220, 240), RGB(250, 250, 250));
+    const int font = root->RegisterFont("label", "Arial", 95, 1, 1, 0, 0, RGB(3, 3, 3), 0);
+    int xs[] = {0, 100, 50}, ys[] = {0, 0, 100};
+    const int star = root->RegisterSymbol("star", CSize(60, 60), zel::SYMBOL_CUSTOM, "", 2, 5, 6, 7, 8, 0, "Arial", 80, 9,
+                                          10, xs, ys, 3);
+    const int disc = root->RegisterSymbol("disc", CSize(40, 40), zel::SYMBOL_CIRCLE, "A", 1, 0, 0, RGB(255, 0, 0), 0, 1,
+                                          "Arial", 60, 0, 0, nullptr, nullptr, 0);
+    auto* graph = new Zel2Graph;
+    graph->SetGraphSize(CSize(4000, 3000));
+    graph->SetMargins(500, 300, 400, 500);
+    graph->SetCoord(0, -2, 5, 2);
+    graph->SetLabelAngles(450, 0);
+    graph->SetYRLabels(0, 0);
+    graph->SetFrameStyle(2);
+    graph->SetTickLengths(-40, -30);
+    graph->SetAuxCS(0, 0, 10, 100, 4, 5);
+    root->Add(graph);
+    root->Add(nullptr);
+    auto* series = new Zel2PointArray;
+    series->SetPoints({1, 2, 3, 4}, {-1, 1, NAN, 1.5});
+    series->SetPen(pen);
+    series->SetColor(color);
+    series->SetSymbol(disc, false);
+    series->SetExtension(Zel2PointSet::BOTTOM, Zel2PointSet::RIGHT);
+    for (int i = 0; i < 4; ++i) series->AddSymbol(star);
+    graph->AddIn(series);
+    root->Add(new Zel2Text("rule", CRect(100, 3100, 1500, 3400), font, DT_CENTER, 0, pen, color, {pen, 0.5F}));
+    root->Add(new Zel2Rect(CRect(2000, 3100, 2500, 3500), pen, color, Zel2Rect::ELLIPSE, -1));
+    root->Add(new Zel2Rect(CRect(2600, 3100, 2900, 3500), -1, -1, Zel2Rect::RECTANGLE, disc));
+    root->Map()->SetZoom(3, 2);
+    return root;
+}
+
+TEST(Document, LosesNothing) {
+    const TemporaryFolder folder;
+    const auto drawing = MakeEverything();
+    const std::string before = Drawn(*drawing);
+    zel::SaveDocument(*drawing, (folder / "a.zel").c_str());
+    const auto loaded = zel::LoadDocument((folder / "a.zel").c_str());
+    EXPECT_EQ(Drawn(*loaded), before);
+    EXPECT_EQ(loaded->Rules(), ZelRules::EXACT);
+    EXPECT_EQ((*loaded)[1], nullptr) << "an empty slot stays one";
+    EXPECT_EQ(loaded->Symbols()->Size(), 2) << "two symbols stay two";
+    EXPECT_STREQ(loaded->Symbol(0)->GetName(), "star");
+    EXPECT_EQ(dynamic_cast<Zel2Graph*>((*loaded)[0])->AuxY(), dynamic_cast<Zel2Graph*>((*drawing)[0])->AuxY());
+    zel::SaveDocument(*loaded, (folder / "b.zel").c_str());
+    zel::SaveDocument(*zel::LoadDocument((folder / "b.zel").c_str()), (folder / "c.zel").c_str());
+    EXPECT_EQ(Content(folder / "b.zel"), Content(folder / "c.zel"));
+}
+
+TEST(Document, RefusesEveryDamage) {
+    const TemporaryFolder folder;
+    const auto drawing = MakeEverything();
+    const std::string path = folder / "a.zel";
+    zel::SaveDocument(*drawing, path.c_str());
+    const std::string whole = Content(path);
+    const auto messageOf = [](const std::string& bytes) {
+        return MessageOf<CArchiveException>([&] { zel::LoadDocument(bytes.data(), bytes.size(), "a.zel"); });
+    };
+    for (std::size_t at = 0; at < whole.size(); at += at < 64 ? 1 : 37) {
+        std::string flipped = whole;
+        flipped[at] = static_cast<char>(flipped[at] ^ 0x10);
+        EXPECT_THAT(messageOf(flipped), testing::HasSubstr("a.zel")) << "bit flipped in byte " << at;
+        EXPECT_NE(messageOf(whole.substr(0, at)), "") << "cut at " << at;
+    }
+    EXPECT_NE(messageOf(whole + "x"), "");
+    EXPECT_THAT(messageOf("%PDF-1.4 and so on, which is no drawing at all"), testing::HasSubstr("no drawing document"));
+    std::string newer = whole;
+    newer[8] = 99;
+    EXPECT_THAT(messageOf(newer), testing::AllOf(testing::HasSubstr("version 99"), testing::HasSubstr("version 1")));
+    EXPECT_THAT(MessageOf<CFileException>([&] { zel::LoadDocument("/no/such.zel"); }), testing::HasSubstr("/no/such.zel"));
+}
+
+TEST(Document, CopiesDeeply) {
+    const auto drawing = MakeEverything();
+    const std::string before = Drawn(*drawing);
+    const auto copy = zel::DeepCopy(*drawing);
+    auto* root = dynamic_cast<Zel2Main*>(copy.get());
+    ASSERT_NE(root, nullptr);
+    drawing->Pen("dashes")->Width(20);
+    root->SetRules(ZelRules::EXACT);
+    EXPECT_EQ(Drawn(*root), before);
+}
+
+Bytes Stored(CObject& object) {
+    CMemFile file;
+    CArchive ar(&file, CArchive::store);
+    object.Serialize(ar);
+    ar.Close();
+    return Bytes(file.GetData(), file.GetData() + file.GetLength());
+}
+
+void Append(Bytes& bytes, std::initializer_list<int> values) {
+    for (const int value : values) {
+        for (int i = 0; i < 4; ++i) bytes.push_back(static_cast<std::uint8_t>(static_cast<unsigned>(value) >> 8 * i));
+    }
+}
+
+void AppendClass(Bytes& bytes, const std::string& name) {
+    bytes.insert(bytes.end(), {0xFF, 0xFF, 0, 0, static_cast<std::uint8_t>(name.size()), 0});
+    bytes.insert(bytes.end(), name.begin(), name.end());
+}
+
+// A drawing of one colour and one box, written out by hand.
+TEST(ClassicArchive, HasTheBytesThatHostsKnow) {
+    Zel2Main root;
+    root.RegisterColor("Red", 0x0000FF, 0x808080);
+    auto* rect = new Zel2Rect(CRect(10, 20, 109, 69), -1, 0, Zel2Rect::RECTANGLE, -1);
+    root.Add(rect);
+    root.Add(nullptr);
+    Bytes expected;
+    Append(expected, {1});                      // colours
+    AppendClass(expected, "DrawColor");         // number 1, the colour is number 2
+    expected.insert(expected.end(), {3, 'R', 'e', 'd'});
+    Append(expected, {0x0000FF, 0x808080, 0});
+    Append(expected, {0, 0, 0});                // fonts, pens, symbols
+    Append(expected, {0, 0, 0, 2});             // position, status, slots
+    expected.push_back(1);
+    AppendClass(expected, "Zel2Rect");
+    Append(expected, {10, 20, 0, 100, 50, -1, 0});
+    expected.push_back(0);                      // the empty slot
+    expected.push_back(1);                      // the mapping
+    for (int i = 0; i < 3; ++i) Append(expected, {0, 0, 2000, 2000});
+    Append(expected, {0, 0, 1, 1});
+    EXPECT_EQ(Stored(root), expected);
+}
+
+TEST(ClassicArchive, DropsWhatItAlwaysDropped) {
+    const auto drawing = MakeEverything();
+    const Bytes bytes = Stored(*drawing);
+    CMemFile file(bytes.data(), bytes.size());
+    CArchive ar(&file, CArchive::load);
+    Zel2Main loaded;
+    loaded.Serialize(ar);
+    EXPECT_EQ(ar.BytesLeft(), 0U);
+    EXPECT_EQ(loaded.Symbols()->Size(), 1) << "all symbols come back under one name";
+    EXPECT_STREQ(loaded.Symbol(0)->GetName(), "<Unknown>");
+    auto* graph = dynamic_cast<Zel2Graph*>(loaded[0]);
+    ASSERT_NE(graph, nullptr);
+    EXPECT_TRUE(graph->AuxY().empty());
+    EXPECT_EQ(graph->AuxX(), dynamic_cast<Zel2Graph*>((*drawing)[0])->AuxX());
+    auto* series = dynamic_cast<Zel2PointArray*>(graph->Inner()[0]);
+    ASSERT_NE(series, nullptr);
+    EXPECT_EQ(series->GetParentClass(4), graph);
+    EXPECT_EQ(series->NPoints(), 4U);
+    EXPECT_EQ(dynamic_cast<Zel2Rect*>(loaded[3])->Type(), Zel2Rect::RECTANGLE);
+}
+
+TEST(ClassicArchive, TakesNoMemoryThatItsBytesDoNotJustify) {
+    Zel2PointArray points;
+    points.SetPoints({1, 2}, {3, 4});
+    Bytes bytes = Stored(points);
+    bytes[32] = 0xFF, bytes[33] = 0xFF, bytes[34] = 0xFF, bytes[35] = 0x7F;  // the number of x values
+    CMemFile file(bytes.data(), bytes.size());
+    CArchive ar(&file, CArchive::load);
+    Zel2PointArray loaded;
+    EXPECT_THAT(MessageOf<CArchiveException>([&] { loaded.Serialize(ar); }), testing::HasSubstr("2147483647"));
+}
+
+TEST(ClassicArchive, RestoresAMappingWhereNoneWasStored) {
+    Zel2Main root;
+    delete root.Map();
+    root.SetMapping(nullptr);
+    const Bytes bytes = Stored(root);
+    CMemFile file(bytes.data(), bytes.size());
+    CArchive ar(&file, CArchive::load);
+    Zel2Main loaded;
+    loaded.Serialize(ar);
+    ASSERT_NE(loaded.Map(), nullptr);
+    EXPECT_EQ(loaded.Map()->ToDevice(CPoint(7, 8)), CPoint(7, 8));
+}
+
+}  // namespace

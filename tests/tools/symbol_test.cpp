@@ -1,0 +1,81 @@
+#include <gtest/gtest.h>
+
+#include <zel/platform/RecordingDevice.h>
+#include <zel/zel.h>
+
+namespace {
+
+DrawSymbol Symbol(zel::SymbolKind type, const char* text = "", int border = 1) {
+    return {"s", CSize(60, 60), type, text, 1, 1, 2, 3, 4, border, "Arial", 80, 5, 6, nullptr, nullptr, 0};
+}
+
+TEST(DrawSymbol, RegistersItsToolsUnderItsOwnName) {
+    Zel2Main root;
+    DrawSymbol symbol = Symbol(zel::SYMBOL_SQUARE, "A");
+    symbol.SetDefaults(&root);
+    EXPECT_EQ(root.GetPenIndex("s - Border Line"), 0);
+    EXPECT_EQ(root.GetColorIndex("s - Background"), 0);
+    EXPECT_EQ(root.GetFontIndex("s - Symbol Text"), 0);
+    DrawSymbol cross = Symbol(zel::SYMBOL_CROSS, "", 0);
+    cross.SetName("x");
+    cross.SetDefaults(&root);
+    EXPECT_EQ(root.GetColorIndex("x - Background"), -1);
+    EXPECT_EQ(root.GetPenIndex("x - Border Line"), 1) << "a cross is nothing but its pen";
+}
+
+TEST(DrawSymbol, ChoosesASizeByItsLabelsFont) {
+    Zel2Main root;
+    const auto sized = [&](const char* name, const char* text) {
+        DrawSymbol symbol(name, CSize(), zel::SYMBOL_CIRCLE, text, 1, 0, 0, 0, 0, 1, "Arial", 120, 0, 0, nullptr, nullptr, 0);
+        symbol.SetDefaults(&root);
+        return symbol.Size();
+    };
+    EXPECT_EQ(sized("a", ""), CSize(50, 50));
+    EXPECT_EQ(sized("b", "x"), CSize(50, 50)) << "the first font of a drawing counts as none";
+    EXPECT_EQ(sized("c", "x"), CSize(166, 166));
+}
+
+TEST(DrawSymbol, TakesOnlyKnownTypes) {
+    DrawSymbol symbol = Symbol(zel::SYMBOL_DIAMOND);
+    for (const int type : {0, 16, 99, -1}) symbol.SetType(static_cast<zel::SymbolKind>(type));
+    EXPECT_EQ(symbol.GetType(), zel::SYMBOL_DIAMOND);
+    symbol.SetType({0, 100, 50}, {0, 0, 100});
+    EXPECT_EQ(symbol.GetType(), zel::SYMBOL_CUSTOM);
+    DrawSymbol copy(symbol);
+    EXPECT_EQ(copy.NCustom(), 3);
+    copy.CopyFrom(&copy);
+    EXPECT_EQ(copy.NCustom(), 3);
+    symbol.SetPenData(99, 7, 8);
+    int width = 0;
+    COLORREF screen = 0, print = 0;
+    symbol.GetPenData(width, screen, print);
+    EXPECT_EQ(width, 1) << "the width stays";
+    EXPECT_EQ(print, 8U);
+}
+
+TEST(DrawSymbol, DrawsItsShapeWithinTheGraph) {
+    Zel2Main root;
+    auto* graph = new Zel2Graph;
+    root.Add(graph);
+    graph->SetGraphSize(CSize(1000, 1000));
+    graph->SetMargins(0, 0, 0, 0);
+    graph->SetCoord(0, 0, 10, 10);
+    auto* points = new Zel2PointArray;
+    graph->AddIn(points);
+    zel::RecordingDevice device(1000);
+    CDC dc(device);
+    root.PrepareMappingFor(&dc, nullptr, 0, 0);
+    graph->PrepareMapping();
+    DrawSymbol symbol = Symbol(zel::SYMBOL_TRIANGLE_UP);
+    symbol.SetDefaults(&root);
+    root.OpenOn(&dc, 1000);
+    symbol.PlotOn(points, 10.0, 5.0);  // on the limit
+    symbol.PlotOn(points, 10.1, 5.0);  // beyond it
+    dc.Flush();
+    EXPECT_EQ(device.Text(),
+              "pen null 0 #000000\nbrush solid #030000\npolygon 970,530 1000,470 1030,530 970,530\n"
+              "pen solid 4 #010000\npolyline 970,530 1000,470 1030,530 970,530\n");
+    root.Close();
+}
+
+}  // namespace
