@@ -1,0 +1,107 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include <zel/zel.h>
+
+#include "Support.h"
+
+namespace {
+
+using testing::HasSubstr;
+using zel::test::TemporaryFolder;
+
+class Program : public testing::Test {
+  protected:
+    static zel::test::Output Run(const std::string& arguments) {
+        return zel::test::RunProgram(std::string(ZEL_PROGRAM) + " " + arguments);
+    }
+    static std::string Data(const char* name) { return std::string(ZEL_DATA) + "/" + name; }
+    std::string Csv(const std::string& content) {
+        std::ofstream(folder_ / "data.csv", std::ios::binary) << content;
+        return folder_ / "data.csv";
+    }
+    // The points of the last series of a document.
+    Zel2PointArray* Points(const std::string& path) {
+        drawing_ = zel::LoadDocument(path.c_str());
+        Zel2Set& inner = dynamic_cast<Zel2Graph*>((*drawing_)[0])->Inner();
+        return dynamic_cast<Zel2PointArray*>(inner[inner.GetCount() - 1]);
+    }
+    TemporaryFolder folder_;
+    std::unique_ptr<Zel2Main> drawing_;
+};
+
+TEST_F(Program, PlotsAllDataSets) {
+    const std::pair<const char*, const char*> plots[] = {
+        {"global-temp.csv", "--x year --y temp --fill"},
+        {"co2-concentration.csv", "--x Date --y CO2 --y 'adjusted CO2' --title CO2"},
+        {"seattle-weather.csv", "--x date --y temp_max --y temp_min --x-range 2013 2014"},
+        {"seattle-weather-hourly-normals.csv", "--x date --y temperature"},
+        {"earthquakes-week.csv", "--x longitude --y latitude --no-line"}};
+    for (const auto& [data, options] : plots) {
+        for (const char* ending : {"pdf", "png"}) {
+            const std::string out = folder_ / (std::string(data) + "." + ending);
+            const auto output = Run("plot " + Data(data) + " " + options + " -o " + out);
+            EXPECT_EQ(output.code, 0) << output.text;
+            EXPECT_GT(zel::test::Content(out).size(), 5000U);
+        }
+    }
+}
+
+TEST_F(Program, ReadsAwkwardCsv) {
+    const std::string csv = Csv("\xEF\xBB\xBF\"the \"\"x\"\"\",\"y, in mm\",note\r\n"
+                                "1,2.5,\"one, two\"\r\n2,,\"line\r\nend\"\r\n3,n/a,\r\n\r\n4,-1e3,last");
+    const auto output = Run("plot " + csv + " --x 'the \"x\"' --y 'y, in mm' -o " + (folder_ / "a.zel"));
+    ASSERT_EQ(output.code, 0) << output.text;
+    Zel2PointArray* points = Points(folder_ / "a.zel");
+    ASSERT_EQ(points->NPoints(), 4U);
+    EXPECT_EQ(points->Y(0), 2.5);
+    EXPECT_TRUE(std::isnan(points->Y(1)) && std::isnan(points->Y(2)));
+    EXPECT_EQ(points->Y(3), -1000);
+}
+
+TEST_F(Program, ReadsDatesAsDecimalYears) {
+    const std::string csv = Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");
+    ASSERT_EQ(Run("plot " + csv + " --x when --y v -o " + (folder_ / "a.zel")).code, 0);
+    Zel2PointArray* points = Points(folder_ / "a.zel");
+    EXPECT_EQ(points->X(0), 2012);
+    EXPECT_NEAR(points->X(1), 2012.5, 1e-9);
+    EXPECT_NEAR(points->X(2), 2013 + 364.5 / 365, 1e-9);
+    EXPECT_TRUE(std::isnan(points->X(3))) << "no such day";
+}
+
+TEST_F(Program, ConvertsAndDescribesDocuments) {
+    const std::string document = folder_ / "a.zel";
+    ASSERT_EQ(Run("plot " + Data("global-temp.csv") + " --x year --y temp -o " + document).code, 0);
+    EXPECT_EQ(Run("convert " + document + " " + (folder_ / "a.svg")).code, 0);
+    EXPECT_EQ(Run("convert " + document + " " + (folder_ / "a.pdf") + " --paper a4 --landscape").code, 0);
+    const auto info = Run("info " + document);
+    EXPECT_THAT(info.text, testing::AllOf(HasSubstr("Zel2Graph"), HasSubstr("144 points"), HasSubstr("exact rules"),
+                                          HasSubstr("\"temp line\"  Solid  0.4 mm")));
+}
+
+TEST_F(Program, SaysWhatIsWrong) {
+    const std::string csv = Csv("a,b\n1,x\n");
+    const std::string out = " -o " + (folder_ / "a.png");
+    const auto fails = [&](const std::string& arguments, const char* why) {
+        const auto output = Run(arguments);
+        EXPECT_NE(output.code, 0) << arguments;
+        EXPECT_THAT(output.text, HasSubstr(why)) << arguments;
+    };
+    fails("plot " + csv + " --x a --y c" + out, "it has: a, b");
+    fails("plot " + csv + " --x a --y b" + out, "no numbers");
+    fails("plot /no/such.csv --x a --y b" + out, "/no/such.csv");
+    fails("plot " + Csv("") + " --x a --y b" + out, "no header");
+    fails("plot " + Csv("a,b\n1,\"x") + " --x a --y b" + out, "row 2");
+    fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b --x-range 5 1" + out, "--x-range");
+    fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b --size 0 10" + out, "millimetres");
+    fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b -o /no/such/a.pdf", "/no/such/a.pdf");
+    fails("convert " + csv + " x.png", "no drawing document");
+    fails("convert /no/such.zel x.png", "No such file");
+    fails("frobnicate", "frobnicate");
+    EXPECT_EQ(Run("plot --help").code, 0);
+    EXPECT_EQ(Run("plot " + Csv("a,b\n1,2\n") + " --x a --y b" + out).code, 0) << "a single point";
+}
+
+}  // namespace

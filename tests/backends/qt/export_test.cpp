@@ -1,0 +1,143 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QImage>
+#include <QXmlStreamReader>
+#include <clocale>
+
+#include <zel/qt/Install.h>
+#include <zel/zel.h>
+
+#include "Support.h"
+
+namespace {
+
+using zel::test::Content;
+using zel::test::MessageOf;
+using zel::test::RunProgram;
+using zel::test::TemporaryFolder;
+
+class Files : public testing::Test {
+  protected:
+    Files() {
+        zel::qt::Install();
+        root_.SetRules(ZelRules::EXACT);
+        auto* graph = new Zel2Graph;
+        root_.Add(graph);
+        graph->SetGraphSize(CSize(4000, 3000));
+        graph->SetCoord(0, 0, 10, 1);
+        auto* points = new Zel2PointArray;
+        points->SetPoints({1, 5, 9}, {0.2, 0.9, 0.4});
+        points->SetPen(root_.RegisterPen("line", DrawPen::SOLID, 4, RGB(200, 0, 0), RGB(0, 0, 0), nullptr));
+        graph->AddIn(points);
+        const int font = root_.RegisterFont("text", "Arial", 120, 0, 0, 0, 0, 0, 0);
+        root_.Add(new Zel2Text("Temperature in °C, 3 µm, café", CPoint(2000, 2800), font, DT_CENTER, 0, -1, -1, {-1, 0.0F}));
+        root_.Add(new Zel2Text("upward label", CPoint(100, 1500), font, DT_CENTER, 900, -1, -1, {-1, 0.0F}));
+    }
+    std::string Written(const char* name, const zel::ExportOptions& options = {}) {
+        const std::string path = folder_ / name;
+        zel::Export(root_, path.c_str(), options);
+        return path;
+    }
+    TemporaryFolder folder_;
+    Zel2Main root_;
+};
+
+TEST_F(Files, PdfTextIsFoundAndItsFontsAreEmbedded) {
+    zel::ExportOptions options;
+    options.title = "A title";
+    ASSERT_TRUE(zel::SetPaper(options, "A4", true));
+    const std::string path = Written("a.pdf", options);
+    const std::string text = RunProgram("pdftotext -layout " + path + " -").text;
+    EXPECT_THAT(text, testing::HasSubstr("Temperature in °C, 3 µm, café"));
+    EXPECT_THAT(text, testing::HasSubstr("upward label"));
+    EXPECT_THAT(text, testing::HasSubstr("0.6"));
+    EXPECT_THAT(RunProgram("pdffonts " + path).text, testing::ContainsRegex("LiberationSans .* yes no  yes"));
+    const std::string info = RunProgram("pdfinfo " + path).text;
+    EXPECT_THAT(info, testing::HasSubstr("841.8"));
+    EXPECT_THAT(info, testing::HasSubstr("A title"));
+    EXPECT_THAT(RunProgram("pdfimages -list " + path).text, testing::Not(testing::HasSubstr("image"))) << "all vectors";
+    EXPECT_FALSE(zel::SetPaper(options, "A17", false));
+}
+
+TEST_F(Files, SvgKeepsTextAndLines) {
+    const std::string content = Content(Written("a.svg"));
+    QXmlStreamReader xml(QByteArray::fromStdString(content));
+    int polylines = 0;
+    QStringList texts;
+    while (!xml.atEnd()) {
+        if (xml.readNext() != QXmlStreamReader::StartElement) continue;
+        if (xml.name() == QLatin1String("polyline")) ++polylines;
+        if (xml.name() == QLatin1String("text")) texts << xml.readElementText();
+    }
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
+    EXPECT_GT(polylines, 5);
+    EXPECT_TRUE(texts.contains(QString::fromUtf8("Temperature in °C, 3 µm, café")));
+    EXPECT_THAT(content, testing::HasSubstr("width=\"4in\""));
+}
+
+TEST_F(Files, ImagesHaveTheirSizeAndResolution) {
+    zel::ExportOptions options;
+    options.dotsPerInch = 200;
+    QImage image(QString::fromStdString(Written("a.png", options)));
+    EXPECT_EQ(image.size(), QSize(800, 600));
+    EXPECT_NEAR(image.dotsPerMeterX() * 0.0254, 200, 0.5);
+    options.pixelWidth = 500;
+    options.transparent = true;
+    image.load(QString::fromStdString(Written("b.PNG", options)));
+    EXPECT_EQ(image.size(), QSize(500, 375));
+    options.quality = 50;
+    EXPECT_EQ(Content(Written("c.jpg", options)).substr(0, 2), "\xFF\xD8");
+    // On a paper half its size the drawing is shrunk to fit, and stays itself.
+    options = {};
+    options.paperWidth = options.paperHeight = 50;
+    image.load(QString::fromStdString(Written("d.png", options)));
+    EXPECT_EQ(image.size(), QSize(295, 295));
+    EXPECT_EQ(image.pixel(2, 2), 0xFFFFFFFF);
+}
+
+TEST_F(Files, PrinterToolsComeFromPrinting) {
+    zel::ExportOptions options;
+    const auto reds = [](const std::string& path) {
+        const QImage image(QString::fromStdString(path));
+        int count = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) count += qRed(image.pixel(x, y)) > 150 && qGreen(image.pixel(x, y)) < 60;
+        }
+        return count;
+    };
+    EXPECT_GT(reds(Written("screen.png", options)), 100);
+    options.printerTools = true;
+    EXPECT_EQ(reds(Written("printer.png", options)), 0);
+}
+
+TEST_F(Files, FailWholeAndWithAReason) {
+    const std::string path = folder_ / "old.png";
+    std::ofstream(path) << "old";
+    EXPECT_THAT(MessageOf<CFileException>([&] { zel::Export(root_, "/no/such/folder/a.png"); }),
+                testing::HasSubstr("/no/such/folder/a.png"));
+    EXPECT_THAT(MessageOf<CFileException>([&] { zel::Export(root_, "/no/such/folder/a.pdf"); }), testing::HasSubstr("No such file"));
+    EXPECT_THAT(MessageOf<CNotSupportedException>([&] { zel::Export(root_, (folder_ / "a.xyz").c_str()); }),
+                testing::HasSubstr("png, jpg, pdf, svg"));
+    for (const char* full : {"/dev/full"}) {
+        EXPECT_NE(MessageOf<CFileException>([&] { zel::Export(root_, (std::string(full) + "/a.svg").c_str()); }), "");
+    }
+    EXPECT_EQ(Content(path), "old");
+    EXPECT_EQ(folder_.FileCount(), 1U) << "no temporary file stays";
+}
+
+TEST_F(Files, LeaveTheLocaleAlone) {
+    Written("a.png");
+    EXPECT_STREQ(std::setlocale(LC_NUMERIC, nullptr), "C");
+}
+
+TEST_F(Files, DrawTheSameAsTheMetafileReadElsewhere) {
+    const std::string path = Written("a.wmf");
+    const auto reader = RunProgram("wmf2svg -o " + (folder_ / "a.svg") + " " + path);
+    ASSERT_EQ(reader.code, 0) << reader.text;
+    const std::string svg = Content(folder_ / "a.svg");
+    EXPECT_THAT(svg, testing::HasSubstr("Temperature in"));
+    EXPECT_THAT(svg, testing::HasSubstr("polyline"));
+}
+
+}  // namespace

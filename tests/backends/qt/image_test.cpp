@@ -1,0 +1,180 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <zel/platform/MetricsDevice.h>
+#include <zel/platform/Warning.h>
+#include <zel/qt/ImageDevice.h>
+#include <zel/qt/Install.h>
+#include <zel/zel.h>
+
+namespace {
+
+constexpr int kSub = zel::qt::ImageDevice::kSubPixels;
+
+// A white image; coordinates of the helpers are pixels.
+class Image : public testing::Test {
+  protected:
+    static CRect Units(int l, int t, int r, int b) { return {l * kSub, t * kSub, r * kSub, b * kSub}; }
+    COLORREF At(int x, int y) { return device_.GetPixel(CPoint(x * kSub, y * kSub)); }
+    // The pixels that are not white, as their bounding box; right and bottom outside.
+    CRect Inked() {
+        dc_.Flush();
+        CRect box(1000, 1000, -1, -1);
+        for (int y = 0; y < device_.Height(); ++y) {
+            for (int x = 0; x < device_.Width(); ++x) {
+                if (At(x, y) == RGB(255, 255, 255)) continue;
+                box = CRect(std::min<int>(box.left, x), std::min<int>(box.top, y), std::max<int>(box.right, x + 1),
+                            std::max<int>(box.bottom, y + 1));
+            }
+        }
+        return box;
+    }
+    void Line(CPoint from, CPoint to) {
+        dc_.MoveTo(from);
+        dc_.LineTo(to);
+        dc_.Flush();
+    }
+    zel::qt::ImageDevice device_{100, 80, 96};
+    CDC dc_{device_};
+};
+
+TEST_F(Image, KeepsAxisParallelLinesCrisp) {
+    Line(CPoint(2 * kSub, 10 * kSub + 5), CPoint(8 * kSub, 10 * kSub + 5));
+    EXPECT_EQ(Inked(), CRect(2, 10, 8, 11)) << "one row, the last unit left out";
+    device_.Clear(RGB(255, 255, 255));
+    Line(CPoint(8 * kSub, 3), CPoint(2 * kSub, 3));
+    EXPECT_EQ(Inked(), CRect(2, 0, 9, 1));
+    device_.Clear(RGB(255, 255, 255));
+    CPen wide(PS_SOLID, 3 * kSub, RGB(0, 0, 0));
+    CPen* previous = dc_.SelectObject(&wide);
+    Line(CPoint(10 * kSub, 20 * kSub), CPoint(10 * kSub, 30 * kSub));
+    EXPECT_EQ(Inked(), CRect(9, 19, 12, 32));
+    EXPECT_EQ(At(10, 25), RGB(0, 0, 0)) << "no grey";
+    dc_.SelectObject(previous);
+}
+
+TEST_F(Image, FillsMeetWithoutGapOrOverlap) {
+    CBrush red(RGB(255, 0, 0)), green(RGB(0, 255, 0));
+    for (int unit = 0; unit < kSub; ++unit) {
+        device_.Clear(RGB(255, 255, 255));
+        const CRect left(3, 3, 20 * kSub + unit, 10 * kSub), right(40 * kSub, 10 * kSub, 20 * kSub + unit, 3);
+        dc_.FillRect(&left, &red);
+        dc_.FillRect(&right, &green);
+        for (int x = 0; x < 40; ++x) EXPECT_EQ(At(x, 5), x < 20 ? RGB(255, 0, 0) : RGB(0, 255, 0)) << x;
+        EXPECT_EQ(Inked(), CRect(0, 0, 40, 10)) << "reversed corners paint the same";
+    }
+}
+
+TEST_F(Image, DrawsTwiceInvertedAsNothing) {
+    CBrush blue(RGB(10, 60, 200));
+    const CRect ground = Units(10, 10, 60, 60);
+    dc_.FillRect(&ground, &blue);
+    dc_.Flush();
+    const std::vector<std::uint32_t> before(device_.Pixels(), device_.Pixels() + 100 * 80);
+    dc_.SetROP2(R2_NOTXORPEN);
+    for (const int style : {PS_SOLID, PS_DOT}) {
+        CPen pen(style, 1, RGB(0, 0, 0));
+        CPen* previous = dc_.SelectObject(&pen);
+        for (int i = 0; i < 2; ++i) {
+            dc_.Rectangle(5 * kSub, 5 * kSub, 50 * kSub, 40 * kSub);
+            dc_.Ellipse(Units(20, 20, 70, 70));
+            Line(CPoint(0, 0), CPoint(90 * kSub, 70 * kSub));
+            if (i == 0) EXPECT_NE(std::vector(device_.Pixels(), device_.Pixels() + 100 * 80), before);
+        }
+        dc_.SelectObject(previous);
+        EXPECT_EQ(std::vector(device_.Pixels(), device_.Pixels() + 100 * 80), before) << "style " << style;
+    }
+}
+
+TEST_F(Image, ThinsDenseCurvesToTheirExtremes) {
+    std::vector<CPoint> points;
+    for (int x = 0; x < 50 * kSub; ++x) points.emplace_back(x, (x % 7 == 0 ? 10 : x % 7 == 3 ? 70 : 40) * kSub);
+    dc_.MoveTo(points.front());
+    dc_.PolylineTo(points.data(), static_cast<int>(points.size()));
+    const CRect ink = Inked();
+    EXPECT_EQ(ink.top, 10);
+    EXPECT_EQ(ink.bottom, 71);
+    for (int x = 1; x < 49; ++x) {
+        for (int y = 11; y < 70; ++y) EXPECT_LT(GetRValue(At(x, y)), 128) << x << "," << y;
+    }
+}
+
+TEST_F(Image, ClipsEverythingToARegion) {
+    dc_.IntersectClipRect(20 * kSub, 20 * kSub, 30 * kSub, 30 * kSub);
+    CBrush red(RGB(255, 0, 0));
+    CBrush* previous = dc_.SelectObject(&red);
+    const CRect all = Units(0, 0, 100, 80);
+    dc_.FillRect(&all, &red);
+    dc_.Ellipse(Units(0, 0, 90, 70));
+    Line(CPoint(0, 0), CPoint(90 * kSub, 75 * kSub));
+    dc_.TextOut(0, 22 * kSub, "wide text in here", 17);
+    dc_.SelectObject(previous);
+    EXPECT_EQ(Inked(), CRect(20, 20, 30, 30));
+}
+
+TEST_F(Image, DrawsRoundAndSymmetricDiscs) {
+    DrawColor color("c", RGB(0, 0, 0), 0);
+    color.OpenOn(&dc_, 1000);
+    color.Ellipse(Units(20, 20, 26, 26));
+    EXPECT_EQ(Inked(), CRect(20, 20, 26, 26));
+    for (int y = 0; y < 6; ++y) {
+        for (int x = 0; x < 6; ++x) {
+            EXPECT_NEAR(GetRValue(At(20 + x, 20 + y)), GetRValue(At(25 - x, 20 + y)), 6);
+            EXPECT_NEAR(GetRValue(At(20 + x, 20 + y)), GetRValue(At(20 + y, 20 + x)), 6);
+        }
+    }
+    EXPECT_GT(GetRValue(At(20, 20)), 200) << "no square";
+}
+
+TEST_F(Image, SurvivesHugeAndDegenerateShapes) {
+    CBrush red(RGB(255, 0, 0));
+    CBrush* previous = dc_.SelectObject(&red);
+    const CPoint huge[] = {{INT32_MIN, INT32_MIN}, {INT32_MAX, INT32_MIN}, {INT32_MAX, INT32_MAX}, {INT32_MIN, INT32_MAX}};
+    dc_.Polygon(huge, 4);
+    EXPECT_EQ(At(50, 40), RGB(255, 0, 0));
+    dc_.Polyline(huge, 4);
+    dc_.Ellipse(CRect(5, 5, 5, 5));
+    dc_.Ellipse(CRect(INT32_MIN, INT32_MIN, INT32_MAX, INT32_MAX));
+    dc_.Rectangle(3, 3, 4, 4);
+    const CRect empty(9, 9, 9, 9);
+    dc_.FillRect(&empty, &red);
+    dc_.SelectObject(previous);
+}
+
+TEST_F(Image, MeasuresTextAsOtherDevicesDo) {
+    zel::qt::Install();
+    CFont font;
+    font.CreateFont(-2048, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+    dc_.SelectObject(&font);
+    zel::MetricsDevice builtIn(96);
+    CDC other(builtIn);
+    other.SelectObject(&font);
+    for (const char* text : {"Hello World", "0.6000000", "°C µm é", "WAVE To"}) {
+        const int length = static_cast<int>(strlen(text));
+        EXPECT_NEAR(dc_.GetTextExtent(text, length).cx, other.GetTextExtent(text, length).cx, length) << text;
+    }
+    const std::size_t ends[] = {1, 5, 11};
+    EXPECT_EQ(dc_.GetPrefixExtents("Hello World", ends)[2], dc_.GetTextExtent("Hello World", 11).cx);
+}
+
+TEST_F(Image, WritesTextWhereItIsTold) {
+    CFont font;
+    font.CreateFont(-20 * kSub, 0, 900, 900, 700, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+    dc_.SelectObject(&font);
+    dc_.SetBkMode(TRANSPARENT);
+    dc_.TextOut(30 * kSub, 70 * kSub, "HH", 2);
+    const CRect ink = Inked();
+    EXPECT_GE(ink.left, 30) << "the top of rotated letters faces left";
+    EXPECT_LE(ink.bottom, 70);
+    EXPECT_NEAR(ink.Height(), 28, 4);
+    std::string warned;
+    const auto handler = zel::SetWarningHandler([&](const std::string& message) { warned = message; });
+    CFont missing;
+    missing.CreateFont(-20, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "No Such Family");
+    dc_.SelectObject(&missing);
+    dc_.TextOut(0, 0, "x", 1);
+    zel::SetWarningHandler(handler);
+    EXPECT_THAT(warned, testing::HasSubstr("\"No Such Family\" is not installed"));
+}
+
+}  // namespace
