@@ -1,14 +1,13 @@
 // What several tests need.
 #pragma once
 
-#include <gtest/gtest.h>
+#include <zel/platform/Exception.h>
 
 #include <filesystem>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <iterator>
 #include <string>
-
-#include <zel/platform/Exception.h>
 
 namespace zel::test {
 

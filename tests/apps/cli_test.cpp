@@ -1,11 +1,10 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
+#include "Support.h"
 
 #include <zel/zel.h>
 
-#include "Support.h"
+#include <cmath>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -50,8 +49,9 @@ TEST_F(Program, PlotsAllDataSets) {
 }
 
 TEST_F(Program, ReadsAwkwardCsv) {
-    const std::string csv = Csv("\xEF\xBB\xBF\"the \"\"x\"\"\",\"y, in mm\",note\r\n"
-                                "1,2.5,\"one, two\"\r\n2,,\"line\r\nend\"\r\n3,n/a,\r\n\r\n4,-1e3,last");
+    const std::string csv =
+        Csv("\xEF\xBB\xBF\"the \"\"x\"\"\",\"y, in mm\",note\r\n"
+            "1,2.5,\"one, two\"\r\n2,,\"line\r\nend\"\r\n3,n/a,\r\n\r\n4,-1e3,last");
     const auto output = Run("plot " + csv + " --x 'the \"x\"' --y 'y, in mm' -o " + (folder_ / "a.zel"));
     ASSERT_EQ(output.code, 0) << output.text;
     Zel2PointArray* points = Points(folder_ / "a.zel");
@@ -62,7 +62,8 @@ TEST_F(Program, ReadsAwkwardCsv) {
 }
 
 TEST_F(Program, ReadsDatesAsDecimalYears) {
-    const std::string csv = Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");
+    const std::string csv =
+        Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");
     ASSERT_EQ(Run("plot " + csv + " --x when --y v -o " + (folder_ / "a.zel")).code, 0);
     Zel2PointArray* points = Points(folder_ / "a.zel");
     EXPECT_EQ(points->X(0), 2012);
@@ -77,8 +78,9 @@ TEST_F(Program, ConvertsAndDescribesDocuments) {
     EXPECT_EQ(Run("convert " + document + " " + (folder_ / "a.svg")).code, 0);
     EXPECT_EQ(Run("convert " + document + " " + (folder_ / "a.pdf") + " --paper a4 --landscape").code, 0);
     const auto info = Run("info " + document);
-    EXPECT_THAT(info.text, testing::AllOf(HasSubstr("Zel2Graph"), HasSubstr("144 points"), HasSubstr("exact rules"),
-                                          HasSubstr("\"temp line\"  Solid  0.4 mm")));
+    EXPECT_THAT(info.text,
+                testing::AllOf(HasSubstr("Zel2Graph"), HasSubstr("144 points"), HasSubstr("exact rules"),
+                               HasSubstr("\"temp line\"  Solid  0.4 mm")));
 }
 
 TEST_F(Program, SaysWhatIsWrong) {

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <zel/Mapping.h>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,13 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <climits>
+#include "Support.h"
 
 #include <zel/platform/PrintInfo.h>
 #include <zel/platform/RecordingDevice.h>
 #include <zel/platform/Wnd.h>
 #include <zel/zel.h>
 
-#include "Support.h"
+#include <climits>
+#include <gtest/gtest.h>
 
 namespace {
 

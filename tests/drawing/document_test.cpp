@@ -1,15 +1,14 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <functional>
+#include "Support.h"
 
 #include <zel/platform/Archive.h>
 #include <zel/platform/File.h>
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
-#include "Support.h"
+#include <cmath>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -32,14 +31,15 @@ std::unique_ptr<Zel2Main> MakeEverything() {
     auto root = std::make_unique<Zel2Main>();
     root->SetRules(ZelRules::EXACT);
     int pattern[20] = {9, 4, 2, 4};
-    const int pen = root->RegisterPen("dashes", DrawPen::USER_DEFINED, 3, RGB(9, 8, 7), RGB(1, 1, 1), pattern);
+    const int pen =
+        root->RegisterPen("dashes", DrawPen::USER_DEFINED, 3, RGB(9, 8, 7), RGB(1, 1, 1), pattern);
     const int color = root->RegisterColor("area", RGB(200, 220, 240), RGB(250, 250, 250));
     const int font = root->RegisterFont("label", "Arial", 95, 1, 1, 0, 0, RGB(3, 3, 3), 0);
     int xs[] = {0, 100, 50}, ys[] = {0, 0, 100};
-    const int star = root->RegisterSymbol("star", CSize(60, 60), zel::SYMBOL_CUSTOM, "", 2, 5, 6, 7, 8, 0, "Arial", 80, 9,
-                                          10, xs, ys, 3);
-    const int disc = root->RegisterSymbol("disc", CSize(40, 40), zel::SYMBOL_CIRCLE, "A", 1, 0, 0, RGB(255, 0, 0), 0, 1,
-                                          "Arial", 60, 0, 0, nullptr, nullptr, 0);
+    const int star = root->RegisterSymbol("star", CSize(60, 60), zel::SYMBOL_CUSTOM, "", 2, 5, 6, 7, 8, 0,
+                                          "Arial", 80, 9, 10, xs, ys, 3);
+    const int disc = root->RegisterSymbol("disc", CSize(40, 40), zel::SYMBOL_CIRCLE, "A", 1, 0, 0,
+                                          RGB(255, 0, 0), 0, 1, "Arial", 60, 0, 0, nullptr, nullptr, 0);
     auto* graph = new Zel2Graph;
     graph->SetGraphSize(CSize(4000, 3000));
     graph->SetMargins(500, 300, 400, 500);
@@ -59,7 +59,8 @@ std::unique_ptr<Zel2Main> MakeEverything() {
     series->SetExtension(Zel2PointSet::BOTTOM, Zel2PointSet::RIGHT);
     for (int i = 0; i < 4; ++i) series->AddSymbol(star);
     graph->AddIn(series);
-    root->Add(new Zel2Text("rule", CRect(100, 3100, 1500, 3400), font, DT_CENTER, 0, pen, color, {pen, 0.5F}));
+    root->Add(
+        new Zel2Text("rule", CRect(100, 3100, 1500, 3400), font, DT_CENTER, 0, pen, color, {pen, 0.5F}));
     root->Add(new Zel2Rect(CRect(2000, 3100, 2500, 3500), pen, color, Zel2Rect::ELLIPSE, -1));
     root->Add(new Zel2Rect(CRect(2600, 3100, 2900, 3500), -1, -1, Zel2Rect::RECTANGLE, disc));
     root->Map()->SetZoom(3, 2);
@@ -77,7 +78,8 @@ TEST(Document, LosesNothing) {
     EXPECT_EQ((*loaded)[1], nullptr) << "an empty slot stays one";
     EXPECT_EQ(loaded->Symbols()->Size(), 2) << "two symbols stay two";
     EXPECT_STREQ(loaded->Symbol(0)->GetName(), "star");
-    EXPECT_EQ(dynamic_cast<Zel2Graph*>((*loaded)[0])->AuxY(), dynamic_cast<Zel2Graph*>((*drawing)[0])->AuxY());
+    EXPECT_EQ(dynamic_cast<Zel2Graph*>((*loaded)[0])->AuxY(),
+              dynamic_cast<Zel2Graph*>((*drawing)[0])->AuxY());
     zel::SaveDocument(*loaded, (folder / "b.zel").c_str());
     zel::SaveDocument(*zel::LoadDocument((folder / "b.zel").c_str()), (folder / "c.zel").c_str());
     EXPECT_EQ(Content(folder / "b.zel"), Content(folder / "c.zel"));
@@ -99,11 +101,14 @@ TEST(Document, RefusesEveryDamage) {
         EXPECT_NE(messageOf(whole.substr(0, at)), "") << "cut at " << at;
     }
     EXPECT_NE(messageOf(whole + "x"), "");
-    EXPECT_THAT(messageOf("%PDF-1.4 and so on, which is no drawing at all"), testing::HasSubstr("no drawing document"));
+    EXPECT_THAT(messageOf("%PDF-1.4 and so on, which is no drawing at all"),
+                testing::HasSubstr("no drawing document"));
     std::string newer = whole;
     newer[8] = 99;
-    EXPECT_THAT(messageOf(newer), testing::AllOf(testing::HasSubstr("version 99"), testing::HasSubstr("version 1")));
-    EXPECT_THAT(MessageOf<CFileException>([&] { zel::LoadDocument("/no/such.zel"); }), testing::HasSubstr("/no/such.zel"));
+    EXPECT_THAT(messageOf(newer),
+                testing::AllOf(testing::HasSubstr("version 99"), testing::HasSubstr("version 1")));
+    EXPECT_THAT(MessageOf<CFileException>([&] { zel::LoadDocument("/no/such.zel"); }),
+                testing::HasSubstr("/no/such.zel"));
 }
 
 TEST(Document, CopiesDeeply) {
@@ -127,7 +132,8 @@ Bytes Stored(CObject& object) {
 
 void Append(Bytes& bytes, std::initializer_list<int> values) {
     for (const int value : values) {
-        for (int i = 0; i < 4; ++i) bytes.push_back(static_cast<std::uint8_t>(static_cast<unsigned>(value) >> 8 * i));
+        for (int i = 0; i < 4; ++i)
+            bytes.push_back(static_cast<std::uint8_t>(static_cast<unsigned>(value) >> 8 * i));
     }
 }
 
@@ -144,17 +150,17 @@ TEST(ClassicArchive, HasTheBytesThatHostsKnow) {
     root.Add(rect);
     root.Add(nullptr);
     Bytes expected;
-    Append(expected, {1});                      // colours
-    AppendClass(expected, "DrawColor");         // number 1, the colour is number 2
+    Append(expected, {1});               // colours
+    AppendClass(expected, "DrawColor");  // number 1, the colour is number 2
     expected.insert(expected.end(), {3, 'R', 'e', 'd'});
     Append(expected, {0x0000FF, 0x808080, 0});
-    Append(expected, {0, 0, 0});                // fonts, pens, symbols
-    Append(expected, {0, 0, 0, 2});             // position, status, slots
+    Append(expected, {0, 0, 0});     // fonts, pens, symbols
+    Append(expected, {0, 0, 0, 2});  // position, status, slots
     expected.push_back(1);
     AppendClass(expected, "Zel2Rect");
     Append(expected, {10, 20, 0, 100, 50, -1, 0});
-    expected.push_back(0);                      // the empty slot
-    expected.push_back(1);                      // the mapping
+    expected.push_back(0);  // the empty slot
+    expected.push_back(1);  // the mapping
     for (int i = 0; i < 3; ++i) Append(expected, {0, 0, 2000, 2000});
     Append(expected, {0, 0, 1, 1});
     EXPECT_EQ(Stored(root), expected);
@@ -189,7 +195,8 @@ TEST(ClassicArchive, TakesNoMemoryThatItsBytesDoNotJustify) {
     CMemFile file(bytes.data(), bytes.size());
     CArchive ar(&file, CArchive::load);
     Zel2PointArray loaded;
-    EXPECT_THAT(MessageOf<CArchiveException>([&] { loaded.Serialize(ar); }), testing::HasSubstr("2147483647"));
+    EXPECT_THAT(MessageOf<CArchiveException>([&] { loaded.Serialize(ar); }),
+                testing::HasSubstr("2147483647"));
 }
 
 TEST(ClassicArchive, RestoresAMappingWhereNoneWasStored) {

@@ -1,15 +1,14 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <functional>
+#include "Support.h"
 
 #include <zel/platform/Metafile.h>
 #include <zel/platform/PrintInfo.h>
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
-#include "Support.h"
+#include <cstring>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -18,7 +17,8 @@ using zel::test::TemporaryFolder;
 // Runs what it is given whenever it is drawn.
 class Probe : public Zel2 {
   public:
-    explicit Probe(std::function<void(Probe&)> draw, CSize size = {2000, 1000}) : draw_(std::move(draw)), size_(size) {}
+    explicit Probe(std::function<void(Probe&)> draw, CSize size = {2000, 1000})
+        : draw_(std::move(draw)), size_(size) {}
     void OnDraw() override { draw_(*this); }
     CSize Size() override { return size_; }
 
@@ -92,8 +92,9 @@ TEST(Zel2Main, ClipsOnlyWithExactRules) {
         CDC dc(device);
         root.Draw(&dc);
         const CRect all(0, 0, 1024, 768);
-        EXPECT_EQ(boxes, rules == ZelRules::CLASSIC ? (std::vector<CRect>{all, all, all})
-                                                    : (std::vector<CRect>{CRect(20, 20, 50, 50), CRect(0, 0, 50, 50), all}));
+        EXPECT_EQ(boxes, rules == ZelRules::CLASSIC
+                             ? (std::vector<CRect>{all, all, all})
+                             : (std::vector<CRect>{CRect(20, 20, 50, 50), CRect(0, 0, 50, 50), all}));
         root.SetClipLog(nullptr);  // outside of a pass: nothing
     }
 }
@@ -126,7 +127,8 @@ TEST(Zel2Main, WritesPlaceableMetafilesByBothRules) {
     setenv("TMPDIR", (folder / ".").c_str(), 1);
     Zel2Main root;
     root.Add(new Probe([](Probe& probe) {
-        probe.Font(probe.RegisterFont("f", "Arial", 120, 0, 0, 0, 0, 0, 0))->Print("Label", CPoint(10, 10), 0, 0);
+        probe.Font(probe.RegisterFont("f", "Arial", 120, 0, 0, 0, 0, 0, 0))
+            ->Print("Label", CPoint(10, 10), 0, 0);
     }));
     const std::string path = folder / "classic.wmf";
     EXPECT_EQ(root.CreatePlaceableMF(path.c_str()), 1);
@@ -166,7 +168,9 @@ TEST(Export, DetachesTheDrawingAndPutsItBack) {
     EXPECT_EQ(root.Window(), &window);
     EXPECT_EQ(root.Map()->Scale(), 1500);
     EXPECT_EQ(root.Rules(), ZelRules::CLASSIC);
-    EXPECT_NE(zel::test::MessageOf<CNotSupportedException>([&] { zel::Export(root, (folder / "x.pdf").c_str()); }), "");
+    EXPECT_NE(
+        zel::test::MessageOf<CNotSupportedException>([&] { zel::Export(root, (folder / "x.pdf").c_str()); }),
+        "");
     EXPECT_EQ(root.Window(), &window) << "also when it fails";
     Zel2Main empty;
     EXPECT_THAT(zel::test::MessageOf<CInvalidArgException>([&] { zel::Export(empty, "x.wmf"); }),

@@ -1,10 +1,10 @@
 // Writes small drawings of every class as seeds for the fuzz target.
-#include <fstream>
-#include <string>
-
 #include <zel/platform/Archive.h>
 #include <zel/platform/File.h>
 #include <zel/zel.h>
+
+#include <fstream>
+#include <string>
 
 namespace {
 
@@ -13,7 +13,8 @@ void Fill(Zel2Main& root) {
     const int color = root.RegisterColor("c", 3, 4);
     const int font = root.RegisterFont("f", "Arial", 90, 0, 0, 0, 0, 5, 6);
     int xs[] = {0, 100, 50}, ys[] = {0, 0, 100};
-    const int symbol = root.RegisterSymbol("s", CSize(50, 50), zel::SYMBOL_CUSTOM, "A", 1, 0, 0, 0, 0, 1, "Arial", 80, 0, 0, xs, ys, 3);
+    const int symbol = root.RegisterSymbol("s", CSize(50, 50), zel::SYMBOL_CUSTOM, "A", 1, 0, 0, 0, 0, 1,
+                                           "Arial", 80, 0, 0, xs, ys, 3);
     auto* graph = new Zel2Graph;
     graph->SetGraphSize(CSize(900, 700));
     graph->SetMargins(90, 90, 90, 90);

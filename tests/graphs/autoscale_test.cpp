@@ -1,10 +1,9 @@
-#include <gtest/gtest.h>
+#include <zel/Zel2Graph.h>
 
 #include <cmath>
+#include <gtest/gtest.h>
 #include <limits>
 #include <random>
-
-#include <zel/Zel2Graph.h>
 
 namespace {
 
@@ -34,14 +33,16 @@ TEST(AutoScale, EndsAtZeroAsTheRulesSay) {
     EXPECT_EQ(Scale(-7, 0, 5), fixed);
     EXPECT_EQ(Scale(1e-12, 5e-12, 8), fixed);
     EXPECT_EQ(Scale(-7, 0, 5, ZelRules::EXACT), (Values{-8, -6, -4, -2, 0}));
-    EXPECT_EQ(Scale(-0.6, 0.4, 8, ZelRules::EXACT)[3], 0.0) << "and passes through it without a rounding error";
+    EXPECT_EQ(Scale(-0.6, 0.4, 8, ZelRules::EXACT)[3], 0.0)
+        << "and passes through it without a rounding error";
 }
 
 TEST(AutoScale, AnswersZeroForWhatHasNoScale) {
     const double inf = std::numeric_limits<double>::infinity(), nan = std::nan("");
     double lo, hi, step;
     int count;
-    for (const auto& [a, b] : {std::pair(3.0, 3.0), {-inf, 1.0}, {0.0, inf}, {nan, 1.0}, {-1.7e308, 1.7e308}, {0.0, 5e-324}}) {
+    for (const auto& [a, b] :
+         {std::pair(3.0, 3.0), {-inf, 1.0}, {0.0, inf}, {nan, 1.0}, {-1.7e308, 1.7e308}, {0.0, 5e-324}}) {
         EXPECT_EQ(Zel2Graph::AutoInt(a, b, 8, lo, hi, step, count), 0) << a << " " << b;
         EXPECT_EQ(step, 1.0);
         EXPECT_EQ(count, 1);

@@ -1,8 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -41,15 +41,15 @@ TEST(Zel2Graph, DrawsFromBackgroundToLabels) {
     Drawing drawing;
     drawing.graph->SetCoord(0, 0, 10, 10);
     EXPECT_EQ(drawing.Draw(),
-              "fill 100,900 901,101 #e0e0e0\n"                                        // plot area
-              "fill 0,1001 101,0 #c0c0c0\nfill 100,1001 901,900 #c0c0c0\n"            // margins
+              "fill 100,900 901,101 #e0e0e0\n"                              // plot area
+              "fill 0,1001 101,0 #c0c0c0\nfill 100,1001 901,900 #c0c0c0\n"  // margins
               "fill 0,100 901,0 #c0c0c0\nfill 900,1001 1001,0 #c0c0c0\n"
-              "pen solid 4 #c0c0c0\npolyline 500,900 500,100\n"                       // grid
-              "pen solid 4 #000000\npolyline 100,900 40,900\n"                        // y ticks
-              "polyline 100,900 100,960\npolyline 500,900 500,960\n"                  // x ticks
-              "polyline 100,900 100,100 900,100 900,900 100,900\n"                    // plot frame
+              "pen solid 4 #c0c0c0\npolyline 500,900 500,100\n"       // grid
+              "pen solid 4 #000000\npolyline 100,900 40,900\n"        // y ticks
+              "polyline 100,900 100,960\npolyline 500,900 500,960\n"  // x ticks
+              "polyline 100,900 100,100 900,100 900,900 100,900\n"    // plot frame
               "font \"Arial\" -139 weight 400\ntextcolor #000000\n"
-              "text 62,975 \"0\"\ntext 462,975 \"5\"\n"                               // labels, centred and right-aligned
+              "text 62,975 \"0\"\ntext 462,975 \"5\"\n"  // labels, centred and right-aligned
               "text -52,823 \"0\"\n");
 }
 
@@ -83,7 +83,8 @@ TEST(Zel2Graph, AnchorsLabelsByTheirAngle) {
         const std::string text = drawing.Draw();
         return text.substr(text.find("\ntext ") + 6, text.find(" \"5\"") - text.find("\ntext ") - 6);
     };
-    EXPECT_EQ(labelAt(ZelRules::EXACT, 900), labelAt(ZelRules::CLASSIC, 900)) << "ends at its tick, centred on it";
+    EXPECT_EQ(labelAt(ZelRules::EXACT, 900), labelAt(ZelRules::CLASSIC, 900))
+        << "ends at its tick, centred on it";
     // A label of 77 x 155 units: rising text ends at the tick (500), falling text begins there.
     EXPECT_EQ(labelAt(ZelRules::EXACT, 300), "434,1013");
     EXPECT_EQ(labelAt(ZelRules::EXACT, -300), "500,975");

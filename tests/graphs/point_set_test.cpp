@@ -1,14 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <algorithm>
-#include <limits>
-#include <sstream>
+#include "Support.h"
 
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
-#include "Support.h"
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <sstream>
 
 namespace {
 
@@ -39,7 +38,8 @@ class Series : public testing::Test {
         std::string lines;
         std::istringstream text(device.Text());
         for (std::string line; std::getline(text, line);) {
-            if (line.starts_with("polyline ") || line.starts_with("polygon ")) lines += line.substr(line.find(' ') + 1) + ";";
+            if (line.starts_with("polyline ") || line.starts_with("polygon "))
+                lines += line.substr(line.find(' ') + 1) + ";";
         }
         return lines;
     }
@@ -96,8 +96,8 @@ TEST_F(Series, FillsToTheSideItsExtensionsName) {
 }
 
 TEST_F(Series, DrawsSymbolsWithinTheRange) {
-    const int square = root_.RegisterSymbol("s", CSize(20, 20), zel::SYMBOL_SQUARE, "", 0, 0, 0, 0, 0, 0, "Arial", 80, 0, 0,
-                                            nullptr, nullptr, 0);
+    const int square = root_.RegisterSymbol("s", CSize(20, 20), zel::SYMBOL_SQUARE, "", 0, 0, 0, 0, 0, 0,
+                                            "Arial", 80, 0, 0, nullptr, nullptr, 0);
     points_->SetPoints({0, 5, 10, 11, kNaN}, {0, 5, 10, 5, 5});
     points_->SetSymbol(square, true);
     EXPECT_EQ(std::ranges::count(Drawn(), ';'), 3) << "limits included";
@@ -105,7 +105,8 @@ TEST_F(Series, DrawsSymbolsWithinTheRange) {
     EXPECT_EQ(std::ranges::count(Drawn(), ';'), 2) << "not on the first point";
     points_->SetSymbol(-1, true);
     points_->AddSymbol(square);
-    EXPECT_NE(zel::test::MessageOf<CInvalidArgException>([&] { Drawn(); }), "") << "a point without its symbol";
+    EXPECT_NE(zel::test::MessageOf<CInvalidArgException>([&] { Drawn(); }), "")
+        << "a point without its symbol";
 }
 
 TEST_F(Series, WidensTheGraphsRange) {

@@ -1,8 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -30,8 +30,9 @@ TEST_F(Layout, RectanglesFillThenFrame) {
     auto* rect = new Zel2Rect(CRect(10, 20, 0, 0), pen_, color_, Zel2Rect::RECTANGLE, -1);
     root_.Add(rect);
     EXPECT_EQ(rect->AbsRect(), CRect(0, 0, 11, 21));
-    EXPECT_EQ(Drawn(),
-              "fill 0,1000 12,980 #090909\npen solid 0 #000000\npolyline 0,1000 0,979 11,979 11,1000 0,1000\n");
+    EXPECT_EQ(
+        Drawn(),
+        "fill 0,1000 12,980 #090909\npen solid 0 #000000\npolyline 0,1000 0,979 11,979 11,1000 0,1000\n");
     EXPECT_EQ(rect->Cpt(8), CPoint(-3, -3));
     Zel2Rect box;
     box.SetSize(CSize(9, 4));
@@ -74,7 +75,8 @@ TEST_F(Layout, TextsStandAtAPointOrInABox) {
     EXPECT_EQ(box->Origin(), CPoint(0, 10));
     root_.Add(box);
     const std::string text = Drawn();
-    EXPECT_THAT(text, testing::HasSubstr("polyline 0,990 0,980 101,980 101,990 0,990\n")) << "the frame, a unit larger";
+    EXPECT_THAT(text, testing::HasSubstr("polyline 0,990 0,980 101,980 101,990 0,990\n"))
+        << "the frame, a unit larger";
     EXPECT_THAT(text, testing::HasSubstr("polyline 0,986 99,986\n")) << "the rule at half the height";
     box->SetText("%1 of %2!d!", "one", 2);
     EXPECT_STREQ(box->GetText(), "one of 2");

@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -42,7 +42,8 @@ TEST_F(Colors, MakeUpForTheMissingOutlineOfEllipses) {
     dc_.SetMapMode(MM_ANISOTROPIC);
     dc_.SetViewportExt(1, -1);
     color.Ellipse(CRect(10, 16, 20, 10));
-    EXPECT_NE(Recorded().find("ellipse 10,9 21,16"), std::string::npos) << "downwards on the device, y pointing up";
+    EXPECT_NE(Recorded().find("ellipse 10,9 21,16"), std::string::npos)
+        << "downwards on the device, y pointing up";
 }
 
 TEST_F(Colors, SplitRunsIntoRings) {

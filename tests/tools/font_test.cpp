@@ -1,9 +1,9 @@
-#include <gtest/gtest.h>
+#include "tools/TextClusters.h"
 
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
-#include "tools/TextClusters.h"
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -27,11 +27,15 @@ class Fonts : public testing::Test {
 
 TEST_F(Fonts, SizeThemselvesAndMakeOnePlatformFontForTheSameText) {
     EXPECT_EQ(Printed("a", 0, 0), "font \"Arial\" -16 weight 400\ntextcolor #010203\ntext 100,100 \"a\"\n");
-    const HFONT first = *dc_.SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(GetStockObject(SYSTEM_FONT))));
+    const HFONT first =
+        *dc_.SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(GetStockObject(SYSTEM_FONT))));
     EXPECT_TRUE(zel::IsAlive(reinterpret_cast<HGDIOBJ>(first)));
     font_.OpenOn(&dc_, 500);
     EXPECT_NE(Printed("a", 0, 0).find("-8 weight"), std::string::npos);
-    const auto handle = [&] { return static_cast<HFONT>(*dc_.SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(GetStockObject(SYSTEM_FONT))))); };
+    const auto handle = [&] {
+        return static_cast<HFONT>(
+            *dc_.SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(GetStockObject(SYSTEM_FONT)))));
+    };
     Printed("b", 0, 0);
     const HFONT current = handle();
     dc_.SelectObject(CFont::FromHandle(current));
@@ -50,7 +54,8 @@ TEST_F(Fonts, WriteWholeCharactersAtTheirWidths) {
 
 TEST_F(Fonts, PlaceLinesAndBlocks) {
     EXPECT_EQ(Spans("a\r\nb", 0, 0), "text 100,100 \"a\"\ntext 100,117 \"b\"\n");
-    EXPECT_EQ(Spans("a\nb", 900, 0), "text 100,100 \"a\"\ntext 117,100 \"b\"\n") << "lines follow to the right";
+    EXPECT_EQ(Spans("a\nb", 900, 0), "text 100,100 \"a\"\ntext 117,100 \"b\"\n")
+        << "lines follow to the right";
     EXPECT_EQ(Spans("i", 0, DT_CENTER | DT_VCENTER), "text 98,92 \"i\"\n");
     EXPECT_EQ(Spans("i", 0, DT_RIGHT | DT_BOTTOM), "text 96,83 \"i\"\n");
     CRect box(10, 20, 50, 80);

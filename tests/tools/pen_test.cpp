@@ -1,11 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-#include <random>
-
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
 
 namespace {
 
@@ -63,7 +62,8 @@ TEST_F(Pens, CarryTheirDashesRoundCorners) {
     pen.MoveTo(0, 0);
     pen.LineTo(50, 0);
     pen.LineTo(50, 50);
-    // A first dash of 29, a gap of 10, then dashes of 29 and gaps of 10; the corner takes one more off what is left.
+    // A first dash of 29, a gap of 10, then dashes of 29 and gaps of 10; the corner takes one more off what
+    // is left.
     EXPECT_EQ(Lines(), " 0,0 29,0; 39,0 50,0 50,18; 50,28 50,50;");
     pen.LineTo(50, 50);
     EXPECT_EQ(Lines(), "") << "a line without length";
@@ -83,7 +83,8 @@ TEST_F(Pens, EndAtAnyScale) {
                 DrawPen pen("p", style, width, 0, 0, nullptr);
                 OpenAt(pen, scale);
                 pen.MoveTo(0, 0);
-                for (const CPoint& p : {CPoint(500, 3), CPoint(490, 400), CPoint(489, 399), CPoint(0, 0)}) pen.LineTo(p.x, p.y);
+                for (const CPoint& p : {CPoint(500, 3), CPoint(490, 400), CPoint(489, 399), CPoint(0, 0)})
+                    pen.LineTo(p.x, p.y);
                 EXPECT_EQ(Lines().empty(), style == DrawPen::NONE) << style << " " << width << " " << scale;
             }
         }

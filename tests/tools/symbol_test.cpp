@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -26,7 +26,8 @@ TEST(DrawSymbol, RegistersItsToolsUnderItsOwnName) {
 TEST(DrawSymbol, ChoosesASizeByItsLabelsFont) {
     Zel2Main root;
     const auto sized = [&](const char* name, const char* text) {
-        DrawSymbol symbol(name, CSize(), zel::SYMBOL_CIRCLE, text, 1, 0, 0, 0, 0, 1, "Arial", 120, 0, 0, nullptr, nullptr, 0);
+        DrawSymbol symbol(name, CSize(), zel::SYMBOL_CIRCLE, text, 1, 0, 0, 0, 0, 1, "Arial", 120, 0, 0,
+                          nullptr, nullptr, 0);
         symbol.SetDefaults(&root);
         return symbol.Size();
     };

@@ -1,9 +1,8 @@
-#include <gtest/gtest.h>
+#include "backends/qt/Stroker.h"
 
 #include <cmath>
+#include <gtest/gtest.h>
 #include <random>
-
-#include "backends/qt/Stroker.h"
 
 namespace {
 
@@ -24,7 +23,9 @@ class Canvas {
         for (std::size_t i = 1; i < line.size(); ++i) stroker_.Add(line[i - 1], line[i], half);
         stroker_.Blend({pixels_.data(), kSize, kSize}, kBlack, {clip});
     }
-    int Ink(int x, int y) const { return 255 - static_cast<int>(pixels_[static_cast<std::size_t>(y * kSize + x)] & 0xFF); }
+    int Ink(int x, int y) const {
+        return 255 - static_cast<int>(pixels_[static_cast<std::size_t>(y * kSize + x)] & 0xFF);
+    }
 
   private:
     std::vector<std::uint32_t> pixels_ = std::vector<std::uint32_t>(kSize * kSize, kWhite);

@@ -1,13 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <thread>
+#include "Support.h"
 
 #include <zel/platform/DC.h>
 #include <zel/platform/Platform.h>
 #include <zel/platform/RecordingDevice.h>
 
-#include "Support.h"
+#include <cmath>
+#include <gtest/gtest.h>
+#include <thread>
 
 namespace {
 
@@ -124,7 +123,8 @@ TEST_F(Context, FillsAndFrames) {
     dc_.PatBlt(1, 2, 3, 4, WHITENESS);
     ::FillRect(dc_.m_hDC, &box, nullptr);
     EXPECT_EQ(Recorded(),
-              "fill 10,10 20,11 #008000\nfill 10,14 20,15 #008000\nfill 10,10 11,15 #008000\nfill 19,10 20,15 #008000\n"
+              "fill 10,10 20,11 #008000\nfill 10,14 20,15 #008000\nfill 10,10 11,15 #008000\nfill 19,10 "
+              "20,15 #008000\n"
               "fill 1,2 4,6 whiteness\n"
               "fill 10,10 20,15 #ffffff\n");
     const CPoint one[] = {{1, 1}};
@@ -137,13 +137,16 @@ TEST(Devices, ReduceShapesToLines) {
     class Bare : public zel::RecordingDevice {
       public:
         void Ellipse(const zel::GraphicsState& s, const CRect& r) override { GraphicsDevice::Ellipse(s, r); }
-        void Arc(const zel::GraphicsState& s, const CRect& r, const CPoint& a, const CPoint& b, zel::ArcKind k) override {
+        void Arc(const zel::GraphicsState& s, const CRect& r, const CPoint& a, const CPoint& b,
+                 zel::ArcKind k) override {
             GraphicsDevice::Arc(s, r, a, b, k);
         }
         void Polygons(const zel::GraphicsState&, std::span<const CPoint> p, std::span<const int>) override {
             points.assign(p.begin(), p.end());
         }
-        void Polyline(const zel::GraphicsState&, const CPoint* p, std::size_t n) override { points.assign(p, p + n); }
+        void Polyline(const zel::GraphicsState&, const CPoint* p, std::size_t n) override {
+            points.assign(p, p + n);
+        }
         std::vector<CPoint> points;
     };
     Bare device;

@@ -1,11 +1,10 @@
-#include <gtest/gtest.h>
-
-#include <array>
-
 #include <zel/platform/CoordinateMap.h>
 #include <zel/platform/Gdi.h>
 #include <zel/platform/Geometry.h>
 #include <zel/platform/Region.h>
+
+#include <array>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -71,7 +70,8 @@ std::string Picture(const zel::Region& region, int size = 12) {
 }
 
 TEST(Region, CombinesPointByPoint) {
-    const zel::Region a = zel::Region::Combine(zel::Region(CRect(1, 1, 6, 6)), zel::Region(CRect(3, 4, 11, 9)), RGN_OR);
+    const zel::Region a =
+        zel::Region::Combine(zel::Region(CRect(1, 1, 6, 6)), zel::Region(CRect(3, 4, 11, 9)), RGN_OR);
     const zel::Region b = zel::Region::FromEllipse(CRect(2, 0, 11, 11));
     for (const int mode : {RGN_AND, RGN_OR, RGN_XOR, RGN_DIFF}) {
         const zel::Region c = zel::Region::Combine(a, b, mode);

@@ -1,14 +1,13 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstring>
+#include "Support.h"
 
 #include <zel/platform/DC.h>
 #include <zel/platform/Metafile.h>
 #include <zel/platform/RecordingDevice.h>
 
-#include "Support.h"
+#include <array>
+#include <cstring>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 using zel::test::MessageOf;
 
@@ -25,8 +24,11 @@ std::vector<Record> RecordsOf(const std::vector<std::uint8_t>& bytes) {
     std::memcpy(words.data(), bytes.data(), bytes.size());
     std::vector<Record> records;
     for (std::size_t at = 9; at < words.size();) {
-        const std::size_t size = static_cast<WORD>(words[at]) | static_cast<std::size_t>(static_cast<WORD>(words[at + 1])) << 16;
-        records.push_back({static_cast<WORD>(words[at + 2]), {words.begin() + static_cast<std::ptrdiff_t>(at) + 3, words.begin() + static_cast<std::ptrdiff_t>(at + size)}});
+        const std::size_t size =
+            static_cast<WORD>(words[at]) | static_cast<std::size_t>(static_cast<WORD>(words[at + 1])) << 16;
+        records.push_back({static_cast<WORD>(words[at + 2]),
+                           {words.begin() + static_cast<std::ptrdiff_t>(at) + 3,
+                            words.begin() + static_cast<std::ptrdiff_t>(at + size)}});
         at += size;
     }
     return records;
@@ -58,9 +60,10 @@ TEST(Metafile, WritesRecordsWithReversedParameters) {
         dc.SelectObject(previous);
     });
     const std::vector<Record> records = RecordsOf(bytes);
-    EXPECT_THAT(records, testing::ElementsAre(Record{0x0103, {8}}, Record{0x020B, {0, 0}}, Record{0x020C, {200, 300}},
-                                              Record{0x02FA, {0, 2, 0, 0x0201, 3}}, Record{0x012D, {0}},
-                                              Record{0x0325, {3, 1, 2, 3, 4, 32767, 4}}, Record{0, {}}));
+    EXPECT_THAT(records,
+                testing::ElementsAre(Record{0x0103, {8}}, Record{0x020B, {0, 0}}, Record{0x020C, {200, 300}},
+                                     Record{0x02FA, {0, 2, 0, 0x0201, 3}}, Record{0x012D, {0}},
+                                     Record{0x0325, {3, 1, 2, 3, 4, 32767, 4}}, Record{0, {}}));
     const WORD header[] = {1, 9, 0x0300, static_cast<WORD>(bytes.size() / 2), 0, 1, 10, 0, 0};
     EXPECT_EQ(std::memcmp(bytes.data(), header, sizeof header), 0);
 }
@@ -72,10 +75,13 @@ TEST(Metafile, KeepsWordsWholeAndUsesObjectsAgain) {
         const zel::TextSpan stair[] = {{"a", {10, 5}}, {"b", {19, 9}}};
         dc.TextRun(stair);
     }));
-    EXPECT_THAT(records, testing::Contains(Record{0x0A32, {5, 10, 3, 0, static_cast<std::int16_t>(0xB031), 0x43, 9, 6, 0}}));
+    EXPECT_THAT(records, testing::Contains(Record{
+                             0x0A32, {5, 10, 3, 0, static_cast<std::int16_t>(0xB031), 0x43, 9, 6, 0}}));
     EXPECT_THAT(records, testing::Contains(Record{0x0521, {1, 'a', 5, 10}}));
     EXPECT_THAT(records, testing::Contains(Record{0x0521, {1, 'b', 9, 19}}));
-    EXPECT_EQ(std::count_if(records.begin(), records.end(), [](const Record& r) { return r.function == 0x02FB; }), 1);
+    EXPECT_EQ(
+        std::count_if(records.begin(), records.end(), [](const Record& r) { return r.function == 0x02FB; }),
+        1);
 }
 
 TEST(Metafile, BracketsClips) {
@@ -113,8 +119,8 @@ TEST(Metafile, ReplacesObjectsWhenThereAreVeryMany) {
 
 TEST(Metafile, HasThePublishedPlaceableHeader) {
     const auto header = zel::PlaceableHeader(CRect(0, 0, 1200, 800), 1440);
-    const std::array<std::uint8_t, 22> expected{0xD7, 0xCD, 0xC6, 0x9A, 0, 0, 0, 0, 0, 0, 0xB0, 0x04, 0x20, 0x03, 0xA0, 0x05,
-                                                0, 0, 0, 0, 0x21, 0x55};
+    const std::array<std::uint8_t, 22> expected{0xD7, 0xCD, 0xC6, 0x9A, 0,    0, 0, 0, 0, 0,    0xB0,
+                                                0x04, 0x20, 0x03, 0xA0, 0x05, 0, 0, 0, 0, 0x21, 0x55};
     EXPECT_EQ(header, expected);
 }
 
@@ -135,7 +141,8 @@ TEST(Metafile, IsReadByAnotherProgram) {
     std::ofstream(folder / "drawing.wmf", std::ios::binary)
         .write(reinterpret_cast<const char*>(header.data()), header.size())
         .write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
-    const auto reader = zel::test::RunProgram("wmf2svg -o " + (folder / "drawing.svg") + " " + (folder / "drawing.wmf"));
+    const auto reader =
+        zel::test::RunProgram("wmf2svg -o " + (folder / "drawing.svg") + " " + (folder / "drawing.wmf"));
     ASSERT_EQ(reader.code, 0) << reader.text;
     const std::string svg = zel::test::Content(folder / "drawing.svg");
     EXPECT_THAT(svg, testing::HasSubstr("Anomaly"));
@@ -146,7 +153,8 @@ TEST(Metafile, IsReadByAnotherProgram) {
 TEST(Metafile, SaysWhereItCannotBeWritten) {
     CMetaFileDC dc;
     dc.Create("/no/such/folder/drawing.wmf");
-    EXPECT_THAT(MessageOf<CFileException>([&] { dc.Close(); }), testing::HasSubstr("/no/such/folder/drawing.wmf"));
+    EXPECT_THAT(MessageOf<CFileException>([&] { dc.Close(); }),
+                testing::HasSubstr("/no/such/folder/drawing.wmf"));
 }
 
 }  // namespace

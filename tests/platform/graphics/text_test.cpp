@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <zel/platform/DC.h>
 #include <zel/platform/RecordingDevice.h>
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,17 +1,16 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <cstring>
-#include <functional>
-#include <memory>
-#include <string>
-#include <vector>
+#include "Support.h"
 
 #include <zel/platform/Archive.h>
 #include <zel/platform/Collections.h>
 #include <zel/platform/File.h>
 
-#include "Support.h"
+#include <cstring>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <memory>
+#include <string>
+#include <vector>
 
 using zel::test::MessageOf;
 
@@ -72,8 +71,8 @@ TEST(Archive, WritesTagsClassesAndBackReferences) {
     // A new class takes number 1 and its first object 2; the second object, of class 1, takes 3.
     EXPECT_EQ(bytes, (Bytes{0xFF, 0xFF, 3, 0, 4, 0, 'N', 'o', 'd', 'e', 1, 0, 0,  //
                             0x01, 0x80, 2, 0, 0,                                  //
-                            2, 0,                                                 //
-                            0, 0}));
+                            2,    0,                                              //
+                            0,    0}));
 }
 
 TEST(Archive, WritesValuesLittleEndian) {
@@ -81,7 +80,7 @@ TEST(Archive, WritesValuesLittleEndian) {
         ar << static_cast<BYTE>(1) << static_cast<WORD>(0x0203) << 0x04050607 << -1.5;
         ar << CPoint(1, -1) << CString("ab");
     });
-    EXPECT_EQ(bytes, (Bytes{1, 3, 2, 7, 6, 5, 4, 0, 0, 0, 0, 0, 0, 0xF8, 0xBF,  //
+    EXPECT_EQ(bytes, (Bytes{1, 3, 2, 7, 6,    5,    4,    0,    0, 0,   0,  0, 0, 0xF8, 0xBF,  //
                             1, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 2, 'a', 'b'}));
 }
 
@@ -146,8 +145,9 @@ TEST(Archive, SaysWhatIsWrongWithForeignObjects) {
                 testing::HasSubstr("cannot be stored"));
     EXPECT_THAT(messageFor({0x07, 0x00}), testing::HasSubstr("number 7"));
     EXPECT_THAT(messageFor({0x07, 0x80}), testing::HasSubstr("number 7"));
-    EXPECT_THAT(messageFor({0xFF, 0xFF, 3, 0, 4, 0, 'N', 'o', 'd', 'e', 1, 0, 0}, RUNTIME_CLASS(CStringArray)),
-                testing::HasSubstr("class CStringArray should be"));
+    EXPECT_THAT(
+        messageFor({0xFF, 0xFF, 3, 0, 4, 0, 'N', 'o', 'd', 'e', 1, 0, 0}, RUNTIME_CLASS(CStringArray)),
+        testing::HasSubstr("class CStringArray should be"));
     // The second node announces the first as what it holds: the offset and the class are named.
     EXPECT_THAT(messageFor({0xFF, 0xFF, 3, 0, 4, 0, 'N', 'o', 'd', 'e', 1, 9, 0}),
                 testing::AllOf(testing::HasSubstr("class Node"), testing::HasSubstr("byte 13")));
@@ -174,7 +174,8 @@ TEST(Archive, BoundsNestingAndCounts) {
     EXPECT_EQ(Node::count, 0);
     Loaded({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x7F}, [](CArchive& ar) {  // an array of 2^31 elements in no bytes
         CUIntArray array;
-        EXPECT_THAT(MessageOf<CArchiveException>([&] { array.Serialize(ar); }), testing::HasSubstr("2147483647 elements"));
+        EXPECT_THAT(MessageOf<CArchiveException>([&] { array.Serialize(ar); }),
+                    testing::HasSubstr("2147483647 elements"));
     });
 }
 

@@ -1,18 +1,17 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <csignal>
-#include <filesystem>
-#include <vector>
+#include "Support.h"
 
 #include <zel/platform/File.h>
 #include <zel/platform/SafeFile.h>
 #include <zel/platform/Warning.h>
 
-#include "Support.h"
+#include <csignal>
+#include <filesystem>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
 
 using zel::test::Content;
 using zel::test::MessageOf;
@@ -21,7 +20,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void WriteOld(const std::string& path) { std::ofstream(path) << "old"; }
+void WriteOld(const std::string& path) {
+    std::ofstream(path) << "old";
+}
 
 void Replace(const std::string& path, const std::string& content) {
     zel::SafeFile file(path);
@@ -60,7 +61,8 @@ TEST(SafeFile, NamesTheTargetThatCannotBeWritten) {
     const std::string missing = folder / "no/such/file";
     EXPECT_THAT(MessageOf<CFileException>([&] { zel::SafeFile file(missing); }),
                 testing::AllOf(testing::HasSubstr(missing), testing::HasSubstr("No such file")));
-    EXPECT_THAT(MessageOf<CFileException>([&] { zel::SafeFile file(folder / "."); }), testing::HasSubstr("directory"));
+    EXPECT_THAT(MessageOf<CFileException>([&] { zel::SafeFile file(folder / "."); }),
+                testing::HasSubstr("directory"));
 }
 
 TEST(SafeFile, KeepsTheOldFileWhenTheDiskIsFull) {
@@ -73,7 +75,8 @@ TEST(SafeFile, KeepsTheOldFileWhenTheDiskIsFull) {
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     const rlimit small{100'000, before.rlim_max};
     setrlimit(RLIMIT_FSIZE, &small);
-    const std::string message = MessageOf<CFileException>([&] { Replace(path, std::string(1'000'000, 'x')); });
+    const std::string message =
+        MessageOf<CFileException>([&] { Replace(path, std::string(1'000'000, 'x')); });
     setrlimit(RLIMIT_FSIZE, &before);
     std::signal(SIGXFSZ, handler);
     EXPECT_THAT(message, testing::HasSubstr(path));
@@ -108,7 +111,8 @@ TEST(CMemFile, GrowsAndGuardsBorrowedBytes) {
     file.Write("abc", 3);
     file.Seek(5, CFile::begin);
     file.Write("x", 1);
-    EXPECT_EQ(std::string(reinterpret_cast<const char*>(file.GetData()), file.GetLength()), std::string("abc\0\0x", 6));
+    EXPECT_EQ(std::string(reinterpret_cast<const char*>(file.GetData()), file.GetLength()),
+              std::string("abc\0\0x", 6));
     CMemFile view("fixed", 5);
     EXPECT_NE(MessageOf<CFileException>([&] { view.Write("y", 1); }), "");
     EXPECT_NE(MessageOf<CFileException>([&] { view.Seek(-1, CFile::begin); }), "");
@@ -116,7 +120,8 @@ TEST(CMemFile, GrowsAndGuardsBorrowedBytes) {
 
 TEST(Warning, GivesEachMessageOnce) {
     std::vector<std::string> given;
-    const auto previous = zel::SetWarningHandler([&](const std::string& message) { given.push_back(message); });
+    const auto previous =
+        zel::SetWarningHandler([&](const std::string& message) { given.push_back(message); });
     zel::Warn("a font is missing (test)");
     zel::Warn("a font is missing (test)");
     zel::SetWarningHandler(previous);

@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <zel/platform/String.h>
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -15,7 +15,8 @@ TEST(CString, InsertsMessageArguments) {
     EXPECT_EQ(Message("%1 of %2", "one", "two"), "one of two");
     EXPECT_EQ(Message("%2 %1 %2", "a", "b"), "b a b");
     EXPECT_EQ(Message("%1!d! points, %2!5.2f! mm, %3!s!", 12, 3.14159, "x"), "12 points,  3.14 mm, x");
-    EXPECT_EQ(Message("%1!ld! %2!08x! %3!lld!", 1L << 40, 255, 1LL << 50), "1099511627776 000000ff 1125899906842624");
+    EXPECT_EQ(Message("%1!ld! %2!08x! %3!lld!", 1L << 40, 255, 1LL << 50),
+              "1099511627776 000000ff 1125899906842624");
     EXPECT_EQ(Message("100%% sure%n%! %."), "100% sure\n! .");
     EXPECT_EQ(Message("cut%0 off"), "cut");
     EXPECT_EQ(Message("50 %"), "50 %") << "a trailing sign stays";
