@@ -32,7 +32,8 @@ void OnRow(int, void* rows) {
 class Parser {
   public:
     Parser() {
-        if (csv_init(&parser_, CSV_STRICT) != 0) throw Error("Cannot read CSV files: out of memory");
+        if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0)
+            throw Error("Cannot read CSV files: out of memory");
     }
     ~Parser() { csv_free(&parser_); }
     Parser(const Parser&) = delete;
@@ -40,13 +41,19 @@ class Parser {
 
     void Feed(std::string_view bytes, Rows& rows, const std::string& path) {
         if (csv_parse(&parser_, bytes.data(), bytes.size(), OnField, OnRow, &rows) != bytes.size()) {
-            throw Error("Cannot read \"" + path + "\", row " + std::to_string(rows.rows.size()) + ": " +
-                        csv_strerror(csv_error(&parser_)));
+            Fail(rows, path);
         }
     }
-    void Finish(Rows& rows) { csv_fini(&parser_, OnField, OnRow, &rows); }
+    void Finish(Rows& rows, const std::string& path) {
+        if (csv_fini(&parser_, OnField, OnRow, &rows) != 0) Fail(rows, path);
+    }
 
   private:
+    [[noreturn]] void Fail(const Rows& rows, const std::string& path) {
+        throw Error("Cannot read \"" + path + "\", row " + std::to_string(rows.rows.size()) + ": " +
+                    csv_strerror(csv_error(&parser_)));
+    }
+
     csv_parser parser_{};
 };
 
@@ -116,7 +123,7 @@ CsvTable CsvTable::Read(const std::string& path) {
         parser.Feed(bytes, rows, path);
     }
     if (file.bad()) throw Error("Cannot read \"" + path + "\": " + std::strerror(errno));
-    parser.Finish(rows);
+    parser.Finish(rows, path);
     CsvTable table;
     table.path_ = path;
     std::erase_if(rows.rows, [](const auto& row) { return row.empty(); });

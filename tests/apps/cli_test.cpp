@@ -99,9 +99,9 @@ TEST_F(Program, SaysWhatIsWrong) {
     fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b --x-range 5 1" + out, "--x-range");
     fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b --size 0 10" + out, "millimetres");
     fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b -o /no/such/a.pdf", "/no/such/a.pdf");
-    fails("convert " + csv + " x.png", "no drawing document");
+    fails("convert " + Data("global-temp.csv") + " x.png", "no drawing document");
     fails("convert /no/such.zel x.png", "No such file");
-    fails("frobnicate", "frobnicate");
+    fails("frobnicate", "subcommand");
     EXPECT_EQ(Run("plot --help").code, 0);
     EXPECT_EQ(Run("plot " + Csv("a,b\n1,2\n") + " --x a --y b" + out).code, 0) << "a single point";
 }

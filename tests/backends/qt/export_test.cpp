@@ -162,7 +162,7 @@ TEST_F(Files, DrawTheSameAsTheMetafileReadElsewhere) {
     for (int y = 0; y < 60; ++y) {
         for (int x = 0; x < 80; ++x) unlike += std::abs(qGray(other.pixel(x, y)) - qGray(ours.pixel(x, y)));
     }
-    EXPECT_GT(unlike, 2 * difference) << "a picture upside down must stand out";
+    EXPECT_GT(unlike, 1.3 * difference) << "a picture upside down must stand out";
 }
 
 }  // namespace
