@@ -9,6 +9,16 @@
 
 namespace zel::qt {
 
+SurfaceCaps CapsOf(const FileDeviceOptions& options, int technology, int unitsPerInch) {
+    const auto units = [=](double inches) { return static_cast<int>(std::lround(inches * unitsPerInch)); };
+    return {.technology = technology,
+            .unitsPerInch = options.unitsPerInch > 0 ? options.unitsPerInch : unitsPerInch,
+            .units = CSize(units(options.width), units(options.height)),
+            .widthInches = options.width,
+            .heightInches = options.height,
+            .bitsPerPixel = 24};
+}
+
 CSize MeasuringDevice::TextExtent(const GraphicsState& state, std::string_view text) {
     return qt::TextExtent(state, text);
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zel/platform/Platform.h>
+#include <zel/platform/SurfaceCaps.h>
 
 #include <memory>
 
@@ -13,6 +14,9 @@ inline constexpr int kSvgUnitsPerInch = 1440;  // the view box scales them to th
 std::unique_ptr<DocumentDevice> CreatePdfDevice(const FileDeviceOptions& options);
 std::unique_ptr<DocumentDevice> CreateSvgDevice(const FileDeviceOptions& options);
 std::unique_ptr<DocumentDevice> CreateImageFileDevice(const FileDeviceOptions& options);
+
+// The surface of a page or picture that a vector format describes in so many units per inch.
+SurfaceCaps CapsOf(const FileDeviceOptions& options, int technology, int unitsPerInch);
 
 // Text measured with Qt's fonts, for the devices of files.
 class MeasuringDevice : public DocumentDevice {

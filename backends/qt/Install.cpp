@@ -15,42 +15,19 @@ constexpr int kScreenDotsPerInch = 96;
 class ScreenLikeDevice : public MeasuringDevice {
   public:
     ScreenLikeDevice() { EnsureApplication(); }
-    int Caps(int index) const override {
-        switch (index) {
-            case TECHNOLOGY:
-                return DT_RASDISPLAY;
-            case LOGPIXELSX:
-            case LOGPIXELSY:
-                return kScreenDotsPerInch;
-            case HORZRES:
-                return 1920;
-            case VERTRES:
-                return 1080;
-            case HORZSIZE:
-                return 508;
-            case VERTSIZE:
-                return 285;
-            case BITSPIXEL:
-                return 32;
-            case PLANES:
-                return 1;
-            case NUMCOLORS:
-                return -1;
-            case ASPECTX:
-            case ASPECTY:
-                return 36;
-            case ASPECTXY:
-                return 51;
-            default:
-                return 0;
-        }
-    }
+    int Caps(int index) const override { return caps_.Answer(index); }
     void Polyline(const GraphicsState&, const CPoint*, std::size_t) override {}
     void Polygons(const GraphicsState&, std::span<const CPoint>, std::span<const int>) override {}
     void FillRect(const GraphicsState&, const CRect&, const LOGBRUSH&, DWORD) override {}
     void DrawText(const GraphicsState&, std::span<const TextSpan>) override {}
     void NewPage() override {}
     void Finish() override {}
+
+  private:
+    SurfaceCaps caps_{.unitsPerInch = kScreenDotsPerInch,
+                      .units = CSize(1920, 1080),
+                      .widthInches = 20,
+                      .heightInches = 11.25};
 };
 
 class QtPlatform : public Platform {

@@ -27,7 +27,10 @@ constexpr double kFarOutside = 1e7;
 class PdfDevice : public MeasuringDevice {
   public:
     explicit PdfDevice(const FileDeviceOptions& options)
-        : options_(options), file_(options.path), writer_(QString::fromStdString(file_.TemporaryPath())) {
+        : options_(options),
+          caps_(CapsOf(options, DT_RASPRINTER, kResolution)),
+          file_(options.path),
+          writer_(QString::fromStdString(file_.TemporaryPath())) {
         writer_.setResolution(kResolution);
         const QPageSize size(QSizeF(options.width, options.height), QPageSize::Inch, QString(),
                              QPageSize::ExactMatch);
@@ -53,34 +56,7 @@ class PdfDevice : public MeasuringDevice {
         file_.Commit();
     }
 
-    int Caps(int index) const override {
-        switch (index) {
-            case TECHNOLOGY:
-                return DT_RASPRINTER;
-            case LOGPIXELSX:
-            case LOGPIXELSY:
-                return static_cast<int>(
-                    std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
-            case HORZRES:
-            case PHYSICALWIDTH:
-                return Units(options_.width);
-            case VERTRES:
-            case PHYSICALHEIGHT:
-                return Units(options_.height);
-            case HORZSIZE:
-                return static_cast<int>(options_.width * 25.4);
-            case VERTSIZE:
-                return static_cast<int>(options_.height * 25.4);
-            case BITSPIXEL:
-                return 24;
-            case PLANES:
-                return 1;
-            case NUMCOLORS:
-                return -1;
-            default:
-                return 0;
-        }
-    }
+    int Caps(int index) const override { return caps_.Answer(index); }
 
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         if (count < 2 || state.pen.lopnStyle == PS_NULL || state.rasterMode == R2_NOP) return;
@@ -141,8 +117,6 @@ class PdfDevice : public MeasuringDevice {
     }
 
   private:
-    static int Units(double inches) { return static_cast<int>(std::lround(inches * kResolution)); }
-
     QPointF At(const GraphicsState& state, const CPoint& p) const {
         const CPoint at = state.map.ToDevice(p);
         return {std::clamp<double>(at.x, -kFarOutside, kFarOutside),
@@ -151,8 +125,7 @@ class PdfDevice : public MeasuringDevice {
 
     void FillPage() {
         if (!options_.opaqueBackground || options_.background == RGB(255, 255, 255)) return;
-        painter_.fillRect(QRectF(0, 0, Units(options_.width), Units(options_.height)),
-                          ColorOf(options_.background));
+        painter_.fillRect(QRectF(0, 0, caps_.units.cx, caps_.units.cy), ColorOf(options_.background));
     }
 
     // The writer itself does not say when the disk is full.
@@ -214,6 +187,7 @@ class PdfDevice : public MeasuringDevice {
     }
 
     FileDeviceOptions options_;
+    SurfaceCaps caps_;
     SafeFile file_;
     QPdfWriter writer_;
     QPainter painter_;

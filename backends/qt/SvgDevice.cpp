@@ -30,7 +30,8 @@ QString HexColor(COLORREF color) {
 // One picture as Scalable Vector Graphics 1.1: an element for each primitive, text as text.
 class SvgDevice : public MeasuringDevice {
   public:
-    explicit SvgDevice(const FileDeviceOptions& options) : options_(options), file_(options.path) {
+    explicit SvgDevice(const FileDeviceOptions& options)
+        : options_(options), caps_(CapsOf(options, DT_RASDISPLAY, kResolution)), file_(options.path) {
         buffer_.open(QIODevice::WriteOnly);
         xml_.setDevice(&buffer_);
         xml_.setAutoFormatting(true);
@@ -41,7 +42,7 @@ class SvgDevice : public MeasuringDevice {
         xml_.writeAttribute("version", "1.1");
         xml_.writeAttribute("width", Number(options.width) + "in");
         xml_.writeAttribute("height", Number(options.height) + "in");
-        const QString width = Number(Units(options.width)), height = Number(Units(options.height));
+        const QString width = Number(caps_.units.cx), height = Number(caps_.units.cy);
         xml_.writeAttribute("viewBox", "0 0 " + width + " " + height);
         xml_.writeAttribute("stroke-linecap", "round");
         xml_.writeAttribute("stroke-linejoin", "round");
@@ -66,32 +67,7 @@ class SvgDevice : public MeasuringDevice {
         file_.Commit();
     }
 
-    int Caps(int index) const override {
-        switch (index) {
-            case TECHNOLOGY:
-                return DT_RASDISPLAY;
-            case LOGPIXELSX:
-            case LOGPIXELSY:
-                return static_cast<int>(
-                    std::lround(options_.unitsPerInch > 0 ? options_.unitsPerInch : kResolution));
-            case HORZRES:
-                return static_cast<int>(Units(options_.width));
-            case VERTRES:
-                return static_cast<int>(Units(options_.height));
-            case HORZSIZE:
-                return static_cast<int>(options_.width * 25.4);
-            case VERTSIZE:
-                return static_cast<int>(options_.height * 25.4);
-            case BITSPIXEL:
-                return 24;
-            case PLANES:
-                return 1;
-            case NUMCOLORS:
-                return -1;
-            default:
-                return 0;
-        }
-    }
+    int Caps(int index) const override { return caps_.Answer(index); }
 
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         if (count < 2 || state.pen.lopnStyle == PS_NULL || state.rasterMode == R2_NOP) return;
@@ -170,8 +146,6 @@ class SvgDevice : public MeasuringDevice {
     }
 
   private:
-    static double Units(double inches) { return std::round(inches * kResolution); }
-
     QString PointsText(const GraphicsState& state, std::span<const CPoint> points) const {
         QString text;
         for (const CPoint& p : points) {
@@ -291,6 +265,7 @@ class SvgDevice : public MeasuringDevice {
     }
 
     FileDeviceOptions options_;
+    SurfaceCaps caps_;
     SafeFile file_;
     QBuffer buffer_;
     QXmlStreamWriter xml_;

@@ -26,38 +26,10 @@ int ToLogicalY(const GraphicsState& state, double units) {
 }  // namespace
 
 MetricsDevice::MetricsDevice(int unitsPerInch, CSize surface)
-    : unitsPerInch_(unitsPerInch), surface_(surface) {}
-
-int MetricsDevice::Caps(int index) const {
-    switch (index) {
-        case TECHNOLOGY:
-            return DT_RASDISPLAY;
-        case LOGPIXELSX:
-        case LOGPIXELSY:
-            return unitsPerInch_;
-        case HORZRES:
-            return surface_.cx;
-        case VERTRES:
-            return surface_.cy;
-        case HORZSIZE:
-            return MulDiv(surface_.cx, 254, unitsPerInch_ * 10);
-        case VERTSIZE:
-            return MulDiv(surface_.cy, 254, unitsPerInch_ * 10);
-        case BITSPIXEL:
-            return 32;
-        case PLANES:
-            return 1;
-        case NUMCOLORS:
-            return -1;
-        case ASPECTX:
-        case ASPECTY:
-            return 36;
-        case ASPECTXY:
-            return 51;
-        default:
-            return 0;
-    }
-}
+    : caps_{.unitsPerInch = static_cast<double>(unitsPerInch),
+            .units = surface,
+            .widthInches = static_cast<double>(surface.cx) / unitsPerInch,
+            .heightInches = static_cast<double>(surface.cy) / unitsPerInch} {}
 
 std::vector<int> MetricsDevice::PrefixExtents(const GraphicsState& state, std::string_view text,
                                               std::span<const std::size_t> ends) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zel/platform/GraphicsDevice.h>
+#include <zel/platform/SurfaceCaps.h>
 
 namespace zel {
 
@@ -12,7 +13,7 @@ class MetricsDevice : public GraphicsDevice {
   public:
     explicit MetricsDevice(int unitsPerInch = 96, CSize surface = {1024, 768});
 
-    int Caps(int index) const override;
+    int Caps(int index) const override { return caps_.Answer(index); }
     void Polyline(const GraphicsState&, const CPoint*, std::size_t) override {}
     void Polygons(const GraphicsState&, std::span<const CPoint>, std::span<const int>) override {}
     void FillRect(const GraphicsState&, const CRect&, const LOGBRUSH&, DWORD) override {}
@@ -28,8 +29,7 @@ class MetricsDevice : public GraphicsDevice {
     TEXTMETRIC TextMetrics(const GraphicsState& state) override;
 
   private:
-    int unitsPerInch_;
-    CSize surface_;
+    SurfaceCaps caps_;
 };
 
 }  // namespace zel
