@@ -1,5 +1,7 @@
 #include "Support.h"
 
+#include <zel/platform/Archive.h>
+#include <zel/platform/File.h>
 #include <zel/platform/Metafile.h>
 #include <zel/platform/PrintInfo.h>
 #include <zel/platform/RecordingDevice.h>
@@ -175,6 +177,76 @@ TEST(Export, DetachesTheDrawingAndPutsItBack) {
     Zel2Main empty;
     EXPECT_THAT(zel::test::MessageOf<CInvalidArgException>([&] { zel::Export(empty, "x.wmf"); }),
                 testing::HasSubstr("no size"));
+}
+
+// A symbol registers its tools when it is first drawn, in the middle of a pass.
+TEST(Zel2Main, DrawsTheFirstPassLikeTheSecondWithExactRules) {
+    for (const ZelRules rules : {ZelRules::CLASSIC, ZelRules::EXACT}) {
+        Zel2Main root;
+        root.SetRules(rules);
+        const int symbol =
+            root.RegisterSymbol("s", CSize(500, 500), zel::SYMBOL_SQUARE, "A", 1, RGB(1, 1, 1), RGB(9, 9, 9),
+                                RGB(2, 2, 2), RGB(8, 8, 8), 1, "Arial", 80, 0, 0, nullptr, nullptr, 0);
+        root.RegisterFont("first", "Arial", 80, 0, 0, 0, 0, 0, 0);
+        root.Add(new Zel2Rect(CRect(0, 0, 999, 999), -1, -1, Zel2Rect::RECTANGLE, symbol));
+        const auto draw = [&](BOOL printing) {
+            zel::RecordingDevice device(1000);
+            CDC dc(device);
+            dc.m_bPrinting = printing;
+            root.PrepareMappingFor(&dc, nullptr, 0, 0);
+            root.Draw(&dc);
+            dc.Flush();
+            return device.Text();
+        };
+        const std::string first = draw(FALSE);
+        EXPECT_EQ(first == draw(FALSE), rules == ZelRules::EXACT);
+        EXPECT_THAT(draw(TRUE), testing::HasSubstr("#090909")) << "printer colours on paper";
+    }
+}
+
+TEST(Zel2Tools, HidesTheTablesFurtherUp) {
+    Zel2Main root;
+    root.RegisterColor("Outer", 1, 1);
+    auto* inner = new Zel2Tools;
+    root.Add(inner);
+    auto* object = new Zel2Rect;
+    inner->Add(object);
+    EXPECT_EQ(object->GetColorIndex("Outer"), -1);
+    EXPECT_EQ(object->RegisterColor("Inner", 2, 2), 0);
+    EXPECT_EQ(object->GetColor(), 0) << "a rectangle takes the colour that it registers";
+    EXPECT_EQ(root.GetColorIndex("Inner"), -1);
+    EXPECT_EQ(object->Map(), root.Map()) << "everything else is asked of the root";
+    Zel2Tools copy(root);
+    EXPECT_EQ(copy.Colors(), nullptr) << "a copy has no tables before it is assigned some";
+    copy = root;
+    EXPECT_EQ(copy.Colors(), root.Colors());
+    copy.DetachChildren();
+    inner->SetParent(&root);
+}
+
+TEST(DrawToolTable, LoadsOneToolOfEachName) {
+    Zel2Main root;
+    for (const char* name : {"a", "b", "c"}) root.RegisterPen(name, DrawPen::SOLID, 1, 0, 0, nullptr);
+    root.Pen("b")->Name("a");
+    CMemFile file;
+    CArchive storing(&file, CArchive::store);
+    root.Pens()->Serialize(storing);
+    storing.Close();
+    file.SeekToBegin();
+    CArchive loading(&file, CArchive::load);
+    DrawPenTable loaded;
+    loaded.RegisterPen("old", DrawPen::SOLID, 1, 0, 0, nullptr);
+    loaded.Serialize(loading);
+    EXPECT_EQ(loaded.Size(), 2) << "and nothing of what was there before";
+    EXPECT_EQ(loaded.GetIndex("c"), 1);
+    zel::RecordingDevice device;
+    CDC dc(device);
+    loaded.OpenOn(&dc, 1000);
+    DrawPenTable closed(loaded);
+    EXPECT_EQ(closed.Pen(0)->GetDC(), nullptr) << "copies are closed";
+    const int added = loaded.RegisterPen("new", DrawPen::SOLID, 1, 0, 0, nullptr);
+    EXPECT_EQ(loaded.Pen(added)->GetDC(), &dc) << "opened at once in an open table";
+    loaded.Close();
 }
 
 }  // namespace

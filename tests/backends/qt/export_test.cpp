@@ -1,5 +1,6 @@
 #include "Support.h"
 
+#include <zel/platform/Platform.h>
 #include <zel/qt/Install.h>
 #include <zel/zel.h>
 
@@ -130,6 +131,66 @@ TEST_F(Files, FailWholeAndWithAReason) {
     }
     EXPECT_EQ(Content(path), "old");
     EXPECT_EQ(folder_.FileCount(), 1U) << "no temporary file stays";
+}
+
+TEST_F(Files, PdfHasAsManyPagesAsAreBegun) {
+    zel::FileDeviceOptions options;
+    options.path = folder_ / "pages.pdf";
+    options.format = "pdf";
+    options.width = 4;
+    options.height = 3;
+    { const auto abandoned = zel::Platform::Get().CreateFileDevice(options); }
+    EXPECT_EQ(folder_.FileCount(), 0U) << "nothing stays of a file that was not finished";
+    const auto device = zel::Platform::Get().CreateFileDevice(options);
+    for (int page = 0; page < 3; ++page) {
+        if (page > 0) device->NewPage();
+        CDC dc(*device);
+        CPen dashed(PS_DASH, 0, RGB(0, 0, 255));
+        CBrush hatched(HS_DIAGCROSS, RGB(255, 0, 0));
+        CPen* pen = dc.SelectObject(&dashed);
+        CBrush* brush = dc.SelectObject(&hatched);
+        dc.Rectangle(600, 600, 2400, 1800);
+        dc.SelectObject(pen);
+        dc.SelectObject(brush);
+        const CString number(std::to_string(page + 1));
+        dc.TextOut(1200, 2400, "page " + number);
+    }
+    device->Finish();
+    const std::string text = RunProgram("pdftotext " + options.path + " -").text;
+    EXPECT_THAT(text, testing::AllOf(testing::HasSubstr("page 1"), testing::HasSubstr("page 3")));
+    EXPECT_THAT(RunProgram("pdfinfo " + options.path).text, testing::HasSubstr("Pages:           3"));
+    EXPECT_THAT(RunProgram("pdfimages -list " + options.path).text, testing::Not(testing::HasSubstr("image")))
+        << "hatches are lines";
+}
+
+TEST_F(Files, SvgDrawsHatchesAndClips) {
+    zel::FileDeviceOptions options;
+    options.path = folder_ / "a.svg";
+    options.format = "svg";
+    options.width = options.height = 2;
+    options.title = "A & B";
+    const auto device = zel::Platform::Get().CreateFileDevice(options);
+    {
+        CDC dc(*device);
+        CBrush hatched(HS_CROSS, RGB(255, 0, 0));
+        CBrush* brush = dc.SelectObject(&hatched);
+        dc.SaveDC();
+        dc.IntersectClipRect(0, 0, 1000, 1000);
+        dc.Ellipse(100, 100, 2000, 2000);
+        dc.RestoreDC(-1);
+        dc.SelectObject(brush);
+        dc.MoveTo(0, 0);
+        dc.LineTo(5, 5);
+    }
+    EXPECT_NE(MessageOf<CNotSupportedException>([&] { device->NewPage(); }), "");
+    device->Finish();
+    const std::string svg = Content(options.path);
+    EXPECT_THAT(svg, testing::AllOf(testing::HasSubstr("<title>A &amp; B</title>"),
+                                    testing::HasSubstr("fill=\"url(#hatch"),
+                                    testing::HasSubstr("clip-path=\"url(#clip")));
+    QXmlStreamReader xml(QByteArray::fromStdString(svg));
+    while (!xml.atEnd()) xml.readNext();
+    EXPECT_FALSE(xml.hasError()) << xml.errorString().toStdString();
 }
 
 TEST_F(Files, LeaveTheLocaleAlone) {
