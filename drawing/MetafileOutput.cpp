@@ -93,19 +93,16 @@ std::string TemporaryPattern() {
     return std::string(folder && *folder ? folder : "/tmp") + "/wmfXXXXXX";
 }
 
-HMETAFILE OrNull(auto make) {
-    try {
-        return make();
-    } catch (CException* e) {
-        e->Delete();
-        return nullptr;
-    }
-}
-
 }  // namespace
 
 HMETAFILE Zel2Main::CreateMF(const char* fileName) {
-    return OrNull([&] { return zel::RecordMetafile(*this, fileName, nullptr); });
+    // Only what keeps the file from being written is answered; what goes wrong in the drawing itself goes on.
+    try {
+        return zel::RecordMetafile(*this, fileName, nullptr);
+    } catch (CFileException* e) {
+        e->Delete();
+        return nullptr;
+    }
 }
 
 HMETAFILE zel::RecordMetafile(Zel2Main& root, const char* fileName, int* unitsPerInch) {
@@ -171,7 +168,7 @@ int Zel2Main::CreatePlaceableMF(const char* fileName) {
     try {
         zel::WritePlaceableMetafile(*this, fileName);
         return 1;
-    } catch (CException* e) {
+    } catch (CFileException* e) {
         e->Delete();
         return 0;
     }

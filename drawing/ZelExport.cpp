@@ -76,6 +76,17 @@ Placement PlaceOn(FileDeviceOptions& device, const ExportOptions& options, doubl
     return placement;
 }
 
+// The size of a drawing. Graphs without one choose theirs when they are first drawn: they are, where nobody
+// sees it.
+CSize SizeOf(Zel2Main& drawing) {
+    const CSize size = drawing.Size();
+    if (size.cx > 0 && size.cy > 0) return size;
+    CDC dc(Platform::Get().CreateScreenCompatibleDevice());
+    drawing.PrepareMappingFor(&dc, nullptr, 0, 0);
+    drawing.Draw(&dc);
+    return drawing.Size();
+}
+
 void DrawOn(Zel2Main& drawing, DocumentDevice& device, const Placement& placement, double unitsPerPaperInch,
             bool printerTools) {
     CDC dc(device);
@@ -113,12 +124,12 @@ bool SetPaper(ExportOptions& options, const std::string& name, bool landscape) {
 }
 
 void Export(Zel2Main& drawing, const char* path, const ExportOptions& options) {
-    const CSize size = drawing.Size();
+    const DetachedDrawing detached(drawing);
+    const CSize size = SizeOf(drawing);
     if (size.cx <= 0 || size.cy <= 0) {
         AfxThrowInvalidArgException(
             ("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
     }
-    const DetachedDrawing detached(drawing);
     FileDeviceOptions device;
     device.path = path;
     device.format = FormatOf(path);

@@ -249,4 +249,29 @@ TEST(DrawToolTable, LoadsOneToolOfEachName) {
     loaded.Close();
 }
 
+TEST(Export, LetsGraphsChooseTheirSizeFirst) {
+    const TemporaryFolder folder;
+    Zel2Main root;
+    auto* graph = new Zel2Graph;
+    root.Add(graph);
+    graph->SetCoord(0, 0, 1, 1);
+    zel::Export(root, (folder / "a.wmf").c_str());
+    EXPECT_EQ(graph->Size(), CSize(5000, 4000));
+    WORD right = 0, perInch = 0;
+    const std::string content = zel::test::Content(folder / "a.wmf");
+    std::memcpy(&right, content.data() + 10, sizeof right);
+    std::memcpy(&perInch, content.data() + 14, sizeof perInch);
+    EXPECT_EQ(right, 5 * perInch) << "five inches wide";
+}
+
+TEST(Zel2Main, PassesOnWhatGoesWrongInTheDrawing) {
+    Zel2Main root;
+    root.Add(new Probe([](Probe&) { AfxThrowInvalidArgException("in the drawing"); }));
+    EXPECT_EQ(zel::test::MessageOf<CInvalidArgException>([&] { root.CreateMF(nullptr); }), "in the drawing");
+    Zel2Main sound;
+    sound.Add(new Probe([](Probe&) {}));
+    EXPECT_EQ(sound.CreateMF("/no/such/folder/x.wmf"), nullptr)
+        << "a file that cannot be written is no exception";
+}
+
 }  // namespace
