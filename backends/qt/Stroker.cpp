@@ -64,6 +64,16 @@ Floats Clamp01(const Floats& v) {
     return positive < All(1) ? positive : All(1);
 }
 
+Ints ToBytes(const Floats& coverage) {
+    return __builtin_convertvector(Clamp01(coverage) * 255.0F + 0.5F, Ints);
+}
+
+// Away from the ends of a segment the distance is that from its axis, across at `axis`.
+Ints CoverageOfAxis(const Floats& across, float axis, float cosine, float reach) {
+    const Floats away = across - axis;
+    return ToBytes(reach - (away > All(0) ? away : -away) * cosine);
+}
+
 // A segment and the coverage of pixels by a line along it.
 struct Segment {
     float x, y, dx, dy, inverseSquare;
@@ -83,7 +93,7 @@ struct Segment {
         const Floats ex = rx - t * dx, ey = ry - t * dy;
         Floats distance = ex * ex + ey * ey;
         for (int lane = 0; lane < kLanes; ++lane) distance[lane] = std::sqrt(distance[lane]);
-        return __builtin_convertvector(Clamp01(reach - distance) * 255.0F + 0.5F, Ints);
+        return ToBytes(reach - distance);
     }
 };
 
@@ -109,20 +119,23 @@ void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
     if (minorHigh < minorLow) return;
     const Segment segment(a, b);
     const auto reachF = static_cast<float>(reach);
+    const auto cosine = static_cast<float>(reach / acrossReach);
     const std::ptrdiff_t stride = kSteep ? 1 : stride_;
     double axis = minor(a) + (first + 0.5 - major(a)) * slope;
     for (int i = first; i <= last; ++i, axis += slope) {
         const int low = static_cast<int>(std::max(axis - acrossReach, minorLow));
         const int high = static_cast<int>(std::min(axis + acrossReach, minorHigh));
         if (low > high) continue;
+        const bool inner = i + 0.5 > major(a) + acrossReach && i + 0.5 < major(b) - acrossReach;
         std::uint8_t* at = mask_.data() + (kSteep ? static_cast<std::ptrdiff_t>(i) * stride_ + low
                                                   : static_cast<std::ptrdiff_t>(low) * stride_ + i);
         for (int k = low; k <= high; k += kLanes, at += kLanes * stride) {
             const float first4 = static_cast<float>(k) + 0.5F;
             const Floats across{first4, first4 + 1, first4 + 2, first4 + 3};
             const Floats along = All(static_cast<float>(i) + 0.5F);
-            const Ints coverage =
-                kSteep ? segment.Coverage(across, along, reachF) : segment.Coverage(along, across, reachF);
+            const Ints coverage = inner    ? CoverageOfAxis(across, static_cast<float>(axis), cosine, reachF)
+                                  : kSteep ? segment.Coverage(across, along, reachF)
+                                           : segment.Coverage(along, across, reachF);
             const int lanes = std::min(kLanes, high - k + 1);
             for (int lane = 0; lane < lanes; ++lane) {
                 std::uint8_t& byte = at[lane * stride];
