@@ -34,7 +34,7 @@ bool ClipTo(PointF& a, PointF& b, double left, double top, double right, double 
 Stroker::Stroker(int width, int height)
     : width_(width),
       height_(height),
-      stride_((width + kWord - 1) / kWord * kWord),
+      stride_((width + 2 * kWord - 1) / kWord * kWord),
       mask_(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height)),
       rows_(static_cast<std::size_t>(height), RowSpan{width, -1}),
       top_(height),
@@ -72,6 +72,23 @@ Ints ToBytes(const Floats& coverage) {
 Ints CoverageOfAxis(const Floats& across, float axis, float cosine, float reach) {
     const Floats away = across - axis;
     return ToBytes(reach - (away > All(0) ? away : -away) * cosine);
+}
+
+// Raises four neighbouring bytes of the mask to a coverage. Past the end of a line the coverage is 0, and
+// past the end of a row there is room: no byte is changed that should not be.
+void Raise(std::uint8_t* mask, const Ints& coverage) {
+    using Bytes = std::uint8_t __attribute__((vector_size(kLanes)));
+    const Bytes raised = __builtin_convertvector(coverage, Bytes);
+    Bytes present;
+    std::memcpy(&present, mask, sizeof present);
+    std::uint32_t old = 0;
+    std::memcpy(&old, mask, sizeof old);
+    if (old != 0) {
+        const Bytes larger = raised > present ? raised : present;
+        std::memcpy(mask, &larger, sizeof larger);
+    } else {
+        std::memcpy(mask, &raised, sizeof raised);
+    }
 }
 
 // A segment and the coverage of pixels by a line along it.
@@ -136,10 +153,14 @@ void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
             const Ints coverage = inner    ? CoverageOfAxis(across, static_cast<float>(axis), cosine, reachF)
                                   : kSteep ? segment.Coverage(across, along, reachF)
                                            : segment.Coverage(along, across, reachF);
-            const int lanes = std::min(kLanes, high - k + 1);
-            for (int lane = 0; lane < lanes; ++lane) {
-                std::uint8_t& byte = at[lane * stride];
-                byte = static_cast<std::uint8_t>(std::max<int>(byte, coverage[lane]));
+            if constexpr (kSteep) {
+                Raise(at, coverage);
+            } else {
+                const int lanes = std::min(kLanes, high - k + 1);
+                for (int lane = 0; lane < lanes; ++lane) {
+                    std::uint8_t& byte = at[lane * stride];
+                    byte = static_cast<std::uint8_t>(std::max<int>(byte, coverage[lane]));
+                }
             }
         }
         if (kSteep) {

@@ -52,7 +52,7 @@ class Stroker {
 
     int width_;
     int height_;
-    int stride_;  // bytes of a row of the mask, whole words
+    int stride_;  // bytes of a row of the mask: whole words, with room behind the last pixel
     std::vector<std::uint8_t> mask_;
     std::vector<RowSpan> rows_;  // the touched columns of each row; none when first > last
     int top_;
