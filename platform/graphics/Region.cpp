@@ -109,8 +109,10 @@ std::vector<Edge> Crossings(std::span<const CPoint> points, std::span<const int>
             const CPoint& p = points[begin + i];
             const CPoint& q = points[begin + (i + 1) % n];
             if ((p.y <= y) == (q.y <= y)) continue;
-            const double t = (static_cast<double>(y) - p.y) / (static_cast<double>(q.y) - p.y);
-            edges.push_back({p.x + t * (static_cast<double>(q.x) - p.x), p.y < q.y ? 1 : -1});
+            // Divided last, so that a crossing at a whole number is exactly that: polygons on both sides of
+            // an edge must agree about it.
+            const double across = (static_cast<double>(y) - p.y) * (static_cast<double>(q.x) - p.x);
+            edges.push_back({p.x + across / (static_cast<double>(q.y) - p.y), p.y < q.y ? 1 : -1});
         }
         begin += n;
     }

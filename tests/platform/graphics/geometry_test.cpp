@@ -106,6 +106,22 @@ TEST(Region, FillsPolygonsByThePlatformsPixels) {
     EXPECT_NE(Picture(triangle), Picture(zel::Region()));
 }
 
+// Polygons that share an edge meet without a gap or an overlap, whichever way each of them walks it.
+TEST(Region, MeetsAlongSlantedEdges) {
+    for (const int size : {10, 49, 100, 128}) {
+        const std::array above{CPoint(0, 0), CPoint(size, 0), CPoint(size, size)};
+        const std::array below{CPoint(size, size), CPoint(0, size), CPoint(0, 0)};
+        const int count = 3;
+        const zel::Region a = zel::Region::FromPolygons(above, {&count, 1}, ALTERNATE);
+        const zel::Region b = zel::Region::FromPolygons(below, {&count, 1}, ALTERNATE);
+        EXPECT_TRUE(zel::Region::Combine(a, b, RGN_AND).IsEmpty()) << size;
+        EXPECT_EQ(zel::Region::Combine(a, b, RGN_OR), zel::Region(CRect(0, 0, size, size))) << size;
+        for (int i = 0; i < size; ++i) {
+            EXPECT_TRUE(a.Contains(CPoint(i, i))) << "a left boundary is filled, at " << i << " of " << size;
+        }
+    }
+}
+
 TEST(CombineRgn, RefusesDeadRegions) {
     const HRGN a = CreateRectRgn(0, 0, 10, 10), b = CreateRectRgn(5, 5, 15, 15);
     EXPECT_EQ(CombineRgn(nullptr, a, b, RGN_OR), RGN_ERROR);
