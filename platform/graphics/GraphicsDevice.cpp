@@ -1,6 +1,7 @@
 #include <zel/platform/GraphicsDevice.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <numbers>
 
 namespace zel {
@@ -38,9 +39,20 @@ struct DeviceEllipse {
     }
 };
 
-// Points computed in device units go on in logical ones, as every primitive expects.
-void ToLogical(const CoordinateMap& map, std::vector<CPoint>& points) {
-    for (CPoint& point : points) point = map.ToLogical(point);
+// The state for a primitive whose points are in device units already. Logical units may be far coarser than
+// the device, so what is computed for the device does not go back to them.
+GraphicsState InDeviceUnits(const GraphicsState& state) {
+    GraphicsState device = state;
+    device.map = CoordinateMap();
+    LONG& width = device.pen.lopnWidth.x;
+    if (width != 0) width = std::max<LONG>(1, Truncate(std::abs(width) * state.map.ScaleX() + 0.5));
+    return device;
+}
+
+// Thin outlines need two units each way; wide ones reach over the box by themselves.
+bool HasRoom(const GraphicsState& device, const CRect& box) {
+    const int least = device.pen.lopnWidth.x > 1 ? 1 : 2;
+    return box.Width() >= least && box.Height() >= least;
 }
 
 CRect DeviceBox(const GraphicsState& state, const CRect& rect) {
@@ -49,10 +61,9 @@ CRect DeviceBox(const GraphicsState& state, const CRect& rect) {
     return box;
 }
 
-void OneRing(GraphicsDevice& device, const GraphicsState& state, std::vector<CPoint> devicePoints) {
-    ToLogical(state.map, devicePoints);
-    const int count = static_cast<int>(devicePoints.size());
-    device.Polygons(state, devicePoints, std::span(&count, 1));
+void OneRing(GraphicsDevice& device, const GraphicsState& inDeviceUnits, const std::vector<CPoint>& points) {
+    const int count = static_cast<int>(points.size());
+    device.Polygons(inDeviceUnits, points, std::span(&count, 1));
 }
 
 }  // namespace
@@ -61,8 +72,9 @@ GraphicsDevice::~GraphicsDevice() = default;
 
 void GraphicsDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
     const CRect box = DeviceBox(state, rect);
-    if (box.Width() < 2 && box.Height() < 2) return;
-    OneRing(*this, state,
+    const GraphicsState device = InDeviceUnits(state);
+    if (!HasRoom(device, box)) return;
+    OneRing(*this, device,
             {box.TopLeft(),
              {box.right - 1, box.top},
              {box.right - 1, box.bottom - 1},
@@ -71,6 +83,8 @@ void GraphicsDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
 
 void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) {
     const CRect box = DeviceBox(state, rect);
+    const GraphicsState device = InDeviceUnits(state);
+    if (!HasRoom(device, box)) return;
     const CSize size = state.map.ToDevice(corner);
     const int w = std::min(std::abs(size.cx), box.Width());
     const int h = std::min(std::abs(size.cy), box.Height());
@@ -82,22 +96,26 @@ void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, co
     DeviceEllipse({box.left, box.top, box.left + w, box.top + h}).Append(points, kQuarter, kQuarter);
     DeviceEllipse({box.left, bottom - h, box.left + w, bottom}).Append(points, 2 * kQuarter, kQuarter);
     DeviceEllipse({right - w, bottom - h, right, bottom}).Append(points, 3 * kQuarter, kQuarter);
-    OneRing(*this, state, std::move(points));
+    OneRing(*this, device, points);
 }
 
 void GraphicsDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     CRect box = DeviceBox(state, rect);
+    const GraphicsState device = InDeviceUnits(state);
+    if (!HasRoom(device, box)) return;
     box.right -= 1;
     box.bottom -= 1;
     std::vector<CPoint> points;
     DeviceEllipse(box).Append(points, 0, kTurn);
     points.pop_back();
-    OneRing(*this, state, std::move(points));
+    OneRing(*this, device, points);
 }
 
 void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start,
                          const CPoint& end, ArcKind kind) {
     CRect box = DeviceBox(state, rect);
+    const GraphicsState device = InDeviceUnits(state);
+    if (!HasRoom(device, box)) return;
     box.right -= 1;
     box.bottom -= 1;
     const DeviceEllipse ellipse(box);
@@ -111,17 +129,16 @@ void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CP
     if (kind == ArcKind::PIE)
         points.push_back({Truncate(std::round(ellipse.cx)), Truncate(std::round(ellipse.cy))});
     if (kind != ArcKind::ARC) {
-        OneRing(*this, state, std::move(points));
+        OneRing(*this, device, points);
         return;
     }
-    ToLogical(state.map, points);
-    Polyline(state, points.data(), points.size());
+    Polyline(device, points.data(), points.size());
 }
 
 void GraphicsDevice::SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) {
     const CPoint at = state.map.ToDevice(point);
-    const CRect pixel = state.map.ToLogical(CRect(at.x, at.y, Add(at.x, 1), Add(at.y, 1)));
-    FillRect(state, pixel, {BS_SOLID, color, 0}, PATCOPY);
+    const CRect pixel(at.x, at.y, Add(at.x, 1), Add(at.y, 1));
+    FillRect(InDeviceUnits(state), pixel, {BS_SOLID, color, 0}, PATCOPY);
 }
 
 void GraphicsDevice::FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush) {

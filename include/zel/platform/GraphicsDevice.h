@@ -43,8 +43,8 @@ enum class ArcKind { ARC, CHORD, PIE };
 //
 // A device holds no drawing state: each primitive receives all of it, in logical coordinates. A new device
 // overrides Caps, Polyline, Polygons, FillRect, DrawText and the two text measurements; every other primitive
-// has a default that reduces it to those. All calls come from one thread at a time. A device does not take
-// ownership of anything that it is given.
+// has a default that reduces it to those, in device units (the state that it passes on maps nothing). All
+// calls come from one thread at a time. A device does not take ownership of anything that it is given.
 class GraphicsDevice {
   public:
     GraphicsDevice() = default;

@@ -132,23 +132,37 @@ TEST_F(Context, FillsAndFrames) {
     EXPECT_EQ(Recorded(), "");
 }
 
+// A device with nothing but the primitives: all other shapes arrive as polygons, lines and fills.
+class Bare : public zel::RecordingDevice {
+  public:
+    using State = zel::GraphicsState;
+    void Rectangle(const State& s, const CRect& r) override { GraphicsDevice::Rectangle(s, r); }
+    void RoundRect(const State& s, const CRect& r, const CSize& c) override {
+        GraphicsDevice::RoundRect(s, r, c);
+    }
+    void Ellipse(const State& s, const CRect& r) override { GraphicsDevice::Ellipse(s, r); }
+    void Arc(const State& s, const CRect& r, const CPoint& a, const CPoint& b, zel::ArcKind k) override {
+        GraphicsDevice::Arc(s, r, a, b, k);
+    }
+    void SetPixel(const State& s, const CPoint& p, COLORREF c) override { GraphicsDevice::SetPixel(s, p, c); }
+    void Polygons(const State& s, std::span<const CPoint> p, std::span<const int>) override { Keep(s, p); }
+    void Polyline(const State& s, const CPoint* p, std::size_t n) override { Keep(s, {p, n}); }
+    void FillRect(const State& s, const CRect& r, const LOGBRUSH&, DWORD) override {
+        filled = s.map.ToDevice(r);
+    }
+    std::vector<CPoint> points;  // device units
+    CRect filled;                // device units
+    LONG penWidth = 0;           // device units
+
+  private:
+    void Keep(const State& s, std::span<const CPoint> p) {
+        points.clear();
+        for (const CPoint& point : p) points.push_back(s.map.ToDevice(point));
+        penWidth = zel::Truncate(s.pen.lopnWidth.x * s.map.ScaleX() + 0.5);
+    }
+};
+
 TEST(Devices, ReduceShapesToLines) {
-    // A device with nothing but the primitives: ellipses and arcs arrive as polygons and lines.
-    class Bare : public zel::RecordingDevice {
-      public:
-        void Ellipse(const zel::GraphicsState& s, const CRect& r) override { GraphicsDevice::Ellipse(s, r); }
-        void Arc(const zel::GraphicsState& s, const CRect& r, const CPoint& a, const CPoint& b,
-                 zel::ArcKind k) override {
-            GraphicsDevice::Arc(s, r, a, b, k);
-        }
-        void Polygons(const zel::GraphicsState&, std::span<const CPoint> p, std::span<const int>) override {
-            points.assign(p.begin(), p.end());
-        }
-        void Polyline(const zel::GraphicsState&, const CPoint* p, std::size_t n) override {
-            points.assign(p, p + n);
-        }
-        std::vector<CPoint> points;
-    };
     Bare device;
     CDC dc(device);
     dc.Ellipse(0, 0, 201, 201);
@@ -159,6 +173,39 @@ TEST(Devices, ReduceShapesToLines) {
     EXPECT_EQ(device.points.front(), CPoint(200, 100));
     EXPECT_EQ(device.points.back(), CPoint(100, 0));
     for (const CPoint& p : device.points) EXPECT_TRUE(p.x >= 100 && p.y <= 100);
+}
+
+// One logical unit may be many device units: curves are as smooth as the device, not as the logical units.
+TEST(Devices, ReduceShapesInDeviceUnits) {
+    Bare device;
+    CDC dc(device);
+    dc.SetMapMode(MM_ANISOTROPIC);
+    dc.SetWindowExt(1, 1);
+    dc.SetViewportExt(100, -100);
+    CPen wide(PS_SOLID, 2, RGB(0, 0, 0));
+    CPen* previous = dc.SelectObject(&wide);
+    dc.Ellipse(0, 0, 4, -4);
+    for (const CPoint& p : device.points) EXPECT_NEAR(std::hypot(p.x - 199.5, p.y - 199.5), 199.5, 1);
+    EXPECT_EQ(device.penWidth, 200);
+    dc.SetPixel(3, -2, RGB(1, 2, 3));
+    EXPECT_EQ(device.filled, CRect(300, 200, 301, 201));
+    dc.SelectObject(previous);
+}
+
+TEST(Devices, DrawNothingForABoxWithoutAnInside) {
+    Bare device;
+    CDC dc(device);
+    for (const CRect& box : {CRect(5, 5, 5, 9), CRect(5, 5, 9, 5), CRect(5, 5, 6, 9), CRect(9, 6, 5, 5)}) {
+        dc.Rectangle(&box);
+        EXPECT_TRUE(device.points.empty());
+    }
+    for (const CRect& box : {CRect(5, 5, 5, 9), CRect(5, 5, 6, 6)}) {
+        dc.Ellipse(box);
+        dc.RoundRect(box, CPoint(2, 2));
+        EXPECT_TRUE(device.points.empty());
+    }
+    dc.Rectangle(9, 9, 7, 7);
+    EXPECT_EQ(device.points.size(), 4U) << "the smallest outline";
 }
 
 TEST(Platform, SaysWhichBackEndIsMissing) {
