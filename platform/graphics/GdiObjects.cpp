@@ -70,6 +70,7 @@ void CGdiObject::AttachNew(HGDIOBJ handle) {
 
 BOOL CGdiObject::Attach(HGDIOBJ handle) {
     if (!handle) return FALSE;
+    Detach();  // or the handle that it had would go on naming this object
     m_hObject = handle;
     SetOwner(handle, this);
     return TRUE;
@@ -148,7 +149,7 @@ BOOL CFont::CreateFont(int height, int width, int escapement, int orientation, i
                        BYTE quality, BYTE pitchAndFamily, const char* face) {
     LOGFONT font{height,    width,   escapement,   orientation,   weight,  italic,         underline,
                  strikeOut, charSet, outPrecision, clipPrecision, quality, pitchAndFamily, {}};
-    std::strncpy(font.lfFaceName, face, LF_FACESIZE - 1);
+    if (face) std::strncpy(font.lfFaceName, face, LF_FACESIZE - 1);
     return CreateFontIndirect(&font);
 }
 

@@ -15,6 +15,7 @@ class CGdiObject : public CObject {
     ~CGdiObject() override;
 
     HGDIOBJ GetSafeHandle() const { return m_hObject; }
+    // Takes over `handle`; what was attached before is let go, not deleted.
     BOOL Attach(HGDIOBJ handle);
     HGDIOBJ Detach();
     // Deletes the platform object, if there is one; FALSE when there was none alive.

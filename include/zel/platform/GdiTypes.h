@@ -4,7 +4,9 @@
 #include <zel/platform/Geometry.h>
 #include <zel/platform/WinTypes.h>
 
-// Handles are opaque table keys. They are never reused for another object, so a stale handle names nothing.
+// Handles of pens, brushes, fonts and regions are opaque table keys. They are never reused for another
+// object, so a stale handle names nothing. Contexts and metafiles are owned by whoever made them, and gone
+// once ended.
 using HGDIOBJ = struct ZelGdiObject*;
 struct ZelPenHandle;
 struct ZelBrushHandle;

@@ -208,6 +208,22 @@ TEST(Devices, DrawNothingForABoxWithoutAnInside) {
     EXPECT_EQ(device.points.size(), 4U) << "the smallest outline";
 }
 
+TEST(Objects, LeaveTheirHandleForAnother) {
+    const HPEN first = CreatePen(PS_SOLID, 1, 0);
+    const HPEN second = CreatePen(PS_SOLID, 2, 0);
+    {
+        CPen pen;
+        pen.Attach(first);
+        pen.Attach(second);
+    }
+    CPen* wrapper = CPen::FromHandle(first);
+    EXPECT_EQ(wrapper->GetSafeHandle(), reinterpret_cast<HGDIOBJ>(first)) << "the object that had it is gone";
+    EXPECT_TRUE(wrapper->DeleteObject());
+    EXPECT_FALSE(DeleteObject(second));
+    CFont unnamed;
+    EXPECT_TRUE(unnamed.CreateFont(-16, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, nullptr));
+}
+
 TEST(Platform, SaysWhichBackEndIsMissing) {
     zel::FileDeviceOptions options;
     options.path = "x.pdf";
