@@ -74,6 +74,9 @@ void RecordingDevice::Clear() {
     brush_.clear();
     font_.clear();
     textColor_.clear();
+    mode_ = kDefaultMode;
+    map_ = kDefaultMap;
+    clip_ = kDefaultClip;
 }
 
 void RecordingDevice::WriteSetting(std::string& last, const std::string& line) {

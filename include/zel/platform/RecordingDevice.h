@@ -48,9 +48,13 @@ class RecordingDevice : public MetricsDevice {
     std::string brush_;
     std::string font_;
     std::string textColor_;
-    std::string mode_ = "mode 13\n";
-    std::string map_ = "map none\n";
-    std::string clip_ = "clip none\n";
+    // What a fresh context has goes without saying.
+    static constexpr const char* kDefaultMode = "mode 13\n";
+    static constexpr const char* kDefaultMap = "map none\n";
+    static constexpr const char* kDefaultClip = "clip none\n";
+    std::string mode_ = kDefaultMode;
+    std::string map_ = kDefaultMap;
+    std::string clip_ = kDefaultClip;
 };
 
 }  // namespace zel

@@ -224,6 +224,14 @@ TEST(Objects, LeaveTheirHandleForAnother) {
     EXPECT_TRUE(unnamed.CreateFont(-16, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, nullptr));
 }
 
+TEST_F(Context, WritesItsModeAgainAfterClear) {
+    dc_.SetROP2(R2_NOTXORPEN);
+    dc_.Rectangle(0, 0, 4, 4);
+    EXPECT_NE(Recorded().find("mode 10\n"), std::string::npos);
+    dc_.Rectangle(0, 0, 4, 4);
+    EXPECT_NE(Recorded().find("mode 10\n"), std::string::npos);
+}
+
 TEST(Platform, SaysWhichBackEndIsMissing) {
     zel::FileDeviceOptions options;
     options.path = "x.pdf";
