@@ -37,7 +37,7 @@ BOOL CDC::DeleteDC() {
 }
 
 int CDC::GetDeviceCaps(int index) const {
-    return ::GetDeviceCaps(m_hAttribDC, index);
+    return ::GetDeviceCaps(Asked(), index);
 }
 void CDC::Flush() {
     zel::FlushContext(m_hDC);
@@ -278,25 +278,25 @@ BOOL CDC::ExtTextOut(int x, int y, UINT options, const RECT* rect, const char* t
         Device().FillRect(State(), *rect, {BS_SOLID, Attributes().backgroundColor, 0}, PATCOPY);
     }
     if (!rect || !(options & ETO_CLIPPED)) return TextOut(x, y, text, length);
-    const int level = SaveDC();
+    SaveDC();
     IntersectClipRect(rect);
     const BOOL done = TextOut(x, y, text, length);
-    RestoreDC(level);
+    RestoreDC(-1);  // the attribute context counts its own levels
     return done;
 }
 
 CSize CDC::GetTextExtent(const char* text, int length) const {
-    return ::GetTextExtent(m_hAttribDC, {text, static_cast<std::size_t>(std::max(length, 0))});
+    return ::GetTextExtent(Asked(), {text, static_cast<std::size_t>(std::max(length, 0))});
 }
 CSize CDC::GetOutputTextExtent(const char* text, int length) const {
     return ::GetTextExtent(m_hDC, {text, static_cast<std::size_t>(std::max(length, 0))});
 }
 std::vector<int> CDC::GetPrefixExtents(std::string_view text, std::span<const std::size_t> ends) const {
-    return ::GetPrefixExtents(m_hAttribDC, text, ends);
+    return ::GetPrefixExtents(Asked(), text, ends);
 }
 
 BOOL CDC::GetTextMetrics(TEXTMETRIC* metrics) const {
-    *metrics = ::GetTextMetrics(m_hAttribDC);
+    *metrics = ::GetTextMetrics(Asked());
     return TRUE;
 }
 

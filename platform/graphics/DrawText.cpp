@@ -92,6 +92,7 @@ class Formatter {
             std::size_t next = cut;
             while (next < text.size() && text[next] == ' ') ++next;
             text.remove_prefix(next);
+            if (text.empty()) return;  // blanks at the end add no line
         }
         lines.push_back(Measured(text));
     }
@@ -118,13 +119,20 @@ int HorizontalOffset(UINT format, int room, int width) {
     return 0;
 }
 
+// Text hangs down on the device: the step from one line to the next is against the y axis where that points
+// upwards.
+int DownwardsOn(const CDC& dc) {
+    const bool flipped = (dc.GetViewportExt().cy < 0) != (dc.GetWindowExt().cy < 0);
+    return flipped ? -1 : 1;
+}
+
 void Underline(CDC& dc, const Formatter& formatter, const FormattedLine& line, int x, int y) {
     const std::string_view text(line.text);
     auto end = static_cast<std::size_t>(line.underlined);
     const int left = x + formatter.Width(text.substr(0, end));
     zel::NextCodePoint(text, end);
     const int right = x + formatter.Width(text.substr(0, end));
-    const int below = y + formatter.Metrics().tmAscent + 1;
+    const int below = y + DownwardsOn(dc) * (formatter.Metrics().tmAscent + 1);
     CPen pen(PS_SOLID, 0, dc.GetTextColor());
     CPen* previous = dc.SelectObject(&pen);
     const CPoint position = dc.GetCurrentPosition();
@@ -148,33 +156,35 @@ int CDC::DrawText(const char* text, int length, RECT* rect, UINT format) {
     const CRect box(*rect);
     const std::vector<FormattedLine> lines = formatter.Lines(whole, box.Width());
     const int height = lineHeight * static_cast<int>(lines.size());
-    int top = box.top;
+    const int down = DownwardsOn(*this);
+    int offset = 0;  // of the text below the top of the box
     if (format & DT_SINGLELINE) {
-        if (format & DT_VCENTER) top = box.top + box.Height() / 2 - height / 2;
-        if (format & DT_BOTTOM) top = box.bottom - height;
+        const int room = down * box.Height();
+        if (format & DT_VCENTER) offset = room / 2 - height / 2;
+        if (format & DT_BOTTOM) offset = room - height;
     }
-    const int answer = top - box.top + height;
+    const int answer = offset + height;
     if (format & DT_CALCRECT) {
         int widest = 0;
         for (const FormattedLine& line : lines) widest = std::max(widest, line.width);
         rect->right = rect->left + widest;
-        rect->bottom = rect->top + answer;
+        rect->bottom = rect->top + down * answer;
         return answer;
     }
     const bool clips = !(format & DT_NOCLIP);
-    const int level = clips ? SaveDC() : 0;
+    if (clips) SaveDC();
     if (clips) IntersectClipRect(&box);
     const UINT align = SetTextAlign(TA_LEFT | TA_TOP);
-    int y = top;
+    int y = box.top + down * offset;
     for (const FormattedLine& line : lines) {
         const int x = box.left + HorizontalOffset(format, box.Width(), line.width);
-        formatter.ForEachPiece(line.text, [&](std::string_view piece, int offset) {
-            if (!piece.empty()) TextOut(x + offset, y, piece.data(), static_cast<int>(piece.size()));
+        formatter.ForEachPiece(line.text, [&](std::string_view piece, int along) {
+            if (!piece.empty()) TextOut(x + along, y, piece.data(), static_cast<int>(piece.size()));
         });
         if (line.underlined >= 0) Underline(*this, formatter, line, x, y);
-        y += lineHeight;
+        y += down * lineHeight;
     }
     SetTextAlign(align);
-    if (clips) RestoreDC(level);
+    if (clips) RestoreDC(-1);  // the attribute context counts its own levels
     return answer;
 }

@@ -31,7 +31,7 @@ class CDC : public CObject {
     BOOL Attach(HDC dc);
     HDC Detach();
     BOOL DeleteDC();
-    // The attribute context is borrowed.
+    // The attribute context is borrowed. Without one the output context answers the questions.
     void SetAttribDC(HDC dc) { m_hAttribDC = dc; }
     void ReleaseAttribDC() { m_hAttribDC = nullptr; }
     HDC GetSafeHdc() const { return m_hDC; }
@@ -153,7 +153,8 @@ class CDC : public CObject {
     BOOL m_bPrinting = FALSE;
 
   private:
-    const zel::GraphicsState& Attributes() const { return zel::StateOf(m_hAttribDC); }
+    HDC Asked() const { return m_hAttribDC ? m_hAttribDC : m_hDC; }
+    const zel::GraphicsState& Attributes() const { return zel::StateOf(Asked()); }
     const zel::GraphicsState& State() const { return zel::StateOf(m_hDC); }
     zel::GraphicsDevice& Device() { return zel::DeviceOf(m_hDC); }
     BOOL DrawArc(const RECT* rect, const POINT& start, const POINT& end, zel::ArcKind kind);

@@ -81,6 +81,44 @@ TEST_F(Text, AlignsInTheRectangle) {
     EXPECT_EQ(Written("a\tb", DT_EXPANDTABS), "20,20 \"a\"|84,20 \"b\"|");
 }
 
+TEST_F(Text, AddsNoLineForBlanksAtTheEnd) {
+    const std::string blanks = "Hello" + std::string(40, ' ');
+    EXPECT_EQ(Height(blanks.c_str(), DT_WORDBREAK), Height("Hello", DT_WORDBREAK));
+}
+
+// Text hangs down on the device whichever way the y axis points.
+TEST_F(Text, RunsDownwardsOnTheDevice) {
+    dc_.SetMapMode(MM_ANISOTROPIC);
+    dc_.SetViewportExt(1, -1);
+    const int line = dc_.GetTextExtent("x", 1).cy;
+    CRect box(20, -20, 120, -90);
+    device_.Clear();
+    EXPECT_EQ(dc_.DrawText("a\nb", 3, &box, 0), 2 * line);
+    EXPECT_NE(device_.Text().find("text 20,-20 \"a\""), std::string::npos) << device_.Text();
+    EXPECT_NE(device_.Text().find("text 20,-37 \"b\""), std::string::npos) << device_.Text();
+    device_.Clear();
+    dc_.DrawText("a", 1, &box, DT_SINGLELINE | DT_BOTTOM);
+    EXPECT_NE(device_.Text().find("text 20,-73 \"a\""), std::string::npos) << device_.Text();
+    dc_.DrawText("a\nb", 3, &box, DT_CALCRECT);
+    EXPECT_EQ(box, CRect(20, -20, 29, -20 - 2 * line));
+}
+
+TEST_F(Text, LeavesTheAttributeContextAsItWas) {
+    zel::RecordingDevice output;
+    CDC dc(output);
+    dc_.SaveDC();  // the attribute context is deeper in its levels than the output
+    dc_.SetTextColor(RGB(1, 2, 3));
+    dc.SetAttribDC(dc_.m_hDC);
+    CRect box(20, 20, 120, 90);
+    dc.DrawText("a", 1, &box, 0);
+    dc.ExtTextOut(1, 1, ETO_CLIPPED, &box, "a", 1);
+    EXPECT_EQ(dc_.GetTextColor(), RGB(1, 2, 3));
+    EXPECT_TRUE(dc_.RestoreDC(1));
+    dc.ReleaseAttribDC();
+    EXPECT_EQ(dc.GetTextColor(), RGB(0, 0, 0)) << "the output context answers for itself";
+    EXPECT_GT(dc.GetTextExtent("a", 1).cx, 0);
+}
+
 TEST_F(Text, MovesTheCurrentPosition) {
     dc_.SetTextAlign(TA_UPDATECP);
     dc_.MoveTo(5, 7);
