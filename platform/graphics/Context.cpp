@@ -193,6 +193,13 @@ FixedScale ScaleOfMode(int mode) {
     }
 }
 
+// A recorder has no resolution of its own: its metric modes are reckoned on a common screen.
+int UnitsPerInch(HDC dc, int index) {
+    constexpr int kCommonScreen = 96;
+    const int units = dc->device->Caps(index);
+    return units > 0 ? units : kCommonScreen;
+}
+
 // Shrinks one viewport extent so that units are square.
 void MakeSquare(zel::CoordinateMap& map, double unitsPerInchX, double unitsPerInchY) {
     const double x =
@@ -216,7 +223,7 @@ CSize SetExtent(HDC dc, CSize zel::CoordinateMap::*which, CSize extent) {
     const CSize previous = map.*which;
     if (!IsFree(map.mode)) return previous;
     map.*which = extent;
-    if (map.mode == MM_ISOTROPIC) MakeSquare(map, dc->device->Caps(LOGPIXELSX), dc->device->Caps(LOGPIXELSY));
+    if (map.mode == MM_ISOTROPIC) MakeSquare(map, UnitsPerInch(dc, LOGPIXELSX), UnitsPerInch(dc, LOGPIXELSY));
     return previous;
 }
 
@@ -228,8 +235,8 @@ int SetMapMode(HDC dc, int mode) {
     const int previous = map.mode;
     map.mode = mode;
     const FixedScale scale = ScaleOfMode(mode);
-    const int dpiX = dc->device->Caps(LOGPIXELSX);
-    const int dpiY = dc->device->Caps(LOGPIXELSY);
+    const int dpiX = UnitsPerInch(dc, LOGPIXELSX);
+    const int dpiY = UnitsPerInch(dc, LOGPIXELSY);
     if (mode == MM_TEXT) {
         map.windowExtent = map.viewportExtent = CSize(1, 1);
     } else if (scale.units > 0 || (mode == MM_ISOTROPIC && previous != MM_ISOTROPIC)) {

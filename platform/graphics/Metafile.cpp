@@ -14,12 +14,12 @@ HDC CreateMetaFile(const char* fileName) {
 
 HMETAFILE CloseMetaFile(HDC dc) {
     if (!dc) return nullptr;
+    auto* recorder = dynamic_cast<zel::MetafileDevice*>(&zel::DeviceOf(dc));
+    if (!recorder) return nullptr;
     struct Ending {
         HDC dc;
         ~Ending() { DeleteDC(dc); }
     } const ending{dc};
-    auto* recorder = dynamic_cast<zel::MetafileDevice*>(&zel::DeviceOf(dc));
-    if (!recorder) return nullptr;
     auto metafile = std::make_unique<ZelMetafileHandle>();
     metafile->bytes = recorder->Finish();
     if (!recorder->FileName().empty()) {

@@ -31,6 +31,7 @@ enum Function : WORD {
     META_CREATEBRUSHINDIRECT = 0x02FC,
     META_POLYGON = 0x0324,
     META_POLYLINE = 0x0325,
+    META_EXCLUDECLIPRECT = 0x0415,
     META_INTERSECTCLIPRECT = 0x0416,
     META_ELLIPSE = 0x0418,
     META_RECTANGLE = 0x041B,
@@ -98,6 +99,10 @@ void AppendBytes(std::vector<WORD>& words, const std::string& bytes) {
     }
 }
 
+bool IsFree(int mode) {
+    return mode == MM_ISOTROPIC || mode == MM_ANISOTROPIC;
+}
+
 bool Same(const CoordinateMap& a, const CoordinateMap& b) {
     return a.mode == b.mode && a.windowOrigin == b.windowOrigin && a.windowExtent == b.windowExtent &&
            a.viewportOrigin == b.viewportOrigin && a.viewportExtent == b.viewportExtent;
@@ -136,18 +141,39 @@ std::vector<std::uint8_t> MetafileDevice::Finish() {
 void MetafileDevice::WriteMap(const CoordinateMap& map) {
     Written& w = written_;
     if (Same(map, w.map)) return;
+    const bool entersFreeMode = map.mode != w.map.mode && IsFree(map.mode);
     if (map.mode != w.map.mode) Record(META_SETMAPMODE, {Word(map.mode)});
-    if (map.mode == MM_ISOTROPIC || map.mode == MM_ANISOTROPIC) {
+    if (entersFreeMode || !(map.windowOrigin == w.map.windowOrigin)) {
         Record(META_SETWINDOWORG, {Word(map.windowOrigin.y), Word(map.windowOrigin.x)});
+    }
+    if (entersFreeMode || (IsFree(map.mode) && !(map.windowExtent == w.map.windowExtent))) {
         Record(META_SETWINDOWEXT, {Word(map.windowExtent.cy), Word(map.windowExtent.cx)});
     }
-    // A viewport places the picture on the player's device, which is the player's affair: it is left out
-    // where it says no more than the window does.
-    if (!map.IsIdentity() && !(map.viewportExtent == CSize(1, 1))) {
-        Record(META_SETVIEWPORTORG, {Word(map.viewportOrigin.y), Word(map.viewportOrigin.x)});
-        Record(META_SETVIEWPORTEXT, {Word(map.viewportExtent.cy), Word(map.viewportExtent.cx)});
-    }
+    WriteViewport(map);
     w.map = map;
+}
+
+// A viewport places the picture on the player's device, which is the player's affair: it is left out where it
+// says no more than the window does, unless an earlier one has to be undone.
+void MetafileDevice::WriteViewport(const CoordinateMap& map) {
+    Written& w = written_;
+    const bool isFree = IsFree(map.mode);
+    if (isFree && !w.placed && map.IsIdentity()) return;
+    const bool extends = isFree && (w.placed ? !(map.viewportExtent == w.viewportExtent)
+                                             : !(map.viewportExtent == CSize(1, 1)));
+    if (!(map.viewportOrigin == w.viewportOrigin) || (extends && !w.placed)) {
+        Record(META_SETVIEWPORTORG, {Word(map.viewportOrigin.y), Word(map.viewportOrigin.x)});
+        w.viewportOrigin = map.viewportOrigin;
+    }
+    if (extends) {
+        Record(META_SETVIEWPORTEXT, {Word(map.viewportExtent.cy), Word(map.viewportExtent.cx)});
+        w.viewportExtent = map.viewportExtent;
+        w.placed = true;
+    } else if (!isFree && map.mode != MM_TEXT) {
+        // A metric mode gives the player an extent of its own, which a free mode then has to replace.
+        w.viewportExtent = CSize();
+        w.placed = true;
+    }
 }
 
 // A clip is bracketed by saving and restoring the context; all settings are then what they were before it.
@@ -162,8 +188,15 @@ void MetafileDevice::WriteClip(const GraphicsState& state) {
     WriteMap(state.map);
     beforeClip_ = written_;
     Record(META_SAVEDC, {});
-    const CRect box = state.map.ToLogical(clip_->Box());
-    Record(META_INTERSECTCLIPRECT, {Word(box.bottom), Word(box.right), Word(box.top), Word(box.left)});
+    WriteClipRect(META_INTERSECTCLIPRECT, state.map, clip_->Box());
+    // What the box has more than the clip is cut away piece by piece: readers disagree about region objects.
+    const Region more = Region::Combine(Region(clip_->Box()), *clip_, RGN_DIFF);
+    for (const CRect& rect : more.Rects()) WriteClipRect(META_EXCLUDECLIPRECT, state.map, rect);
+}
+
+void MetafileDevice::WriteClipRect(WORD function, const CoordinateMap& map, const CRect& deviceRect) {
+    const CRect rect = map.ToLogical(deviceRect);
+    Record(function, {Word(rect.bottom), Word(rect.right), Word(rect.top), Word(rect.left)});
 }
 
 void MetafileDevice::WriteCommon(const GraphicsState& state) {
@@ -186,19 +219,24 @@ void MetafileDevice::WriteColor(WORD function, COLORREF& written, COLORREF wante
 void MetafileDevice::WriteStroke(const GraphicsState& state) {
     WriteCommon(state);
     WriteMode(META_SETROP2, written_.rasterMode, state.rasterMode);
-    if (state.pen.lopnStyle != PS_SOLID && state.pen.lopnStyle != PS_NULL) {
-        WriteMode(META_SETBKMODE, written_.backgroundMode, state.backgroundMode);
-        WriteColor(META_SETBKCOLOR, written_.backgroundColor, state.backgroundColor);
-    }
+    if (state.pen.lopnStyle != PS_SOLID && state.pen.lopnStyle != PS_NULL) WriteBackground(state);
     SelectPen(state.pen);
 }
 
 void MetafileDevice::WriteShape(const GraphicsState& state) {
     WriteStroke(state);
-    SelectBrush(state.brush);
-    if (state.brush.lbStyle != BS_HATCHED) return;
+    UseBrush(state, state.brush);
+}
+
+// What shows between the strokes of dashed pens and hatched brushes.
+void MetafileDevice::WriteBackground(const GraphicsState& state) {
     WriteMode(META_SETBKMODE, written_.backgroundMode, state.backgroundMode);
     WriteColor(META_SETBKCOLOR, written_.backgroundColor, state.backgroundColor);
+}
+
+void MetafileDevice::UseBrush(const GraphicsState& state, const LOGBRUSH& brush) {
+    SelectBrush(brush);
+    if (brush.lbStyle == BS_HATCHED) WriteBackground(state);
 }
 
 // Objects
@@ -318,7 +356,7 @@ void MetafileDevice::FillRect(const GraphicsState& state, const CRect& rect, con
     box.NormalizeRect();
     if (box.IsRectEmpty()) return;
     WriteCommon(state);
-    if (operation == PATCOPY || operation == PATINVERT) SelectBrush(brush);
+    if (operation == PATCOPY || operation == PATINVERT) UseBrush(state, brush);
     Record(META_PATBLT, {Low(operation), High(operation), Word(box.Height()), Word(box.Width()),
                          Word(box.top), Word(box.left)});
 }

@@ -46,6 +46,9 @@ class MetafileDevice : public GraphicsDevice {
     // What the player's context has after the records so far; the defaults of a fresh context at first.
     struct Written {
         CoordinateMap map;
+        CPoint viewportOrigin;
+        CSize viewportExtent;  // where `placed`
+        bool placed = false;   // the player's viewport extent is no more its own
         int selected[KINDS] = {-1, -1, -1};
         int rasterMode = R2_COPYPEN;
         int polygonFillMode = ALTERNATE;
@@ -57,12 +60,16 @@ class MetafileDevice : public GraphicsDevice {
 
     void Record(WORD function, const Words& parameters);
     void WriteMap(const CoordinateMap& map);
+    void WriteViewport(const CoordinateMap& map);
     void WriteClip(const GraphicsState& state);
+    void WriteClipRect(WORD function, const CoordinateMap& map, const CRect& deviceRect);
     void WriteCommon(const GraphicsState& state);
     void WriteMode(WORD function, int& written, int wanted);
     void WriteColor(WORD function, COLORREF& written, COLORREF wanted);
     void WriteStroke(const GraphicsState& state);
     void WriteShape(const GraphicsState& state);
+    void WriteBackground(const GraphicsState& state);
+    void UseBrush(const GraphicsState& state, const LOGBRUSH& brush);
     void Select(ObjectKind kind, const Words& definition);
     void SelectPen(const LOGPEN& pen);
     void SelectBrush(const LOGBRUSH& brush);

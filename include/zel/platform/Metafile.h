@@ -12,7 +12,7 @@
 // 16 bits.
 HDC CreateMetaFile(const char* fileName);
 // Ends the recording and the context. The file is written now, whole or not at all; throws CFileException*.
-// Null when `dc` is no recorder.
+// Null when `dc` is no recorder; it then stays as it is.
 HMETAFILE CloseMetaFile(HDC dc);
 // Releases the handle; a file stays.
 BOOL DeleteMetaFile(HMETAFILE metafile);

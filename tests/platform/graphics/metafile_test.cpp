@@ -99,6 +99,82 @@ TEST(Metafile, BracketsClips) {
     EXPECT_EQ(records[1].words, (std::vector<std::int16_t>{40, 30, 2, 1}));
 }
 
+// The records whose function is one of `wanted`.
+std::vector<Record> Only(std::vector<Record> records, std::initializer_list<WORD> wanted) {
+    std::erase_if(records, [&](const Record& r) {
+        return std::find(wanted.begin(), wanted.end(), r.function) == wanted.end();
+    });
+    return records;
+}
+
+constexpr std::initializer_list<WORD> kMapping = {0x0103, 0x020B, 0x020C, 0x020D, 0x020E};
+
+TEST(Metafile, RecordsTheMappingOfEveryMode) {
+    const auto shifted = Only(RecordsOf(Recorded([](CDC& dc) {
+                                  dc.SetWindowOrg(100, 50);
+                                  dc.Rectangle(100, 50, 200, 150);
+                                  dc.SetWindowOrg(0, 0);
+                                  dc.Rectangle(0, 0, 10, 10);
+                              })),
+                              kMapping);
+    EXPECT_THAT(shifted, testing::ElementsAre(Record{0x020B, {50, 100}}, Record{0x020B, {0, 0}}));
+    const auto metric = Only(RecordsOf(Recorded([](CDC& dc) {
+                                 dc.SetMapMode(MM_LOMETRIC);
+                                 dc.Rectangle(0, 0, 100, -100);
+                             })),
+                             kMapping);
+    EXPECT_THAT(metric, testing::ElementsAre(Record{0x0103, {2}})) << "the mode says it all";
+    const auto zoomed = Only(RecordsOf(Recorded([](CDC& dc) {
+                                 dc.SetMapMode(MM_ANISOTROPIC);
+                                 dc.SetWindowExt(100, 100);
+                                 dc.SetViewportExt(200, 200);
+                                 dc.Rectangle(0, 0, 10, 10);
+                                 dc.SetViewportExt(100, 100);
+                                 dc.Rectangle(0, 0, 10, 10);
+                             })),
+                             {0x020E});
+    EXPECT_THAT(zoomed, testing::ElementsAre(Record{0x020E, {200, 200}}, Record{0x020E, {100, 100}}));
+}
+
+TEST(Metafile, KeepsTheShapeOfAClip) {
+    const auto records = Only(RecordsOf(Recorded([](CDC& dc) {
+                                  dc.SetMapMode(MM_LOMETRIC);
+                                  dc.IntersectClipRect(0, 0, 1000, -1000);
+                                  dc.ExcludeClipRect(200, -200, 400, -400);
+                                  dc.Rectangle(0, 0, 1000, -1000);
+                              })),
+                              {0x0416, 0x0415});
+    ASSERT_EQ(records.size(), 2U);
+    const auto near = [](std::int16_t a, std::int16_t b) { return std::abs(a - b) <= 3; };  // a device unit
+    EXPECT_EQ(records[0].function, 0x0416);
+    EXPECT_THAT(records[0].words,
+                testing::Pointwise(testing::Truly([&](const auto& p) { return near(get<0>(p), get<1>(p)); }),
+                                   std::vector<std::int16_t>{-1000, 1000, 0, 0}));
+    EXPECT_EQ(records[1].function, 0x0415);
+    EXPECT_THAT(records[1].words,
+                testing::Pointwise(testing::Truly([&](const auto& p) { return near(get<0>(p), get<1>(p)); }),
+                                   std::vector<std::int16_t>{-400, 400, -200, 200}));
+}
+
+TEST(Metafile, GivesHatchedFillsTheirGround) {
+    const auto records = Only(RecordsOf(Recorded([](CDC& dc) {
+                                  CBrush hatch(HS_CROSS, RGB(1, 2, 3));
+                                  dc.SetBkMode(TRANSPARENT);
+                                  const CRect box(0, 0, 10, 10);
+                                  dc.FillRect(&box, &hatch);
+                              })),
+                              {0x0102});
+    EXPECT_THAT(records, testing::ElementsAre(Record{0x0102, {TRANSPARENT}}));
+}
+
+TEST(Metafile, ClosesOnlyRecorders) {
+    zel::RecordingDevice device;
+    CDC dc(device);
+    EXPECT_EQ(CloseMetaFile(dc.m_hDC), nullptr);
+    dc.Rectangle(1, 2, 3, 4);
+    EXPECT_THAT(device.Text(), testing::HasSubstr("rectangle 1,2 3,4")) << "the context lives on";
+}
+
 TEST(Metafile, ReplacesObjectsWhenThereAreVeryMany) {
     const auto records = RecordsOf(Recorded([](CDC& dc) {
         for (int i = 0; i < 500; ++i) {
