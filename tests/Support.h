@@ -3,11 +3,13 @@
 
 #include <zel/platform/Exception.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <string>
+#include <sys/resource.h>
 
 namespace zel::test {
 
@@ -28,6 +30,26 @@ class TemporaryFolder {
 
   private:
     std::filesystem::path path_;
+};
+
+// No file of this process grows beyond so many bytes: a disk that fills up while a file is written.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit small{bytes, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~FullDisk() {
+        setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit before_{};
+    void (*handler_)(int);
 };
 
 inline std::string Content(const std::string& path) {

@@ -7,6 +7,7 @@
 
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QThreadStorage>
 
 #include <cmath>
 #include <map>
@@ -109,17 +110,35 @@ QFont Face::WithFallback(int pixels) const {
     return font;
 }
 
-Face& FaceOf(const LOGFONT& font) {
+namespace {
+
+// The faces that a thread has used.
+class FaceCache {
+  public:
+    Face& Get(const LOGFONT& font) {
+        Key key(font.lfFaceName, font.lfWeight >= 600, font.lfItalic != 0);
+        if (last_ && key == lastKey_) return *last_;
+        last_ = &faces_.try_emplace(key, font).first->second;
+        lastKey_ = std::move(key);
+        return *last_;
+    }
+
+  private:
     using Key = std::tuple<std::string, bool, bool>;
-    thread_local std::map<Key, Face> faces;
-    thread_local const Face* last = nullptr;
-    thread_local Key lastKey;
-    Key key(font.lfFaceName, font.lfWeight >= 600, font.lfItalic != 0);
-    if (last && key == lastKey) return *const_cast<Face*>(last);
-    Face& face = faces.try_emplace(key, font).first->second;
-    last = &face;
-    lastKey = std::move(key);
-    return face;
+
+    std::map<Key, Face> faces_;
+    Face* last_ = nullptr;
+    Key lastKey_;
+};
+
+}  // namespace
+
+// Qt's storage of a thread, not the language's: the main thread's must go with the application object, after
+// which Qt has no fonts.
+Face& FaceOf(const LOGFONT& font) {
+    static QThreadStorage<FaceCache*> caches;
+    if (!caches.hasLocalData()) caches.setLocalData(new FaceCache);
+    return caches.localData()->Get(font);
 }
 
 double EmHeight(const GraphicsState& state) {

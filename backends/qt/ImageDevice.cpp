@@ -1,6 +1,8 @@
 #include "backends/qt/Application.h"
+#include "backends/qt/FileSink.h"
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
+#include "backends/qt/PenStyle.h"
 #include "backends/qt/PolygonClip.h"
 #include "backends/qt/Stroker.h"
 
@@ -82,58 +84,58 @@ QPainter::CompositionMode CompositionOf(int rasterMode) {
     }
 }
 
-// Painted and bare lengths in pixels.
-QList<qreal> DashesOf(UINT style) {
-    switch (style) {
-        case PS_DASH:
-            return {18, 6};
-        case PS_DOT:
-            return {3, 3};
-        case PS_DASHDOT:
-            return {9, 6, 3, 6};
-        case PS_DASHDOTDOT:
-            return {9, 3, 3, 3, 3, 3};
-        default:
-            return {};
-    }
-}
-
-// Cuts a long line into segments, at most two for each run of points in one column of pixels: one that comes
-// from the run before, and one between the run's lowest and highest point. What is left out lies between
-// those two.
-template <class Draw>
+// Draws a long line as what can be seen of it. Consecutive points in one column of pixels are a run. A run
+// that goes one way is a segment, so that dense smooth curves keep their slant; one that turns back is an
+// upright bar from its lowest to its highest point. Runs are joined by segments, but for bars side by side
+// that touch already. Only a run's first, last, lowest and highest points matter: leaving out the others
+// changes no pixel.
 class ColumnThinner {
   public:
-    explicit ColumnThinner(Draw draw) : draw_(draw) {}
-    ~ColumnThinner() { Finish(); }
-    ColumnThinner(const ColumnThinner&) = delete;
-    ColumnThinner& operator=(const ColumnThinner&) = delete;
+    ColumnThinner(Stroker& stroker, double halfWidth) : stroker_(stroker), half_(halfWidth) {}
 
-    void Add(const CPoint& p) {
+    void Draw(std::span<const CPoint> points) {
         static_assert(kSub == 1 << 4);
-        const LONG column = p.x >> 4;
-        if (column != column_ || !any_) {
-            Finish();
-            if (any_) draw_(last_, p);
-            low_ = high_ = p;
-            column_ = column;
-            any_ = true;
-        } else if (p.y < low_.y) {
-            low_ = p;
-        } else if (p.y > high_.y) {
-            high_ = p;
+        std::size_t i = 0;
+        while (i < points.size()) {
+            const CPoint first = points[i];
+            const LONG column = first.x >> 4;
+            LONG low = first.y, high = first.y;
+            for (++i; i < points.size() && points[i].x >> 4 == column; ++i) {
+                low = std::min(low, points[i].y);
+                high = std::max(high, points[i].y);
+            }
+            Finish({first, points[i - 1], low, high, column, false});
         }
-        last_ = p;
     }
 
   private:
-    void Finish() {
-        if (any_ && !(low_ == high_)) draw_(low_, high_);
+    struct Run {
+        CPoint first, last;
+        LONG low, high, column;
+        bool bar;
+    };
+
+    void Finish(Run run) {
+        run.bar = run.low < std::min(run.first.y, run.last.y) || run.high > std::max(run.first.y, run.last.y);
+        if (any_ && !Touch(last_, run)) Segment(last_.last, run.first);
+        if (run.bar) {
+            stroker_.AddBar(run.column, CentreOf(run.low), CentreOf(run.high), half_);
+        } else if (!(run.first == run.last)) {
+            Segment(run.first, run.last);
+        }
+        last_ = run;
+        any_ = true;
+    }
+    static bool Touch(const Run& a, const Run& b) {
+        return a.bar && b.bar && std::abs(a.column - b.column) == 1 && a.low <= b.high && b.low <= a.high;
+    }
+    void Segment(const CPoint& a, const CPoint& b) {
+        stroker_.Add({CentreOf(a.x), CentreOf(a.y)}, {CentreOf(b.x), CentreOf(b.y)}, half_);
     }
 
-    Draw draw_;
-    CPoint low_, high_, last_;
-    LONG column_ = 0;
+    Stroker& stroker_;
+    double half_;
+    Run last_{};
     bool any_ = false;
 };
 
@@ -199,13 +201,7 @@ class ImageDevice::Impl {
     }
 
     void DrawSmooth(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
-        const double half = penWidth / 2;
-        {
-            ColumnThinner thinner([&](const CPoint& a, const CPoint& b) {
-                stroker.Add({CentreOf(a.x), CentreOf(a.y)}, {CentreOf(b.x), CentreOf(b.y)}, half);
-            });
-            for (std::size_t i = 0; i < count; ++i) thinner.Add(points[i]);
-        }
+        ColumnThinner(stroker, penWidth / 2).Draw({points, count});
         stroker.Blend({pixels.data(), width, height}, color, clips);
     }
 
@@ -240,8 +236,8 @@ class ImageDevice::Impl {
         const double wide = PenWidth(state);
         QPen pen(ColorOf(state.pen.lopnColor), wide, Qt::SolidLine, wide > 1 ? Qt::RoundCap : Qt::FlatCap,
                  Qt::RoundJoin);
-        const QList<qreal> dashes = DashesOf(state.pen.lopnStyle);
-        if (!dashes.isEmpty() && wide <= 1) pen.setDashPattern(dashes);
+        const auto dashes = DashesOf(state, wide, 1);
+        if (!dashes.empty()) pen.setDashPattern(QList<qreal>(dashes.begin(), dashes.end()));
         QPolygonF line;
         for (std::size_t i = 0; i < count; ++i) {
             const QPointF at(PixelOf(points[i].x) + 0.5, PixelOf(points[i].y) + 0.5);
@@ -372,9 +368,16 @@ void ImageDevice::Save(const char* path, const char* format, int quality) const 
     image.setDotsPerMeterY(dotsPerMetre);
     if (jpeg) image = image.convertToFormat(QImage::Format_RGB32);
     SafeFile file(path);
-    QImageWriter writer(QString::fromStdString(file.TemporaryPath()), jpeg ? "JPG" : "PNG");
+    FileSink sink(file);
+    QImageWriter writer(&sink, jpeg ? "JPG" : "PNG");
     writer.setQuality(jpeg ? quality : 60);
-    if (!writer.write(image)) ThrowFileError("write", path, errno ? errno : EIO);
+    const bool encoded = writer.write(image);
+    sink.Check();
+    if (!encoded) {
+        AfxThrowNotSupportedException(("Cannot write the image \"" + std::string(path) +
+                                       "\": " + writer.errorString().toStdString() + ".")
+                                          .c_str());
+    }
     file.Commit();
 }
 

@@ -1,12 +1,13 @@
 #include "backends/qt/Application.h"
 #include "backends/qt/FileDevices.h"
+#include "backends/qt/FileSink.h"
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
+#include "backends/qt/PenStyle.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
 
-#include <QFile>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPainterPath>
@@ -19,8 +20,9 @@ namespace zel::qt {
 namespace {
 
 constexpr int kResolution = kPdfUnitsPerInch;
-constexpr double kHairline = 0.18 / 72 * kResolution;     // a line of width 0: the thinnest that prints well
-constexpr double kHatchSpacing = 8.0 / 96 * kResolution;  // the platform's 8 pixels on a screen
+constexpr double kHairline = 0.18 / 72 * kResolution;  // a line of width 0: the thinnest that prints well
+constexpr double kPixel = kResolution / 96.0;          // of a screen
+constexpr double kHatchSpacing = 8 * kPixel;
 constexpr double kFarOutside = 1e7;
 
 // Pages of a PDF file. Everything is drawn as vectors and text; raster operations do not exist on paper.
@@ -30,20 +32,21 @@ class PdfDevice : public MeasuringDevice {
         : options_(options),
           caps_(CapsOf(options, DT_RASPRINTER, kResolution)),
           file_(options.path),
-          writer_(QString::fromStdString(file_.TemporaryPath())) {
+          sink_(file_),
+          writer_(&sink_) {
         writer_.setResolution(kResolution);
         const QPageSize size(QSizeF(options.width, options.height), QPageSize::Inch, QString(),
                              QPageSize::ExactMatch);
         writer_.setPageLayout(QPageLayout(size, QPageLayout::Portrait, QMarginsF(0, 0, 0, 0)));
         writer_.setTitle(QString::fromStdString(options.title));
         writer_.setCreator("Zel");
-        if (!painter_.begin(&writer_)) ThrowFileError("write", options_.path.c_str(), errno ? errno : EIO);
+        Check(painter_.begin(&writer_));
         painter_.setRenderHint(QPainter::LosslessImageRendering);
         FillPage();
     }
 
     void NewPage() override {
-        if (!writer_.newPage()) ThrowFileError("write", options_.path.c_str(), errno ? errno : EIO);
+        Check(writer_.newPage());
         penSet_ = false;
         clipSet_ = false;
         painter_.setClipping(false);
@@ -51,15 +54,14 @@ class PdfDevice : public MeasuringDevice {
     }
 
     void Finish() override {
-        if (!painter_.end()) ThrowFileError("write", options_.path.c_str(), errno ? errno : EIO);
-        CheckWritten();
+        Check(painter_.end());
         file_.Commit();
     }
 
     int Caps(int index) const override { return caps_.Answer(index); }
 
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
-        if (count < 2 || state.pen.lopnStyle == PS_NULL || state.rasterMode == R2_NOP) return;
+        if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
         UseClip(state);
         UsePen(state);
         line_.clear();
@@ -70,6 +72,7 @@ class PdfDevice : public MeasuringDevice {
 
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                   std::span<const int> counts) override {
+        if (PaintsNothing(state)) return;
         UseClip(state);
         QPainterPath path;
         path.setFillRule(state.polygonFillMode == WINDING ? Qt::WindingFill : Qt::OddEvenFill);
@@ -93,6 +96,7 @@ class PdfDevice : public MeasuringDevice {
         box.NormalizeRect();
         GraphicsState how = state;
         how.pen.lopnStyle = PS_NULL;
+        how.rasterMode = R2_COPYPEN;
         how.brush = operation == WHITENESS   ? LOGBRUSH{BS_SOLID, RGB(255, 255, 255), 0}
                     : operation == BLACKNESS ? LOGBRUSH{BS_SOLID, RGB(0, 0, 0), 0}
                                              : brush;
@@ -102,6 +106,7 @@ class PdfDevice : public MeasuringDevice {
     }
 
     void Ellipse(const GraphicsState& state, const CRect& rect) override {
+        if (PaintsNothing(state)) return;
         UseClip(state);
         CRect box = state.map.ToDevice(rect);
         box.NormalizeRect();
@@ -128,12 +133,10 @@ class PdfDevice : public MeasuringDevice {
         painter_.fillRect(QRectF(0, 0, caps_.units.cx, caps_.units.cy), ColorOf(options_.background));
     }
 
-    // The writer itself does not say when the disk is full.
-    void CheckWritten() {
-        QFile written(QString::fromStdString(file_.TemporaryPath()));
-        const bool whole = written.open(QIODevice::ReadOnly) && written.size() > 32 &&
-                           written.seek(written.size() - 32) && written.readAll().contains("%%EOF");
-        if (!whole) ThrowFileError("write", options_.path.c_str(), ENOSPC);
+    // The writer itself may not say that the disk is full.
+    void Check(bool written) {
+        sink_.Check();
+        if (!written) ThrowFileError("write", options_.path.c_str(), EIO);
     }
 
     void UseClip(const GraphicsState& state) {
@@ -152,24 +155,26 @@ class PdfDevice : public MeasuringDevice {
     }
 
     void UsePen(const GraphicsState& state) {
-        const double width = state.pen.lopnWidth.x == 0
-                                 ? kHairline
-                                 : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
-        if (penSet_ && width == width_ && state.pen.lopnColor == color_ && state.pen.lopnStyle == style_)
-            return;
+        const double width = PenWidthOf(state, kHairline);
+        const COLORREF color = InkOf(state, state.pen.lopnColor);
+        if (penSet_ && width == width_ && color == color_ && state.pen.lopnStyle == style_) return;
         width_ = width;
-        color_ = state.pen.lopnColor;
+        color_ = color;
         style_ = state.pen.lopnStyle;
         penSet_ = true;
-        static constexpr Qt::PenStyle kStyles[] = {Qt::SolidLine,   Qt::DashLine,       Qt::DotLine,
-                                                   Qt::DashDotLine, Qt::DashDotDotLine, Qt::NoPen,
-                                                   Qt::SolidLine};
-        painter_.setPen(
-            QPen(ColorOf(color_), width, kStyles[std::min<UINT>(style_, 6)], Qt::RoundCap, Qt::RoundJoin));
+        QPen pen(ColorOf(color_), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+        QList<qreal> pattern;  // in widths of the pen
+        for (const double length : DashesOf(state, width, kPixel)) pattern.append(length * kPixel / width);
+        if (!pattern.isEmpty()) {
+            pen.setDashPattern(pattern);
+            pen.setCapStyle(Qt::FlatCap);
+        }
+        painter_.setPen(pen);
     }
 
     void Paint(const GraphicsState& state, const QPainterPath& path) {
-        if (state.brush.lbStyle == BS_SOLID) painter_.fillPath(path, ColorOf(state.brush.lbColor));
+        if (state.brush.lbStyle == BS_SOLID)
+            painter_.fillPath(path, ColorOf(InkOf(state, state.brush.lbColor)));
         if (state.brush.lbStyle == BS_HATCHED) DrawHatch(state, path);
         if (state.pen.lopnStyle == PS_NULL) return;
         UsePen(state);
@@ -189,6 +194,7 @@ class PdfDevice : public MeasuringDevice {
     FileDeviceOptions options_;
     SurfaceCaps caps_;
     SafeFile file_;
+    FileSink sink_;
     QPdfWriter writer_;
     QPainter painter_;
     QPolygonF line_;

@@ -1,6 +1,7 @@
 #include "backends/qt/Stroker.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -36,7 +37,8 @@ Stroker::Stroker(int width, int height)
       height_(height),
       stride_((width + 2 * kWord - 1) / kWord * kWord),
       mask_(static_cast<std::size_t>(stride_) * static_cast<std::size_t>(height)),
-      rows_(static_cast<std::size_t>(height), RowSpan{width, -1}),
+      usedStride_((stride_ / kWord + kBits - 1) / kBits),
+      used_(static_cast<std::size_t>(usedStride_) * static_cast<std::size_t>(height)),
       top_(height),
       bottom_(-1) {}
 
@@ -116,6 +118,35 @@ struct Segment {
 
 }  // namespace
 
+// The coverage is that of any segment: constant beside the bar, round about its ends.
+void Stroker::AddBar(int column, double low, double high, double halfWidth) {
+    const double reach = halfWidth + 0.5;
+    const int side = static_cast<int>(std::ceil(reach)) - 1;
+    const int left = std::max(column - side, 0), right = std::min(column + side, width_ - 1);
+    const int first = std::max(static_cast<int>(std::floor(low - reach)), 0);
+    const int last = std::min(static_cast<int>(std::floor(high + reach)), height_ - 1);
+    if (left > right || first > last) return;
+    const int firstBeside = std::clamp(static_cast<int>(std::ceil(low - 0.5)), first, last + 1);
+    const int lastBeside = std::clamp(static_cast<int>(std::floor(high - 0.5)), firstBeside - 1, last);
+    for (int x = left; x <= right; ++x) {
+        const double across = std::abs(x - column);
+        std::uint8_t* const top = mask_.data() + x;
+        const auto raise = [&](int y, double distance) {
+            std::uint8_t& byte = top[static_cast<std::ptrdiff_t>(y) * stride_];
+            byte =
+                std::max(byte, static_cast<std::uint8_t>(std::clamp(reach - distance, 0.0, 1.0) * 255 + 0.5));
+        };
+        for (int y = first; y < firstBeside; ++y) raise(y, std::hypot(across, low - (y + 0.5)));
+        const auto beside = static_cast<std::uint8_t>(std::min(reach - across, 1.0) * 255 + 0.5);
+        std::uint8_t* at = top + static_cast<std::ptrdiff_t>(firstBeside) * stride_;
+        for (int y = firstBeside; y <= lastBeside; ++y, at += stride_) *at = std::max(*at, beside);
+        for (int y = lastBeside + 1; y <= last; ++y) raise(y, std::hypot(across, y + 0.5 - high));
+    }
+    for (int y = first; y <= last; ++y) Touch(y, left, right);
+    top_ = std::min(top_, first);
+    bottom_ = std::max(bottom_, last);
+}
+
 // Walks along the longer axis (y when steep). "Major" is along it, "minor" across.
 template <bool kSteep>
 void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
@@ -188,34 +219,47 @@ std::uint32_t Mix(std::uint32_t a, std::uint32_t b, std::uint32_t alpha) {
 
 }  // namespace
 
-// Eight pixels of the mask are looked at in one word: between the strands of a curve most words are empty.
+// Only what holds coverage is looked at, eight pixels at once: between the strands of a curve there is none.
 void Stroker::BlendRow(const PixelBuffer& target, std::uint32_t color, int y, int begin, int end) {
+    if (begin >= end) return;
     const std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
     std::uint32_t* pixels = target.pixels + static_cast<std::ptrdiff_t>(y) * width_;
-    for (int word = begin & ~(kWord - 1); word < end; word += kWord) {
-        std::uint64_t eight = 0;
-        std::memcpy(&eight, mask + word, kWord);
-        if (eight == 0) continue;
-        const int last = std::min(word + kWord, end);
-        for (int x = std::max(word, begin); x < last; ++x) {
-            const std::uint32_t alpha = mask[x];
-            if (alpha != 0) pixels[x] = alpha == 255 ? color : Mix(color, pixels[x], alpha);
+    const std::uint64_t* used = Used(y);
+    const int firstWord = begin / kWord, lastWord = (end - 1) / kWord;
+    for (int block = firstWord / kBits; block <= lastWord / kBits; ++block) {
+        for (std::uint64_t bits = used[block]; bits != 0; bits &= bits - 1) {
+            const int x0 = (block * kBits + std::countr_zero(bits)) * kWord;
+            std::uint64_t eight = 0;
+            std::memcpy(&eight, mask + x0, kWord);
+            if constexpr (std::endian::native == std::endian::big) eight = __builtin_bswap64(eight);
+            if (x0 < begin) eight &= x0 + kWord > begin ? ~std::uint64_t{0} << 8 * (begin - x0) : 0;
+            if (x0 + kWord > end) eight &= x0 < end ? ~std::uint64_t{0} >> 8 * (x0 + kWord - end) : 0;
+            while (eight != 0) {
+                const int byte = std::countr_zero(eight) / 8;
+                const auto alpha = static_cast<std::uint32_t>(eight >> 8 * byte & 0xFF);
+                std::uint32_t& pixel = pixels[x0 + byte];
+                pixel = alpha == 255 ? color : Mix(color, pixel, alpha);
+                eight &= ~(std::uint64_t{0xFF} << 8 * byte);
+            }
         }
+    }
+}
+
+void Stroker::ClearRow(int y) {
+    std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
+    std::uint64_t* used = Used(y);
+    for (int block = 0; block < usedStride_; ++block) {
+        for (; used[block] != 0; used[block] &= used[block] - 1)
+            std::memset(mask + (block * kBits + std::countr_zero(used[block])) * kWord, 0, kWord);
     }
 }
 
 void Stroker::Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips) {
     for (int y = std::max(top_, 0); y <= std::min(bottom_, height_ - 1); ++y) {
-        RowSpan& span = rows_[static_cast<std::size_t>(y)];
-        if (span.first > span.last) continue;
         for (const CRect& clip : clips) {
-            if (y < clip.top || y >= clip.bottom) continue;
-            BlendRow(target, color, y, std::max<int>(span.first, clip.left),
-                     std::min<int>(span.last + 1, clip.right));
+            if (y >= clip.top && y < clip.bottom) BlendRow(target, color, y, clip.left, clip.right);
         }
-        std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
-        std::memset(mask + span.first, 0, static_cast<std::size_t>(span.last + 1 - span.first));
-        span = {width_, -1};
+        ClearRow(y);
     }
     top_ = height_;
     bottom_ = -1;

@@ -30,6 +30,8 @@ class Stroker {
 
     // Adds one segment, in pixels; whatever lies outside the buffer costs nothing.
     void Add(PointF a, PointF b, double halfWidth);
+    // Adds an upright bar along the middle of a column, its axis from `low` down to `high`.
+    void AddBar(int column, double low, double high, double halfWidth);
     // Blends the mask into the buffer within `clips` (pixels), and clears it.
     void Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips);
 
@@ -37,24 +39,24 @@ class Stroker {
     template <bool kSteep>
     void AddAlong(PointF a, PointF b, double halfWidth);
     void BlendRow(const PixelBuffer& target, std::uint32_t color, int y, int begin, int end);
+    void ClearRow(int y);
+    // Notes that the columns `first` to `last` of a row hold coverage.
     void Touch(int row, int first, int last) {
-        RowSpan& span = rows_[static_cast<std::size_t>(row)];
-        if (first < span.first) span.first = first;
-        if (last > span.last) span.last = last;
+        std::uint64_t* used = Used(row);
+        for (int word = first / kWord; word <= last / kWord; ++word)
+            used[word / kBits] |= std::uint64_t{1} << word % kBits;
     }
+    std::uint64_t* Used(int row) { return used_.data() + static_cast<std::ptrdiff_t>(row) * usedStride_; }
 
-    struct RowSpan {
-        int first;
-        int last;
-    };
-
+    static constexpr int kBits = 64;
     static constexpr int kWord = 8;
 
     int width_;
     int height_;
     int stride_;  // bytes of a row of the mask: whole words, with room behind the last pixel
     std::vector<std::uint8_t> mask_;
-    std::vector<RowSpan> rows_;  // the touched columns of each row; none when first > last
+    int usedStride_;
+    std::vector<std::uint64_t> used_;  // a bit for each word of the mask that holds coverage, row by row
     int top_;
     int bottom_;  // rows top_ to bottom_ are touched
 };

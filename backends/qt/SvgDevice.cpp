@@ -1,12 +1,13 @@
 #include "backends/qt/Application.h"
 #include "backends/qt/FileDevices.h"
+#include "backends/qt/FileSink.h"
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
+#include "backends/qt/PenStyle.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
 
-#include <QBuffer>
 #include <QXmlStreamWriter>
 
 #include <cmath>
@@ -16,8 +17,9 @@ namespace zel::qt {
 namespace {
 
 constexpr int kResolution = kSvgUnitsPerInch;
-constexpr double kHairline = 0.5 / 96 * kResolution;
-constexpr double kHatchSpacing = 8.0 / 96 * kResolution;
+constexpr double kPixel = kResolution / 96.0;  // of a screen
+constexpr double kHairline = 0.5 * kPixel;
+constexpr double kHatchSpacing = 8 * kPixel;
 
 QString Number(double value) {
     return QString::number(std::round(value * 100) / 100, 'g', 12);
@@ -31,9 +33,11 @@ QString HexColor(COLORREF color) {
 class SvgDevice : public MeasuringDevice {
   public:
     explicit SvgDevice(const FileDeviceOptions& options)
-        : options_(options), caps_(CapsOf(options, DT_RASDISPLAY, kResolution)), file_(options.path) {
-        buffer_.open(QIODevice::WriteOnly);
-        xml_.setDevice(&buffer_);
+        : options_(options),
+          caps_(CapsOf(options, DT_RASDISPLAY, kResolution)),
+          file_(options.path),
+          sink_(file_),
+          xml_(&sink_) {
         xml_.setAutoFormatting(true);
         xml_.setAutoFormattingIndent(1);
         xml_.writeStartDocument();
@@ -62,15 +66,14 @@ class SvgDevice : public MeasuringDevice {
     void Finish() override {
         EndClip();
         xml_.writeEndDocument();
-        buffer_.close();
-        file_.Write(buffer_.data().constData(), static_cast<std::size_t>(buffer_.data().size()));
+        sink_.Check();
         file_.Commit();
     }
 
     int Caps(int index) const override { return caps_.Answer(index); }
 
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
-        if (count < 2 || state.pen.lopnStyle == PS_NULL || state.rasterMode == R2_NOP) return;
+        if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
         UseClip(state);
         xml_.writeEmptyElement("polyline");
         xml_.writeAttribute("points", PointsText(state, {points, count}));
@@ -80,6 +83,7 @@ class SvgDevice : public MeasuringDevice {
 
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                   std::span<const int> counts) override {
+        if (PaintsNothing(state)) return;
         UseClip(state);
         QString path;
         std::size_t begin = 0;
@@ -87,7 +91,7 @@ class SvgDevice : public MeasuringDevice {
             path += "M" + PointsText(state, points.subspan(begin, static_cast<std::size_t>(count))) + "z";
             begin += static_cast<std::size_t>(count);
         }
-        const QString fill = FillOf(state, state.brush);
+        const QString fill = InkFillOf(state);
         xml_.writeEmptyElement("path");
         xml_.writeAttribute("d", path);
         if (state.polygonFillMode != WINDING) xml_.writeAttribute("fill-rule", "evenodd");
@@ -110,10 +114,11 @@ class SvgDevice : public MeasuringDevice {
     }
 
     void Ellipse(const GraphicsState& state, const CRect& rect) override {
+        if (PaintsNothing(state)) return;
         UseClip(state);
         CRect box = state.map.ToDevice(rect);
         box.NormalizeRect();
-        const QString fill = FillOf(state, state.brush);
+        const QString fill = InkFillOf(state);
         xml_.writeEmptyElement("ellipse");
         xml_.writeAttribute("cx", Number(box.left + (box.Width() - 1) / 2.0));
         xml_.writeAttribute("cy", Number(box.top + (box.Height() - 1) / 2.0));
@@ -164,20 +169,25 @@ class SvgDevice : public MeasuringDevice {
     }
 
     void WriteStroke(const GraphicsState& state) {
-        const double width = state.pen.lopnWidth.x == 0
-                                 ? kHairline
-                                 : std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX());
-        xml_.writeAttribute("stroke", HexColor(state.pen.lopnColor));
+        const double width = PenWidthOf(state, kHairline);
+        xml_.writeAttribute("stroke", HexColor(InkOf(state, state.pen.lopnColor)));
         xml_.writeAttribute("stroke-width", Number(width));
-        static constexpr const char* kDashes[] = {nullptr, "18 6", "3 3", "9 6 3 6", "9 3 3 3 3 3"};
-        if (state.pen.lopnStyle >= PS_DASH && state.pen.lopnStyle <= PS_DASHDOTDOT) {
-            xml_.writeAttribute("stroke-dasharray", kDashes[state.pen.lopnStyle]);
-        }
+        QStringList dashes;
+        for (const double length : DashesOf(state, width, kPixel)) dashes << Number(length * kPixel);
+        if (dashes.isEmpty()) return;
+        xml_.writeAttribute("stroke-dasharray", dashes.join(' '));
+        xml_.writeAttribute("stroke-linecap", "butt");
     }
 
     void WriteShape(const GraphicsState& state, const QString& fill) {
         xml_.writeAttribute("fill", fill);
         if (state.pen.lopnStyle != PS_NULL) WriteStroke(state);
+    }
+
+    QString InkFillOf(const GraphicsState& state) {
+        LOGBRUSH brush = state.brush;
+        brush.lbColor = InkOf(state, brush.lbColor);
+        return FillOf(state, brush);
     }
 
     QString FillOf(const GraphicsState& state, const LOGBRUSH& brush) {
@@ -267,7 +277,7 @@ class SvgDevice : public MeasuringDevice {
     FileDeviceOptions options_;
     SurfaceCaps caps_;
     SafeFile file_;
-    QBuffer buffer_;
+    FileSink sink_;
     QXmlStreamWriter xml_;
     std::shared_ptr<const Region> clip_;
     int lastId_ = 0;

@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace {
 
@@ -97,6 +98,41 @@ TEST_F(Image, ThinsDenseCurvesToTheirExtremes) {
     EXPECT_NEAR(ink.bottom, 71, 1);
     for (int x = 1; x < 49; ++x) {
         for (int y = 11; y < 70; ++y) EXPECT_LT(GetRValue(At(x, y)), 128) << x << "," << y;
+    }
+}
+
+// What a host thins to the first, lowest, highest and last point of each column of pixels looks as if it had
+// not, to the last pixel.
+TEST_F(Image, DrawsThinnedCurvesAsWhole) {
+    std::mt19937 random(3);
+    std::normal_distribution<double> step(0, 9);
+    for (const int perColumn : {3, 8, 40}) {
+        std::vector<CPoint> whole, thin;
+        double y = 40.0 * kSub;
+        for (int column = 0; column < 100; ++column) {
+            std::vector<CPoint> run;
+            for (int i = 0; i < perColumn; ++i)
+                run.emplace_back(column * kSub + i * kSub / perColumn, static_cast<int>(y += step(random)));
+            const auto lower = [](const CPoint& a, const CPoint& b) { return a.y < b.y; };
+            auto low = std::min_element(run.begin(), run.end(), lower);
+            auto high = std::max_element(run.begin(), run.end(), lower);
+            if (high < low) std::swap(low, high);
+            whole.insert(whole.end(), run.begin(), run.end());
+            thin.insert(thin.end(), {run.front(), *low, *high, run.back()});
+        }
+        for (const int width : {0, 4 * kSub}) {
+            CPen pen(PS_SOLID, width, RGB(30, 60, 90));
+            CPen* previous = dc_.SelectObject(&pen);
+            std::vector<std::uint32_t> pictures[2];
+            for (const auto* line : {&whole, &thin}) {
+                device_.Clear(RGB(255, 255, 255));
+                dc_.Polyline(line->data(), static_cast<int>(line->size()));
+                dc_.Flush();
+                pictures[line == &thin].assign(device_.Pixels(), device_.Pixels() + 100 * 80);
+            }
+            dc_.SelectObject(previous);
+            EXPECT_EQ(pictures[0], pictures[1]) << perColumn << " points a column, width " << width;
+        }
     }
 }
 

@@ -23,6 +23,10 @@ class Canvas {
         for (std::size_t i = 1; i < line.size(); ++i) stroker_.Add(line[i - 1], line[i], half);
         stroker_.Blend({pixels_.data(), kSize, kSize}, kBlack, {clip});
     }
+    void DrawBar(int column, double low, double high, double half) {
+        stroker_.AddBar(column, low, high, half);
+        stroker_.Blend({pixels_.data(), kSize, kSize}, kBlack, {CRect(0, 0, kSize, kSize)});
+    }
     int Ink(int x, int y) const {
         return 255 - static_cast<int>(pixels_[static_cast<std::size_t>(y * kSize + x)] & 0xFF);
     }
@@ -49,6 +53,25 @@ TEST(Stroker, CoversWhatThePlainComputationCovers) {
                 }
                 ASSERT_NEAR(canvas.Ink(x, y), std::clamp(width + 0.5 - nearest, 0.0, 1.0) * 255, 2)
                     << "round " << round << " at " << x << "," << y;
+            }
+        }
+    }
+}
+
+TEST(Stroker, DrawsABarAsTheSegmentAlongItsAxis) {
+    std::mt19937 random(5);
+    std::uniform_real_distribution<double> place(-10, kSize + 10);
+    for (const double half : {0.5, 0.75, 1.0, 3.2}) {
+        for (int round = 0; round < 30; ++round) {
+            const int column = static_cast<int>(place(random));
+            double low = place(random), high = place(random);
+            if (low > high) std::swap(low, high);
+            Canvas bar, segment;
+            bar.DrawBar(column, low, high, half);
+            segment.Draw({{column + 0.5, low}, {column + 0.5, high}}, half);
+            for (int y = 0; y < kSize; ++y) {
+                for (int x = 0; x < kSize; ++x)
+                    ASSERT_NEAR(bar.Ink(x, y), segment.Ink(x, y), 1) << half << " at " << x << "," << y;
             }
         }
     }

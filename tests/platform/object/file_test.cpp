@@ -69,16 +69,11 @@ TEST(SafeFile, KeepsTheOldFileWhenTheDiskIsFull) {
     const TemporaryFolder folder;
     const std::string path = folder / "drawing";
     WriteOld(path);
-    // A limit on file sizes stands in for a disk that fills up while the file is written.
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit small{100'000, before.rlim_max};
-    setrlimit(RLIMIT_FSIZE, &small);
-    const std::string message =
-        MessageOf<CFileException>([&] { Replace(path, std::string(1'000'000, 'x')); });
-    setrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, handler);
+    std::string message;
+    {
+        const zel::test::FullDisk full(100'000);
+        message = MessageOf<CFileException>([&] { Replace(path, std::string(1'000'000, 'x')); });
+    }
     EXPECT_THAT(message, testing::HasSubstr(path));
     EXPECT_EQ(Content(path), "old");
     EXPECT_EQ(folder.FileCount(), 1U);
