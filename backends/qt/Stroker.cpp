@@ -118,6 +118,14 @@ struct Segment {
 
 }  // namespace
 
+namespace {
+
+std::uint8_t ByteOf(double coverage) {
+    return static_cast<std::uint8_t>(std::lrint(std::clamp(coverage, 0.0, 1.0) * 255));
+}
+
+}  // namespace
+
 // The coverage is that of any segment: constant beside the bar, round about its ends.
 void Stroker::AddBar(int column, double low, double high, double halfWidth) {
     const double reach = halfWidth + 0.5;
@@ -134,10 +142,10 @@ void Stroker::AddBar(int column, double low, double high, double halfWidth) {
         const auto raise = [&](int y, double distance) {
             std::uint8_t& byte = top[static_cast<std::ptrdiff_t>(y) * stride_];
             byte =
-                std::max(byte, static_cast<std::uint8_t>(std::clamp(reach - distance, 0.0, 1.0) * 255 + 0.5));
+                std::max(byte, ByteOf(reach - distance));
         };
         for (int y = first; y < firstBeside; ++y) raise(y, std::hypot(across, low - (y + 0.5)));
-        const auto beside = static_cast<std::uint8_t>(std::min(reach - across, 1.0) * 255 + 0.5);
+        const auto beside = ByteOf(reach - across);
         std::uint8_t* at = top + static_cast<std::ptrdiff_t>(firstBeside) * stride_;
         for (int y = firstBeside; y <= lastBeside; ++y, at += stride_) *at = std::max(*at, beside);
         for (int y = lastBeside + 1; y <= last; ++y) raise(y, std::hypot(across, y + 0.5 - high));
