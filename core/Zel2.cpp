@@ -153,6 +153,18 @@ int Zel2::IsClass(int) {
 const WorldFrame* Zel2::Frame() {
     return nullptr;
 }
+const WorldFrame* Zel2::EnclosingFrame() const {
+    for (Zel2* ancestor = parent_; ancestor; ancestor = ancestor->parent_) {
+        if (const WorldFrame* frame = ancestor->Frame()) return frame;
+    }
+    return nullptr;
+}
+std::vector<std::unique_ptr<Zel2>> Zel2::SplitPages(const PageRoom&) {
+    return {};
+}
+int Zel2::BeginningHeight() {
+    return Size().cy;
+}
 int Zel2::PrintedHeight() {
     return Size().cy;
 }

@@ -46,7 +46,7 @@ int Zel2Set::Add(Zel2* child) {
 
 Zel2* Zel2Set::Del(int i) {
     if (i < 0 || i >= static_cast<int>(children_.GetSize())) return nullptr;
-    Zel2* child = ChildAt(i);
+    Zel2* child = SlotAt(i);
     children_.SetAt(i, nullptr);
     return child;
 }
@@ -54,11 +54,16 @@ Zel2* Zel2Set::Del(int i) {
 void Zel2Set::Del(Zel2* child) {
     if (!child) return;
     for (int i = 0; i < static_cast<int>(children_.GetSize()); ++i) {
-        if (ChildAt(i) == child) {
+        if (SlotAt(i) == child) {
             delete Del(i);
             return;
         }
     }
+}
+
+void Zel2Set::SetChild(int i, Zel2* child) {
+    children_.SetAt(i, child);
+    if (child) child->SetParent(this);
 }
 
 void Zel2Set::DetachChildren() {
@@ -67,7 +72,7 @@ void Zel2Set::DetachChildren() {
 }
 
 Zel2* Zel2Set::operator[](int i) {
-    return ChildAt(i);
+    return SlotAt(i);
 }
 
 void Zel2Set::OpenOn(CDC* dc, int scale) {
@@ -110,7 +115,7 @@ unsigned int Zel2Set::nCpt() {
 
 CPoint Zel2Set::Cpt(int i) {
     for (int k = 0; k < GetCount(); ++k) {
-        Zel2* child = ChildAt(k);
+        Zel2* child = SlotAt(k);
         if (!child) continue;
         const int own = static_cast<int>(child->nCpt());
         if (i < own) return child->Cpt(i);
@@ -129,7 +134,7 @@ void Zel2Set::OnPrint(CDC* dc, CPrintInfo* info) {
 }
 
 int Zel2Set::ChildrenPerPage(CDC* dc) {
-    Zel2* first = GetCount() > 0 ? ChildAt(0) : nullptr;
+    Zel2* first = GetCount() > 0 ? SlotAt(0) : nullptr;
     if (!first) AfxThrowInvalidArgException();
     const int height = first->PrintedHeight();
     // The printable height in thousandths of an inch, negative because y points up, and one inch kept free.
@@ -144,7 +149,7 @@ void Zel2Set::OnPrintGraph(CDC* dc, CPrintInfo* info) {
     const std::int64_t begin = std::max<std::int64_t>((page - 1) * perPage, 0);
     const std::int64_t end = std::min<std::int64_t>(page * perPage, GetCount());
     for (std::int64_t i = begin; i < end; ++i) {
-        if (Zel2* child = ChildAt(static_cast<int>(i))) child->OnPrint(dc, info);
+        if (Zel2* child = SlotAt(static_cast<int>(i))) child->OnPrint(dc, info);
     }
 }
 
@@ -167,7 +172,7 @@ void Zel2Set::SelectAt(const CRect& r, Zel2Selection* sel) {
 MouseAction Zel2Set::OnMouse(const MouseStatus& ms) {
     MouseAction answer;
     for (int i = GetCount() - 1; i >= 0; --i) {
-        Zel2* child = ChildAt(i);
+        Zel2* child = SlotAt(i);
         if (!child) continue;
         answer = child->OnMouse(ms);
         if (answer.object) break;
@@ -180,7 +185,7 @@ void Zel2Set::Serialize(CArchive& ar) {
     if (ar.IsStoring()) {
         ar << static_cast<LONG>(GetCount());
         for (int i = 0; i < GetCount(); ++i) {
-            Zel2* child = ChildAt(i);
+            Zel2* child = SlotAt(i);
             ar << static_cast<BYTE>(child ? 1 : 0);
             if (child) ar.WriteObject(child);
         }

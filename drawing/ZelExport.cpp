@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdio>
+#include <memory>
 #include <utility>
 
 namespace zel {
@@ -123,34 +125,110 @@ bool SetPaper(ExportOptions& options, const std::string& name, bool landscape) {
     return false;
 }
 
-void Export(Zel2Main& drawing, const char* path, const ExportOptions& options) {
-    const DetachedDrawing detached(drawing);
-    const CSize size = SizeOf(drawing);
-    if (size.cx <= 0 || size.cy <= 0) {
-        AfxThrowInvalidArgException(
-            ("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
+namespace {
+
+// One file that a drawing, or its pages one after another, is drawn into.
+class Output {
+  public:
+    Output(Zel2Main& drawing, const char* path, const ExportOptions& options)
+        : drawing_(drawing), printerTools_(options.printerTools) {
+        const CSize size = SizeOf(drawing);
+        if (size.cx <= 0 || size.cy <= 0) {
+            AfxThrowInvalidArgException(
+                ("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
+        }
+        FileDeviceOptions device;
+        device.path = path;
+        device.format = FormatOf(path);
+        placement_ = PlaceOn(device, options, size.cx / kUnitsPerInch, size.cy / kUnitsPerInch);
+        device.dotsPerInch = options.pixelWidth > 0 ? options.pixelWidth / device.width : options.dotsPerInch;
+        device.opaqueBackground = !options.transparent;
+        device.background = options.background;
+        device.quality = options.quality;
+        device.title = options.title;
+        natural_ = Platform::Get().UnitsPerInch(device);
+        if (placement_.scale != 1) device.unitsPerInch = natural_ * placement_.scale;
+        device_ = Platform::Get().CreateFileDevice(device);
     }
-    FileDeviceOptions device;
-    device.path = path;
-    device.format = FormatOf(path);
-    if (device.format == "wmf") {
-        drawing.SetRules(
-            ZelRules::EXACT);  // the metafile that other programs read, whatever the drawing's rules
+
+    void Draw() { DrawOn(drawing_, *device_, placement_, natural_, printerTools_); }
+    void NewPage() { device_->NewPage(); }
+    void Finish() { device_->Finish(); }
+
+  private:
+    Zel2Main& drawing_;
+    bool printerTools_;
+    Placement placement_;
+    double natural_ = 0;
+    std::unique_ptr<DocumentDevice> device_;
+};
+
+void WriteOne(Zel2Main& drawing, const char* path, const ExportOptions& options) {
+    if (FormatOf(path) == "wmf") {
+        // The metafile that other programs read, whatever the drawing's rules.
+        drawing.SetRules(ZelRules::EXACT);
         WritePlaceableMetafile(drawing, path);
         return;
     }
-    const double width = size.cx / kUnitsPerInch;
-    const Placement placement = PlaceOn(device, options, width, size.cy / kUnitsPerInch);
-    device.dotsPerInch = options.pixelWidth > 0 ? options.pixelWidth / device.width : options.dotsPerInch;
-    device.opaqueBackground = !options.transparent;
-    device.background = options.background;
-    device.quality = options.quality;
-    device.title = options.title;
-    const double natural = Platform::Get().UnitsPerInch(device);
-    if (placement.scale != 1) device.unitsPerInch = natural * placement.scale;
-    const auto output = Platform::Get().CreateFileDevice(device);
-    DrawOn(drawing, *output, placement, natural, options.printerTools);
-    output->Finish();
+    Output output(drawing, path, options);
+    output.Draw();
+    output.Finish();
+}
+
+// "report.png" with the number of a page, as many digits as the last page has.
+std::string NumberedPath(const std::string& path, int page, int pages) {
+    const std::size_t dot = path.rfind('.');
+    std::string number = std::to_string(page + 1);
+    number.insert(0, std::to_string(pages).size() - number.size(), '0');
+    return path.substr(0, dot) + "-" + number + path.substr(dot);
+}
+
+bool WritePdfPages(Zel2Main& drawing, int pages, const std::function<void(int)>& select, const char* path,
+                   const ExportOptions& options, const ExportProgress& progress) {
+    select(0);
+    Output output(drawing, path, options);
+    for (int page = 0; page < pages; ++page) {
+        if (page > 0) {
+            select(page);
+            output.NewPage();
+        }
+        output.Draw();
+        if (progress && !progress(page + 1, pages)) return false;
+    }
+    output.Finish();
+    return true;
+}
+
+bool WritePageFiles(Zel2Main& drawing, int pages, const std::function<void(int)>& select, const char* path,
+                    const ExportOptions& options, const ExportProgress& progress) {
+    std::vector<std::string> written;
+    for (int page = 0; page < pages; ++page) {
+        select(page);
+        written.push_back(NumberedPath(path, page, pages));
+        WriteOne(drawing, written.back().c_str(), options);
+        if (!progress || progress(page + 1, pages)) continue;
+        for (const std::string& file : written) std::remove(file.c_str());
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+void Export(Zel2Main& drawing, const char* path, const ExportOptions& options) {
+    const DetachedDrawing detached(drawing);
+    WriteOne(drawing, path, options);
+}
+
+bool ExportPages(Zel2Main& drawing, int pages, const std::function<void(int)>& select, const char* path,
+                 const ExportOptions& options, const ExportProgress& progress) {
+    if (pages < 1) {
+        AfxThrowInvalidArgException(
+            ("Cannot write \"" + std::string(path) + "\": the drawing has no pages.").c_str());
+    }
+    const DetachedDrawing detached(drawing);
+    return FormatOf(path) == "pdf" ? WritePdfPages(drawing, pages, select, path, options, progress)
+                                   : WritePageFiles(drawing, pages, select, path, options, progress);
 }
 
 }  // namespace zel

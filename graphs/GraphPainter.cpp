@@ -1,12 +1,13 @@
 #include "graphs/GraphPainter.h"
 
+#include "graphs/LabelAnchor.h"
+
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/platform/DC.h>
 
 #include <charconv>
-#include <cstdlib>
 
 namespace {
 
@@ -28,22 +29,6 @@ std::string PercentText(double value) {
     char text[400];  // the largest double has 309 digits
     const auto end = std::to_chars(std::begin(text), std::end(text), value, std::chars_format::fixed, 1).ptr;
     return std::string(text, end) + "%";
-}
-
-// `angle` brought into (-1800, 1800].
-int Normalized(int angle) {
-    const int turned = angle % 3600;
-    return turned > 1800 ? turned - 3600 : turned <= -1800 ? turned + 3600 : turned;
-}
-
-// Exact rules: a label below its tick ends there when it rises to the right and begins there when it falls;
-// steep text is centred on the tick, flat text hangs from it.
-unsigned FlagsBelow(int angle) {
-    const int turn = Normalized(angle);
-    const int steepness = std::abs(turn) <= 900 ? std::abs(turn) : 1800 - std::abs(turn);
-    const unsigned vertical = steepness >= 450 ? DT_VCENTER : std::abs(turn) > 900 ? DT_BOTTOM : DT_TOP;
-    if (turn == 0 || turn == 1800) return DT_CENTER | vertical;
-    return (turn > 0 ? DT_RIGHT : DT_LEFT) | vertical;
 }
 
 }  // namespace
@@ -195,7 +180,7 @@ unsigned GraphPainter::XLabelFlags() const {
             return DT_VCENTER;
         // The classic flags at other angles are the tick length's bits.
         default:
-            return g_.IsExact() ? FlagsBelow(g_.xLabelAngle_) : static_cast<unsigned>(xTick_);
+            return g_.IsExact() ? zel::AnchorBelow(g_.xLabelAngle_) : static_cast<unsigned>(xTick_);
     }
 }
 
@@ -223,7 +208,7 @@ GraphPainter::Anchor GraphPainter::YLabelAnchor() const {
     }
     // The classic labels at other angles keep the anchor that the x labels left.
     if (!g_.IsExact()) return {xFlags_, xFlags_};
-    return {std::abs(Normalized(g_.yLabelAngle_)) <= 900 ? DT_RIGHT : DT_LEFT, DT_VCENTER};
+    return {zel::AnchorBeside(g_.yLabelAngle_, true) & ~DT_VCENTER, DT_VCENTER};
 }
 
 bool GraphPainter::ShowsYLabels() const {

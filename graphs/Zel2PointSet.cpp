@@ -97,8 +97,7 @@ void Zel2PointSet::OnPrint(CDC*, CPrintInfo*) {
 }
 
 const WorldFrame* Zel2PointSet::GraphFrame() {
-    Zel2* graph = GetParentClass(CLASS_GRAPH);
-    return graph ? graph->Frame() : nullptr;
+    return EnclosingFrame();
 }
 
 void Zel2PointSet::AdjustXAxis(int n) {

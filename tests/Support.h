@@ -70,6 +70,17 @@ std::string MessageOf(Action action) {
     return {};
 }
 
+// All that was written on a recording device, without its places.
+inline std::string Letters(const std::string& recorded) {
+    std::string letters;
+    for (std::size_t at = recorded.find("text "); at != std::string::npos;
+         at = recorded.find("\ntext ", at + 1)) {
+        const std::size_t quote = recorded.find('"', at);
+        letters += recorded.substr(quote + 1, recorded.find('"', quote + 1) - quote - 1);
+    }
+    return letters;
+}
+
 // What a program prints, standard error included, and its exit code.
 struct Output {
     std::string text;

@@ -136,7 +136,7 @@ void DrawColor::PolyPolygon(CPoint* points, int n) {
 }
 
 void DrawColor::Polygon(Zel2* obj, double* x, double* y, int n) {
-    if (!Dc() || n <= 0 || !obj->GetParentClass(Zel2::CLASS_GRAPH)) return;
+    if (!Dc() || n <= 0 || !obj->EnclosingFrame()) return;
     std::vector<CPoint> points(static_cast<std::size_t>(n));
     for (std::size_t i = 0; i < points.size(); ++i) points[i] = obj->F2L(x[i], y[i]);
     Polygon(points.data(), n);

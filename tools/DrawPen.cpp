@@ -217,8 +217,7 @@ void DrawPen::MoveTo(Zel2* obj, double x, double y) {
 }
 
 void DrawPen::LineTo(Zel2* obj, double x, double y) {
-    Zel2* graph = obj->GetParentClass(Zel2::CLASS_GRAPH);
-    const WorldFrame* limits = graph ? graph->Frame() : nullptr;
+    const WorldFrame* limits = obj->EnclosingFrame();
     if (!limits) return;
     if (Dc()) {
         const Selected selected(*this, *Dc());

@@ -314,8 +314,7 @@ void DrawSymbol::PlotOn(Zel2* obj, CPoint pt) {
 }
 
 void DrawSymbol::PlotOn(Zel2* obj, double x, double y) {
-    Zel2* graph = obj->GetParentClass(Zel2::CLASS_GRAPH);
-    const WorldFrame* limits = graph ? graph->Frame() : nullptr;
+    const WorldFrame* limits = obj->EnclosingFrame();
     if (limits && limits->Contains(x, y)) PlotOn(obj, obj->F2L(x, y));
 }
 

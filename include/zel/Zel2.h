@@ -9,6 +9,9 @@
 #include <zel/platform/Geometry.h>
 #include <zel/platform/Object.h>
 
+#include <memory>
+#include <vector>
+
 class CDC;
 class CRgn;
 class CWnd;
@@ -41,9 +44,22 @@ class Zel2 : public CObject {
     DECLARE_SERIAL(Zel2)
   public:
     // Bits of the status word.
-    enum Status : DWORD { SELECTED = 0x1, PROPAGATE = 0x2, FOCUS = 0x4 };
+    enum Status : DWORD {
+        SELECTED = 0x1,
+        PROPAGATE = 0x2,
+        FOCUS = 0x4,
+        // In reports with exact rules: on one page with the beginning of the object after it; on a new page.
+        KEEP_WITH_NEXT = 0x100,
+        BREAK_BEFORE = 0x200
+    };
     // Codes of IsClass and GetParentClass.
     enum ClassCode { CLASS_CONTAINER = 1, CLASS_GRAPH = 4 };
+    // Heights, in world units, that are left on the page in hand and on each page after it.
+    struct PageRoom {
+        int first;
+        int rest;
+        bool empty;  // whether nothing stands on the page in hand
+    };
     // Codes of OnNotify.
     enum Notification : long { RESIZED = 1 };
 
@@ -158,6 +174,15 @@ class Zel2 : public CObject {
     virtual ZelRules Rules();
     // The world range that this object gives to what stands in it; null for all but graphs.
     virtual const WorldFrame* Frame();
+    // The nearest frame that an ancestor gives; null outside graphs.
+    const WorldFrame* EnclosingFrame() const;
+    // Breaks the object for pages: it keeps what fits into room.first, and the answer is what follows, each
+    // piece within room.rest. Nothing is answered, and the object left as it is, when it fits, when it cannot
+    // be broken, or when not even its beginning fits on a page that is not empty. On an empty page something
+    // is kept whatever its height.
+    virtual std::vector<std::unique_ptr<Zel2>> SplitPages(const PageRoom& room);
+    // The least height of a page that takes the beginning of the object.
+    virtual int BeginningHeight();
     // The height that the object takes on a printed page.
     virtual int PrintedHeight();
     // Whether EdgeAt is overridden; a class with edges answers true.

@@ -56,6 +56,10 @@ class Zel2Rect : public Zel2 {
     int RegisterPen(const char* name, int style, int width, unsigned long screen, unsigned long printer,
                     int* pattern) override;
 
+  protected:
+    // Without a word to the parent.
+    void StoreSize(const CSize& size) { size_ = size; }
+
   private:
     CRect WorldBox() const;
     void DrawShape(const CRect& box);

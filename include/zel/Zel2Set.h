@@ -67,17 +67,25 @@ class Zel2Set : public Zel2 {
     // Takes over the pointers of `other`, without touching their parent links.
     void ShareChildren(const Zel2Set& other) { children_.Copy(other.children_); }
     void DeleteChildren();
+    // The child in slot `i`, null for an empty slot or one out of range.
+    Zel2* ChildAt(int i) const {
+        return i >= 0 && i < static_cast<int>(children_.GetSize()) ? SlotAt(i) : nullptr;
+    }
+    // Puts `child` into an existing slot and makes the set its parent; what was there is let go of.
+    void SetChild(int i, Zel2* child);
+    // The number of slots; new ones are empty, children beyond it are let go of undeleted.
+    void ResizeSlots(int count) { children_.SetSize(count); }
 
     // Calls `visit(child)` for each child in index order; children added meanwhile are visited too.
     template <class Visit>
     void ForEachChild(Visit visit) {
         for (int i = 0; i < static_cast<int>(children_.GetSize()); ++i) {
-            if (Zel2* child = ChildAt(i)) visit(child);
+            if (Zel2* child = SlotAt(i)) visit(child);
         }
     }
 
   private:
-    Zel2* ChildAt(int i) const { return static_cast<Zel2*>(children_.GetAt(i)); }
+    Zel2* SlotAt(int i) const { return static_cast<Zel2*>(children_.GetAt(i)); }
     int ChildrenPerPage(CDC* dc);
 
     CObArray children_;

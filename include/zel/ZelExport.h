@@ -3,6 +3,7 @@
 
 #include <zel/Zel2Main.h>
 
+#include <functional>
 #include <string>
 
 namespace zel {
@@ -34,5 +35,16 @@ bool SetPaper(ExportOptions& options, const std::string& name, bool landscape);
 // Throws CFileException* when the file cannot be written, CNotSupportedException* for an ending that is not
 // known or a back end that is not installed, CInvalidArgException* for a drawing without a size.
 void Export(Zel2Main& drawing, const char* path, const ExportOptions& options = {});
+
+// Told after each page: how many of how many pages are written. An answer of false stops the export.
+using ExportProgress = std::function<bool(int done, int pages)>;
+
+// Writes a drawing of several pages: `select(k)` makes it show page `k`, from 0, and each page is drawn when
+// its turn comes. A PDF file holds them all and is there only when all are written. Other formats take one
+// file a page, the number put before the ending ("report-07.png"), each written whole. Answers false when
+// `progress` has asked to stop: the files written so far are removed then. Throws as Export does, and
+// CInvalidArgException* when there are no pages.
+bool ExportPages(Zel2Main& drawing, int pages, const std::function<void(int)>& select, const char* path,
+                 const ExportOptions& options = {}, const ExportProgress& progress = {});
 
 }  // namespace zel

@@ -1,0 +1,61 @@
+// Coordinate systems.
+#pragma once
+
+#include <zel/Zel2HAxis.h>
+#include <zel/Zel2Set.h>
+
+#include <memory>
+
+// A rectangle with a horizontal and a vertical axis of its own, which map world values to places in it, and
+// three sets of objects: the first two are drawn behind frame and axes (the second first), the third before
+// them. Lighter than a graph: no margins, nothing chosen automatically but the axes' labels. Several of them
+// make a stack (Zel2StackGraph).
+//
+// With classic rules the content is drawn by the axis ends of the draw before, and only objects that ask
+// their parent where a value lies find their places. With exact rules the axes are laid out first, the
+// content is clipped to the rectangle, point sets can stand in it as in a graph, the axes follow the size of
+// the rectangle, and ShowAxes has effect. World units; archives hold it as a rectangle.
+class Zel2CoordSys : public Zel2Rect {
+  public:
+    // Ranges of 0 to 100.
+    Zel2CoordSys();
+    // The ranges and types of both axes; `pen` frames and `color` fills the rectangle, -1 for none. The axes
+    // are as long as the distance of the corners, one unit less than the rectangle, which includes both.
+    Zel2CoordSys(double x0, double y0, double x1, double y1, const CRect& r, int xType, int yType, int pen,
+                 int color);
+    // The contents are not copied.
+    Zel2CoordSys(const Zel2CoordSys&) = delete;
+    Zel2CoordSys& operator=(const Zel2CoordSys&) = delete;
+    ~Zel2CoordSys() override;
+
+    Zel2HAxis* HAxis() { return &hAxis_; }
+    Zel2VAxis* VAxis() { return &vAxis_; }
+    void SetCoord(double x0, double y0, double x1, double y1);
+    void SetAxisType(int xType, int yType);
+    // The content sets 1 to 3 (owned here); null for another number.
+    Zel2Set* ContentSet(int number);
+    // Exact rules: whether the axes draw ticks, labels and titles of their own.
+    void ShowAxes(bool show) { showAxes_ = show; }
+
+    CPoint F2L(double x, double y) override;
+    // From the rectangle's own origin, in world units.
+    CPoint F2R(double x, double y) override;
+    // Sets the position and tells nobody.
+    void MoveTo(const CPoint& p) override;
+    using Zel2::MoveTo;
+    void OnDraw() override;
+    void OnResize() override;
+    void OpenOn(CDC* dc, int scale) override;
+    void Close() override;
+    const WorldFrame* Frame() override;
+
+  private:
+    void Adopt();
+    void DrawContent();
+
+    Zel2VAxis vAxis_;
+    Zel2HAxis hAxis_;
+    std::unique_ptr<Zel2Set> contents_[3];
+    bool showAxes_ = false;
+    WorldFrame frame_;
+};
