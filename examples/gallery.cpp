@@ -66,10 +66,24 @@ bool DrawExample(const Example& example, const std::string& data, const fs::path
     return equal;
 }
 
+// All pages in one file, and each as a small picture.
+void DrawReport(const std::string& data, const fs::path& out) {
+    Zel2Main drawing;
+    Zel2Report& report = MakeWeatherReport(drawing, data);
+    zel::ExportOptions options;
+    options.title = "Weather in Seattle";
+    Timed(out / "report.pdf", [&](const char* path) { zel::ExportReport(drawing, report, path, options); });
+    fs::create_directories(out / "report");
+    options.dotsPerInch = 50;
+    zel::ExportReport(drawing, report, (out / "report/page.png").c_str(), options);
+    std::printf("%d pages as pictures in %s\n", report.PageCount(), (out / "report").c_str());
+}
+
 int DrawGallery(const std::string& data, const fs::path& out) {
     fs::create_directories(out);
     int equal = 0;
     for (const Example& example : kExamples) equal += DrawExample(example, data, out) ? 1 : 0;
+    DrawReport(data, out);
     const int count = static_cast<int>(std::size(kExamples));
     std::printf("%d of %d drawings came back from their documents with the same picture.\n", equal, count);
     return equal == count ? 0 : 1;

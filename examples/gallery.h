@@ -15,4 +15,7 @@ std::unique_ptr<Zel2Main> MakeStyles(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeTexts(const std::string& folder);
 
 // A column of a CSV file; dates become decimal years.
+// A report of many pages in `drawing`, which owns it.
+Zel2Report& MakeWeatherReport(Zel2Main& drawing, const std::string& folder);
+
 std::vector<double> ReadColumn(const std::string& path, const std::string& name);

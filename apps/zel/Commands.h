@@ -10,6 +10,7 @@ namespace zel::cli {
 void AddPlotCommand(CLI::App& app);
 void AddConvertCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
+void AddReportCommand(CLI::App& app);
 
 // Options on how a file is written, shared by commands that write one.
 struct OutputChoice {

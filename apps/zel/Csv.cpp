@@ -17,16 +17,16 @@ constexpr double kNoValue = std::numeric_limits<double>::quiet_NaN();
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // Collects what the parser calls back with.
-struct Rows {
+struct ParsedRows {
     std::vector<std::vector<std::string>> rows{{}};
 };
 
 void OnField(void* text, std::size_t length, void* rows) {
-    static_cast<Rows*>(rows)->rows.back().emplace_back(static_cast<const char*>(text), length);
+    static_cast<ParsedRows*>(rows)->rows.back().emplace_back(static_cast<const char*>(text), length);
 }
 
 void OnRow(int, void* rows) {
-    static_cast<Rows*>(rows)->rows.emplace_back();
+    static_cast<ParsedRows*>(rows)->rows.emplace_back();
 }
 
 class Parser {
@@ -39,17 +39,17 @@ class Parser {
     Parser(const Parser&) = delete;
     Parser& operator=(const Parser&) = delete;
 
-    void Feed(std::string_view bytes, Rows& rows, const std::string& path) {
+    void Feed(std::string_view bytes, ParsedRows& rows, const std::string& path) {
         if (csv_parse(&parser_, bytes.data(), bytes.size(), OnField, OnRow, &rows) != bytes.size()) {
             Fail(rows, path);
         }
     }
-    void Finish(Rows& rows, const std::string& path) {
+    void Finish(ParsedRows& rows, const std::string& path) {
         if (csv_fini(&parser_, OnField, OnRow, &rows) != 0) Fail(rows, path);
     }
 
   private:
-    [[noreturn]] void Fail(const Rows& rows, const std::string& path) {
+    [[noreturn]] void Fail(const ParsedRows& rows, const std::string& path) {
         throw Error("Cannot read \"" + path + "\", row " + std::to_string(rows.rows.size()) + ": " +
                     csv_strerror(csv_error(&parser_)));
     }
@@ -112,7 +112,7 @@ double CellValue(const std::string& cell) {
 CsvTable CsvTable::Read(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file) throw Error("Cannot open \"" + path + "\": " + std::strerror(errno));
-    Rows rows;
+    ParsedRows rows;
     Parser parser;
     std::vector<char> block(1 << 16);
     bool first = true;

@@ -26,11 +26,13 @@ int main(int argc, char** argv) {
     app.footer(
         "Examples:\n"
         "  zel plot data.csv --x year --y temp -o out.pdf\n"
+        "  zel report data.csv --title Weather -o report.pdf\n"
         "  zel convert drawing.zel out.svg\n"
         "  zel info drawing.zel\n"
         "\"zel plot --help\" tells more. Exit codes: 0 done, 1 failed, others wrong usage.");
     zel::cli::AddPlotCommand(app);
     zel::cli::AddConvertCommand(app);
+    zel::cli::AddReportCommand(app);
     zel::cli::AddInfoCommand(app);
     zel::SetWarningHandler(
         [](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });

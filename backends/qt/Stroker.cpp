@@ -141,8 +141,7 @@ void Stroker::AddBar(int column, double low, double high, double halfWidth) {
         std::uint8_t* const top = mask_.data() + x;
         const auto raise = [&](int y, double distance) {
             std::uint8_t& byte = top[static_cast<std::ptrdiff_t>(y) * stride_];
-            byte =
-                std::max(byte, ByteOf(reach - distance));
+            byte = std::max(byte, ByteOf(reach - distance));
         };
         for (int y = first; y < firstBeside; ++y) raise(y, std::hypot(across, low - (y + 0.5)));
         const auto beside = ByteOf(reach - across);

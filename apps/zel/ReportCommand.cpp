@@ -1,0 +1,254 @@
+#include "apps/zel/Commands.h"
+#include "apps/zel/Csv.h"
+#include "apps/zel/Figure.h"
+#include "apps/zel/ReportParts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <csignal>
+#include <cstdio>
+#include <iostream>
+#include <numeric>
+#include <unistd.h>
+
+namespace zel::cli {
+namespace {
+
+constexpr double kUnitsPerMillimetre = 1000 / 25.4;
+constexpr double kFigureHeight = 75;  // millimetres
+constexpr std::size_t kMostFigures = 12;
+
+struct ReportChoice {
+    std::string input;
+    std::string x;
+    std::string title;
+    std::string paper = "A4";
+    bool landscape = false;
+    bool noFigures = false;
+    double dpi = 100;
+    std::string output;
+};
+
+volatile std::sig_atomic_t stopped = 0;
+
+std::string Shown(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.6g", value);
+    return text;
+}
+
+// What is known of one column.
+struct ColumnSummary {
+    std::string name;
+    bool isNumber = false;  // every cell that is not empty is one
+    std::vector<double> values;
+    std::size_t missing = 0;
+    double min = 0, max = 0, mean = 0;
+};
+
+bool IsPlainNumber(const std::string& cell) {
+    // Dates have values too, but are set as text.
+    return std::isfinite(CellValue(cell)) && cell.find_first_of("-/:", 1) == std::string::npos;
+}
+
+ColumnSummary Summarize(const CsvTable& table, std::size_t k) {
+    ColumnSummary summary;
+    summary.name = table.Names()[k];
+    double sum = 0;
+    std::size_t count = 0, plain = 0;
+    for (const auto& row : table.Rows()) {
+        const std::string cell = k < row.size() ? row[k] : "";
+        const double value = CellValue(cell);
+        summary.values.push_back(value);
+        if (cell.empty()) ++summary.missing;
+        if (!cell.empty() && IsPlainNumber(cell)) ++plain;
+        if (!std::isfinite(value)) continue;
+        summary.min = count == 0 ? value : std::min(summary.min, value);
+        summary.max = count == 0 ? value : std::max(summary.max, value);
+        sum += value;
+        ++count;
+    }
+    summary.mean = count > 0 ? sum / static_cast<double>(count) : 0;
+    // A number in exponent form may hold a minus sign within; most of a column decides.
+    summary.isNumber = plain > 0 && 2 * plain > table.RowCount() - summary.missing;
+    return summary;
+}
+
+class ReportMaker {
+  public:
+    ReportMaker(const CsvTable& table, const ReportChoice& choice) : table_(table), choice_(choice) {
+        for (std::size_t k = 0; k < table.Names().size(); ++k) columns_.push_back(Summarize(table, k));
+    }
+
+    // The report belongs to `drawing`.
+    Zel2Report& MakeIn(Zel2Main& drawing) {
+        drawing.SetRules(ZelRules::EXACT);
+        report_ = new Zel2Report;
+        drawing.Add(report_);
+        report_->SetPaper(Paper());
+        const ReportParts parts(*report_);
+        parts_ = std::make_unique<ReportParts>(parts);
+        AddHead();
+        AddSummary();
+        if (!choice_.noFigures) AddFigures();
+        AddRows();
+        report_->MakePages();
+        return *report_;
+    }
+
+  private:
+    ReportPaper Paper() const {
+        ExportOptions size;
+        if (!zel::SetPaper(size, choice_.paper, choice_.landscape)) {
+            throw Error("Cannot use the paper \"" + choice_.paper +
+                        "\"; known are A2, A3, A4, A5, letter and legal");
+        }
+        ReportPaper paper;
+        paper.size = CSize(static_cast<int>(std::lround(size.paperWidth * kUnitsPerMillimetre)),
+                           static_cast<int>(std::lround(size.paperHeight * kUnitsPerMillimetre)));
+        paper.header.right = Title().c_str();
+        paper.footer.left = FileName().c_str();
+        paper.footer.right = "page {page} of {pages}";
+        return paper;
+    }
+    std::string FileName() const {
+        const std::size_t slash = choice_.input.rfind('/');
+        return slash == std::string::npos ? choice_.input : choice_.input.substr(slash + 1);
+    }
+    std::string Title() const { return choice_.title.empty() ? FileName() : choice_.title; }
+    void Append(std::unique_ptr<Zel2> object) { report_->Append(object.release()); }
+
+    void AddHead() {
+        Append(parts_->Title(Title()));
+        Append(parts_->Gap(100));
+        const auto numbers =
+            std::count_if(columns_.begin(), columns_.end(), [](const auto& c) { return c.isNumber; });
+        Append(parts_->Fields({{"file", FileName()},
+                               {"rows", std::to_string(table_.RowCount())},
+                               {"columns", std::to_string(columns_.size())},
+                               {"of numbers", std::to_string(numbers)}}));
+        Append(parts_->Gap(150));
+    }
+
+    void AddSummary() {
+        Table summary;
+        summary.names = {"column", "cells", "missing", "lowest", "mean", "highest"};
+        summary.isNumber = {false, true, true, true, true, true};
+        for (const ColumnSummary& column : columns_) {
+            std::vector<std::string> row = {column.name, std::to_string(table_.RowCount() - column.missing),
+                                            std::to_string(column.missing)};
+            if (column.isNumber) {
+                for (const double value : {column.min, column.mean, column.max}) row.push_back(Shown(value));
+            }
+            summary.rows.push_back(std::move(row));
+        }
+        Append(parts_->Heading("Columns"));
+        for (auto& made : parts_->Tables(summary)) Append(std::move(made));
+        Append(parts_->Gap(150));
+    }
+
+    // What the figures are drawn against: the column asked for, else the first if it is of dates, else the
+    // numbers of the rows.
+    std::pair<std::string, std::vector<double>> Across() const {
+        if (!choice_.x.empty()) return {choice_.x, table_.Column(choice_.x)};
+        const ColumnSummary& first = columns_.front();
+        const auto dated = std::count_if(first.values.begin(), first.values.end(),
+                                         [](double v) { return std::isfinite(v); });
+        if (!first.isNumber && 2 * static_cast<std::size_t>(dated) > table_.RowCount() && dated > 0)
+            return {first.name, first.values};
+        std::vector<double> numbers(table_.RowCount());
+        std::iota(numbers.begin(), numbers.end(), 1.0);
+        return {"row", numbers};
+    }
+
+    void AddFigures() {
+        if (table_.RowCount() < 2) return;
+        const auto [name, x] = Across();
+        std::size_t count = 0;
+        for (const ColumnSummary& column : columns_) {
+            if (!column.isNumber || column.name == name || column.min == column.max || count == kMostFigures)
+                continue;
+            FigureOptions options;
+            options.xTitle = name;
+            options.yTitle = column.name;
+            options.width = std::clamp(parts_->Width() / kUnitsPerMillimetre, 30.0, 2000.0);
+            options.height = kFigureHeight;
+            auto heading = parts_->Heading(column.name);
+            Append(std::move(heading));
+            Append(MakeFigure({{column.name, x, column.values}}, options));
+            ++count;
+        }
+    }
+
+    void AddRows() {
+        Table all;
+        for (const ColumnSummary& column : columns_) {
+            all.names.push_back(column.name);
+            all.isNumber.push_back(column.isNumber);
+        }
+        all.rows = table_.Rows();
+        report_->BreakPage();
+        Append(parts_->Heading("Rows"));
+        for (auto& made : parts_->Tables(all)) {
+            Append(std::move(made));
+            Append(parts_->Gap(150));
+        }
+    }
+
+    const CsvTable& table_;
+    const ReportChoice& choice_;
+    std::vector<ColumnSummary> columns_;
+    Zel2Report* report_ = nullptr;
+    std::unique_ptr<ReportParts> parts_;
+};
+
+// On a terminal the pages are counted; an interrupt stops between two pages and leaves no file.
+bool Write(Zel2Main& drawing, Zel2Report& report, const ReportChoice& choice, const std::string& title) {
+    ExportOptions options;
+    options.dotsPerInch = choice.dpi;
+    options.title = title;
+    const bool terminal = isatty(STDERR_FILENO) != 0;
+    const auto handler = std::signal(SIGINT, [](int) { stopped = 1; });
+    const bool done = ExportReport(drawing, report, choice.output.c_str(), options, [&](int page, int pages) {
+        if (terminal && (page % 50 == 0 || page == pages))
+            std::cerr << "\rpage " << page << " of " << pages << (page == pages ? "\n" : "") << std::flush;
+        return stopped == 0;
+    });
+    std::signal(SIGINT, handler);
+    return done;
+}
+
+void MakeReport(const ReportChoice& choice) {
+    const CsvTable table = CsvTable::Read(choice.input);
+    Zel2Main drawing;
+    Zel2Report& report = ReportMaker(table, choice).MakeIn(drawing);
+    if (!Write(drawing, report, choice, choice.title.empty() ? choice.input : choice.title))
+        throw Error("Stopped; \"" + choice.output + "\" has not been written");
+}
+
+}  // namespace
+
+void AddReportCommand(CLI::App& app) {
+    CLI::App* command =
+        app.add_subcommand("report", "Make a report of a CSV file: summary, figures, all rows");
+    auto choice = std::make_shared<ReportChoice>();
+    command->add_option("data", choice->input, "CSV file; its first row names the columns")->required();
+    command
+        ->add_option("-o,--output", choice->output,
+                     "File to write: .pdf for all pages in one, .png, .jpg, .svg or .wmf for one file a page")
+        ->required();
+    command->add_option("--title", choice->title, "Title of the report (default: the file's name)");
+    command->add_option("--x", choice->x,
+                        "Column that the figures are drawn against (default: the first if it holds dates, "
+                        "else the row number)");
+    command->add_option("--paper", choice->paper, "A2 to A5, letter or legal")->capture_default_str();
+    command->add_flag("--landscape", choice->landscape, "Lay the paper on its side");
+    command->add_flag("--no-figures", choice->noFigures, "Leave the figures out");
+    command->add_option("--dpi", choice->dpi, "Pixels per inch of images")
+        ->capture_default_str()
+        ->check(CLI::Range(10.0, 2400.0));
+    command->footer("Example:\n  zel report weather.csv --title \"Seattle weather\" -o weather.pdf");
+    command->callback([choice] { MakeReport(*choice); });
+}
+
+}  // namespace zel::cli
