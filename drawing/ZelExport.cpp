@@ -127,16 +127,21 @@ bool SetPaper(ExportOptions& options, const std::string& name, bool landscape) {
 
 namespace {
 
+CSize SizeFor(Zel2Main& drawing, const char* path) {
+    const CSize size = SizeOf(drawing);
+    if (size.cx <= 0 || size.cy <= 0) {
+        AfxThrowInvalidArgException(
+            ("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
+    }
+    return size;
+}
+
 // One file that a drawing, or its pages one after another, is drawn into.
 class Output {
   public:
     Output(Zel2Main& drawing, const char* path, const ExportOptions& options)
         : drawing_(drawing), printerTools_(options.printerTools) {
-        const CSize size = SizeOf(drawing);
-        if (size.cx <= 0 || size.cy <= 0) {
-            AfxThrowInvalidArgException(
-                ("Cannot write \"" + std::string(path) + "\": the drawing has no size.").c_str());
-        }
+        const CSize size = SizeFor(drawing, path);
         FileDeviceOptions device;
         device.path = path;
         device.format = FormatOf(path);
@@ -165,6 +170,7 @@ class Output {
 
 void WriteOne(Zel2Main& drawing, const char* path, const ExportOptions& options) {
     if (FormatOf(path) == "wmf") {
+        SizeFor(drawing, path);
         // The metafile that other programs read, whatever the drawing's rules.
         drawing.SetRules(ZelRules::EXACT);
         WritePlaceableMetafile(drawing, path);

@@ -1,5 +1,6 @@
 #include "backends/qt/Fonts.h"
 
+#include "backends/qt/GlyphLine.h"
 #include "platform/graphics/StandardMetrics.h"
 #include "platform/graphics/Utf8.h"
 
@@ -115,11 +116,22 @@ namespace {
 // The faces that a thread has used.
 class FaceCache {
   public:
+    FaceCache() { current = this; }
+    ~FaceCache() { current = nullptr; }
+    FaceCache(const FaceCache&) = delete;
+    FaceCache& operator=(const FaceCache&) = delete;
+
+    static thread_local FaceCache* current;  // of this thread, while it lives
+
     Face& Get(const LOGFONT& font) {
-        Key key(font.lfFaceName, font.lfWeight >= 600, font.lfItalic != 0);
-        if (last_ && key == lastKey_) return *last_;
-        last_ = &faces_.try_emplace(key, font).first->second;
-        lastKey_ = std::move(key);
+        const bool bold = font.lfWeight >= 600, italic = font.lfItalic != 0;
+        // Nearly always the same as before.
+        if (last_ && bold == lastBold_ && italic == lastItalic_ && lastName_ == font.lfFaceName)
+            return *last_;
+        last_ = &faces_.try_emplace(Key(font.lfFaceName, bold, italic), font).first->second;
+        lastName_ = font.lfFaceName;
+        lastBold_ = bold;
+        lastItalic_ = italic;
         return *last_;
     }
 
@@ -128,8 +140,12 @@ class FaceCache {
 
     std::map<Key, Face> faces_;
     Face* last_ = nullptr;
-    Key lastKey_;
+    std::string lastName_;
+    bool lastBold_ = false;
+    bool lastItalic_ = false;
 };
+
+thread_local FaceCache* FaceCache::current = nullptr;
 
 }  // namespace
 
@@ -137,8 +153,8 @@ class FaceCache {
 // which Qt has no fonts.
 Face& FaceOf(const LOGFONT& font) {
     static QThreadStorage<FaceCache*> caches;
-    if (!caches.hasLocalData()) caches.setLocalData(new FaceCache);
-    return caches.localData()->Get(font);
+    if (!FaceCache::current) caches.setLocalData(new FaceCache);
+    return FaceCache::current->Get(font);
 }
 
 double EmHeight(const GraphicsState& state) {
@@ -230,14 +246,21 @@ class Run {
           state_(state),
           face_(FaceOf(state.font)),
           em_(EmHeight(state) / unitsPerPixel),
-          unitsPerPixel_(unitsPerPixel) {}
+          unitsPerPixel_(unitsPerPixel),
+          line_(face_, em_, std::max(2 / unitsPerPixel, 0.02 * em_)) {}
 
+    // Lying text needs no frame of its own, and no state of the painter saved for it.
     void Draw(std::span<const TextSpan> spans) {
+        if (state_.font.lfEscapement == 0) {
+            for (const TextSpan& span : spans) Add(span.text, PixelOf(span.at));
+            Flush();
+            return;
+        }
         const QPointF origin = PixelOf(spans.front().at);
         painter_.save();
         painter_.translate(origin);
         const double angle = state_.font.lfEscapement / 10.0;
-        if (angle != 0) painter_.rotate(-angle);
+        painter_.rotate(-angle);
         const double cosine = std::cos(angle * M_PI / 180), sine = std::sin(angle * M_PI / 180);
         for (const TextSpan& span : spans) {
             const QPointF away = PixelOf(span.at) - origin;
@@ -259,28 +282,10 @@ class Run {
         const BaselineOffset offset = OffsetOf(state_, width * unitsPerPixel_);
         at += QPointF(offset.x / unitsPerPixel_, offset.y / unitsPerPixel_);
         FillCell(at, width);
-        // Within a fraction of a pixel of where the text before ends: the rounding of the given point is
-        // taken out.
-        const bool follows = !indexes_.isEmpty() && std::fabs(at.x() - next_.x()) < Tolerance() &&
-                             std::fabs(at.y() - next_.y()) < Tolerance();
-        QPointF pen = follows ? next_ : at;
-        for (std::size_t i = 0; i < text.size();) {
-            const std::size_t begin = i;
-            const char32_t character = NextCodePoint(text, i);
-            const Face::Glyph& glyph = face_.GlyphOf(character);
-            if (glyph.index != 0) {
-                indexes_.append(glyph.index);
-                positions_.append(pen);
-            } else {
-                DrawSubstitute(text.substr(begin, i - begin), pen);
-            }
-            pen.rx() += glyph.advance * em_;
-        }
+        line_.Add(text, at,
+                  [this](std::string_view missing, const QPointF& place) { DrawSubstitute(missing, place); });
         Decorate(at, width);
-        next_ = pen;
     }
-
-    double Tolerance() const { return std::max(2 / unitsPerPixel_, 0.02 * em_); }
 
     void FillCell(const QPointF& baseline, double width) {
         if (state_.backgroundMode != OPAQUE) return;
@@ -312,24 +317,14 @@ class Run {
         painter_.restore();
     }
 
-    void Flush() {
-        if (indexes_.isEmpty()) return;
-        QGlyphRun run;
-        run.setRawFont(face_.AtSize(em_));
-        run.setGlyphIndexes(indexes_);
-        run.setPositions(positions_);
-        painter_.setPen(ColorOf(state_.textColor));
-        painter_.drawGlyphRun(QPointF(0, 0), run);
-    }
+    void Flush() { line_.Draw(painter_, ColorOf(state_.textColor)); }
 
     QPainter& painter_;
     const GraphicsState& state_;
     Face& face_;
     double em_;  // pixels
     double unitsPerPixel_;
-    QPointF next_;
-    QList<quint32> indexes_;
-    QList<QPointF> positions_;
+    GlyphLine line_;
 };
 
 }  // namespace

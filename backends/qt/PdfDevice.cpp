@@ -4,6 +4,7 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/TextBatch.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
@@ -24,6 +25,8 @@ constexpr double kHairline = 0.18 / 72 * kResolution;  // a line of width 0: the
 constexpr double kPixel = kResolution / 96.0;          // of a screen
 constexpr double kHatchSpacing = 8 * kPixel;
 constexpr double kFarOutside = 1e7;
+constexpr std::size_t kShortLine = 8;  // points
+constexpr int kMostHeld = 4000;        // elements of a path
 
 // Pages of a PDF file. Everything is drawn as vectors and text; raster operations do not exist on paper.
 class PdfDevice : public MeasuringDevice {
@@ -46,6 +49,7 @@ class PdfDevice : public MeasuringDevice {
     }
 
     void NewPage() override {
+        FlushText();
         Check(writer_.newPage());
         penSet_ = false;
         clipSet_ = false;
@@ -54,6 +58,7 @@ class PdfDevice : public MeasuringDevice {
     }
 
     void Finish() override {
+        FlushText();
         Check(painter_.end());
         file_.Commit();
     }
@@ -63,11 +68,18 @@ class PdfDevice : public MeasuringDevice {
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
         UseClip(state);
-        UsePen(state);
         line_.clear();
         line_.reserve(static_cast<qsizetype>(count));
         for (std::size_t i = 0; i < count; ++i) line_.append(At(state, points[i]));
-        painter_.drawPolyline(line_);
+        FlushTextBelow(line_.boundingRect(), PenWidthOf(state, kHairline));
+        UsePen(state);
+        if (count > kShortLine) {
+            FlushLines();
+            painter_.drawPolyline(line_);
+            return;
+        }
+        lines_.addPolygon(line_);
+        if (lines_.elementCount() > kMostHeld) FlushLines();
     }
 
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
@@ -117,8 +129,14 @@ class PdfDevice : public MeasuringDevice {
 
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override {
         UseClip(state);
-        penSet_ = false;
-        DrawSpans(painter_, state, spans, 1);
+        if (!TextBatch::CanHold(state, spans)) {
+            FlushText();
+            penSet_ = false;
+            DrawSpans(painter_, state, spans, 1);
+            return;
+        }
+        if (!texts_.Matches(state)) FlushText();
+        texts_.Add(state, spans);
     }
 
   private:
@@ -141,6 +159,7 @@ class PdfDevice : public MeasuringDevice {
 
     void UseClip(const GraphicsState& state) {
         if (clipSet_ && clip_ == state.clip) return;
+        FlushText();
         clip_ = state.clip;
         clipSet_ = true;
         penSet_ = false;
@@ -158,6 +177,7 @@ class PdfDevice : public MeasuringDevice {
         const double width = PenWidthOf(state, kHairline);
         const COLORREF color = InkOf(state, state.pen.lopnColor);
         if (penSet_ && width == width_ && color == color_ && state.pen.lopnStyle == style_) return;
+        FlushLines();
         width_ = width;
         color_ = color;
         style_ = state.pen.lopnStyle;
@@ -172,7 +192,27 @@ class PdfDevice : public MeasuringDevice {
         painter_.setPen(pen);
     }
 
+    // Short lines with one pen are held back, to be described as one path; lines that were drawn before a
+    // held text, or beside it, go before it.
+    void FlushLines() {
+        if (lines_.isEmpty()) return;
+        painter_.drawPath(lines_);
+        lines_.clear();
+    }
+    void FlushText() {
+        FlushLines();
+        if (texts_.IsEmpty()) return;
+        texts_.Draw(painter_);
+        penSet_ = false;
+    }
+    // Texts are held back as long as nothing is drawn over them.
+    void FlushTextBelow(const QRectF& shape, double reach) {
+        if (texts_.Touches(shape.adjusted(-reach, -reach, reach, reach))) FlushText();
+    }
+
     void Paint(const GraphicsState& state, const QPainterPath& path) {
+        FlushLines();
+        FlushTextBelow(path.boundingRect(), PenWidthOf(state, kHairline));
         if (state.brush.lbStyle == BS_SOLID)
             painter_.fillPath(path, ColorOf(InkOf(state, state.brush.lbColor)));
         if (state.brush.lbStyle == BS_HATCHED) DrawHatch(state, path);
@@ -198,6 +238,8 @@ class PdfDevice : public MeasuringDevice {
     QPdfWriter writer_;
     QPainter painter_;
     QPolygonF line_;
+    TextBatch texts_;
+    QPainterPath lines_;  // with the painter's pen
     std::shared_ptr<const Region> clip_;
     bool clipSet_ = false;
     bool penSet_ = false;

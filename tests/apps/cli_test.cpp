@@ -48,6 +48,24 @@ TEST_F(Program, PlotsAllDataSets) {
     }
 }
 
+TEST_F(Program, ReportsOnAnyTable) {
+    std::string wide = "id,note";
+    for (int c = 0; c < 30; ++c) wide += ",a rather long column name " + std::to_string(c);
+    wide += "\n";
+    for (int r = 1; r <= 60; ++r)
+        wide += std::to_string(r) + ",\"" + std::string(300, 'w') + "\"," + std::to_string(r * r) + "\n";
+    const std::string report = folder_ / "r.pdf";
+    const auto output = Run("report " + Csv(wide) + " --title Wide --paper A5 --landscape -o " + report);
+    EXPECT_EQ(output.code, 0) << output.text;
+    const std::string text = zel::test::RunProgram("pdftotext -layout " + report + " -").text;
+    EXPECT_THAT(text, HasSubstr("3600"));
+    EXPECT_THAT(text, HasSubstr("…"));
+    EXPECT_THAT(text, HasSubstr("a rather long column name 29"));
+    EXPECT_EQ(Run("report " + Csv("only,a,header\n") + " -o " + report).code, 0);
+    EXPECT_THAT(Run("report " + Csv("a\n1\n") + " --paper A17 -o " + report).text, HasSubstr("A17"));
+    EXPECT_NE(Run("report " + (folder_ / "missing.csv") + " -o " + report).code, 0);
+}
+
 TEST_F(Program, ReadsAwkwardCsv) {
     const std::string csv =
         Csv("\xEF\xBB\xBF\"the \"\"x\"\"\",\"y, in mm\",note\r\n"

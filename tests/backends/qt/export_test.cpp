@@ -286,11 +286,102 @@ TEST_F(Files, KeepDashesAndRasterModesInVectors) {
     }
 }
 
+// Texts and lines are held back while a page is described: what is drawn over them still covers them, and
+// what they are drawn over stays below.
+TEST_F(Files, PdfKeepsTheOrderOfWhatOverlaps) {
+    zel::FileDeviceOptions options;
+    options.path = folder_ / "a.pdf";
+    options.format = "pdf";
+    options.width = options.height = 2;
+    const auto device = zel::Platform::Get().CreateFileDevice(options);
+    {
+        CDC dc(*device);
+        CPen thick(PS_SOLID, 200, RGB(0, 0, 255)), other(PS_SOLID, 200, RGB(0, 128, 0));
+        CFont font;
+        font.CreateFont(-600, 0, 0, 0, FW_BOLD, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+        CFont* previousFont = dc.SelectObject(&font);
+        CPen* previousPen = dc.SelectObject(&thick);
+        dc.SetBkMode(TRANSPARENT);
+        const auto line = [&](int y) { dc.MoveTo(100, y), dc.LineTo(2300, y); };
+        dc.TextOut(200, 100, "HHHH", 4);  // below the line
+        line(500);
+        line(1500);  // below the text
+        dc.TextOut(200, 1100, "HHHH", 4);
+        dc.SelectObject(&other);
+        line(1500 + 700);
+        dc.SelectObject(previousPen);
+        dc.SelectObject(previousFont);
+    }
+    device->Finish();
+    const std::string seen = folder_ / "seen";
+    ASSERT_EQ(RunProgram("pdftoppm -r 96 -png -singlefile " + options.path + " " + seen).code, 0);
+    const QImage image(QString::fromStdString(seen + ".png"));
+    const auto count = [&](int y, QRgb color) {
+        int n = 0;
+        for (int x = 20; x < 170; ++x) n += image.pixel(x, y) == color ? 1 : 0;
+        return n;
+    };
+    EXPECT_EQ(count(40, 0xFF000000), 0) << "the line covers the text";
+    EXPECT_GT(count(120, 0xFF000000), 20) << "the text covers the line";
+    EXPECT_GT(count(120, 0xFF0000FF), 20);
+    EXPECT_EQ(count(176, 0xFF008000), 150);
+}
+
 TEST(HostApplication, MayEndBeforeTheLibrary) {
     const TemporaryFolder folder;
     const auto program = RunProgram(std::string(ZEL_HOST_APPLICATION) + " " + (folder / "a.pdf"));
     EXPECT_EQ(program.code, 0) << program.text;
     EXPECT_GT(Content(folder / "a.pdf").size(), 1000U);
+}
+
+TEST_F(Files, WriteReportsPageByPage) {
+    auto* report = new Zel2Report;
+    Zel2Main drawing;
+    drawing.SetRules(ZelRules::EXACT);
+    drawing.Add(report);
+    zel::ReportPaper paper;
+    paper.footer.right = "page {page} of {pages}";
+    report->SetPaper(paper);
+    const int font = report->RegisterFont("f", "Arial", 100, 0, 0, 0, 0, 0, 0);
+    auto* table = new Zel2TextTable(2, 300);
+    table->SetNHeaderRows(1);
+    table->SetStyle(0, 1, 0, 299, Zel2Text("", CRect(0, 0, 1999, 199), font, DT_LEFT, 0, -1, -1, {-1, 0.0F}));
+    table->SetText(0, 0, "header\tvalue");
+    for (int r = 1; r < 300; ++r) table->SetText(0, r, "row%03d\t%d", r, r * r);
+    report->Append(table);
+    const std::string path = folder_ / "r.pdf";
+    int told = 0;
+    EXPECT_FALSE(zel::ExportReport(drawing, *report, path.c_str(), {}, [&](int done, int pages) {
+        EXPECT_EQ(pages, 7);
+        return (told = done) < 3;
+    }));
+    EXPECT_EQ(told, 3);
+    EXPECT_EQ(folder_.FileCount(), 0U) << "nothing stays of a report that was stopped";
+    report->SelectPage(4);
+    EXPECT_TRUE(zel::ExportReport(drawing, *report, path.c_str()));
+    EXPECT_EQ(report->SelectedPage(), 4);
+    const std::string text = RunProgram("pdftotext -layout " + path + " -").text;
+    const auto count = [&](const std::string& part) {
+        int n = 0;
+        for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1)) ++n;
+        return n;
+    };
+    EXPECT_EQ(count("header"), 7);
+    for (int r = 1; r < 300; ++r) {
+        char name[20];
+        std::snprintf(name, sizeof name, "row%03d", r);
+        EXPECT_EQ(count(name), 1) << name;
+    }
+    EXPECT_EQ(count("page 7 of 7"), 1);
+    zel::ExportOptions small;
+    small.dotsPerInch = 20;
+    EXPECT_TRUE(zel::ExportReport(drawing, *report, (folder_ / "p.png").c_str(), small));
+    EXPECT_EQ(QImage(QString::fromStdString(folder_ / "p-7.png")).size(), QSize(165, 234));
+    EXPECT_THAT(MessageOf<CInvalidArgException>([&] {
+                    zel::ExportPages(
+                        drawing, 0, [](int) {}, "x.pdf");
+                }),
+                testing::HasSubstr("no pages"));
 }
 
 TEST_F(Files, LeaveTheLocaleAlone) {
