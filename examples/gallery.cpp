@@ -84,6 +84,8 @@ int DrawGallery(const std::string& data, const fs::path& out) {
     int equal = 0;
     for (const Example& example : kExamples) equal += DrawExample(example, data, out) ? 1 : 0;
     DrawReport(data, out);
+    fs::create_directories(out / "pictures");
+    DrawPictures((out / "pictures").string());
     const int count = static_cast<int>(std::size(kExamples));
     std::printf("%d of %d drawings came back from their documents with the same picture.\n", equal, count);
     return equal == count ? 0 : 1;

@@ -18,4 +18,7 @@ std::unique_ptr<Zel2Main> MakeTexts(const std::string& folder);
 // A report of many pages in `drawing`, which owns it.
 Zel2Report& MakeWeatherReport(Zel2Main& drawing, const std::string& folder);
 
+// The pictures that the documentation shows, as PNG files.
+void DrawPictures(const std::string& folder);
+
 std::vector<double> ReadColumn(const std::string& path, const std::string& name);
