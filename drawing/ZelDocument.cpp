@@ -71,6 +71,9 @@ std::unique_ptr<Zel2Main> ReadContent(CFile& file, const DocumentHeader& header)
     CArchive ar(&file, CArchive::load);
     ar.SetDialect(CArchive::Dialect::COMPLETE);
     std::unique_ptr<Zel2Main> drawing = ReadOwned<Zel2Main>(ar);
+    if (ar.BytesLeft() > 0)
+        ar.Fail(CArchiveException::genericException,
+                std::to_string(ar.BytesLeft()) + " bytes follow the drawing");
     drawing->SetRules(header.rules);
     ar.Close();
     return drawing;

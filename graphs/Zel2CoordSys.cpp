@@ -1,8 +1,12 @@
+#include "core/ArchiveFields.h"
+
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/Zel2CoordSys.h>
 #include <zel/platform/DC.h>
+
+IMPLEMENT_DOCUMENT_CLASS(Zel2CoordSys, Zel2Rect)
 
 namespace {
 
@@ -128,4 +132,13 @@ void Zel2CoordSys::OnDraw() {
     }
     clipped([this] { contents_[2]->OnDraw(); });
     ResetClip();
+}
+
+void Zel2CoordSys::Serialize(CArchive& ar) {
+    Zel2Rect::Serialize(ar);
+    if (!zel::IsComplete(ar)) return;
+    hAxis_.Serialize(ar);
+    vAxis_.Serialize(ar);
+    for (auto& content : contents_) content->Serialize(ar);
+    zel::ExchangeFlag(ar, showAxes_);
 }

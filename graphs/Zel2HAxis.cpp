@@ -1,3 +1,4 @@
+#include "core/ArchiveFields.h"
 #include "graphs/LabelAnchor.h"
 
 #include <zel/DrawFont.h>
@@ -8,6 +9,9 @@
 #include <zel/platform/DC.h>
 
 #include <charconv>
+
+IMPLEMENT_DOCUMENT_CLASS(Zel2HAxis, Zel2Rect)
+IMPLEMENT_DOCUMENT_CLASS(Zel2VAxis, Zel2Rect)
 
 namespace {
 
@@ -208,6 +212,24 @@ void Zel2ScaleAxis::OnDrawInRectangle(Zel2* area) {
     for (const double v : lines_) LineAcross(*pen, Position(v), across);
 }
 
+void Zel2ScaleAxis::Serialize(CArchive& ar) {
+    Zel2Rect::Serialize(ar);
+    if (!zel::IsComplete(ar)) return;
+    zel::Exchange(ar, min_, max_, type_, labelAngle_, tickLength_, titleOffset_, ends_.start, ends_.end);
+    for (int& tool : tools_) zel::Exchange(ar, tool);
+    for (auto* list : {&labels_, &ticks_, &lines_}) zel::ExchangeList(ar, *list);
+    zel::Exchange(ar, side_, rangeSet_);
+    for (bool* flag : {&fit_, &linesFromLabels_, &ticksFromLabels_, &labelsChosen_})
+        zel::ExchangeFlag(ar, *flag);
+    zel::Exchange(ar, title_);
+    for (CString& name : names_) zel::Exchange(ar, name);
+}
+
+void Zel2VAxis::Serialize(CArchive& ar) {
+    Zel2ScaleAxis::Serialize(ar);
+    if (zel::IsComplete(ar)) zel::Exchange(ar, margins_.left, margins_.above, margins_.below, marginsSet_);
+}
+
 // The horizontal axis. In logical units y points down: the top of a box is the edge of its origin.
 
 CRect Zel2HAxis::LogicalBox() {
@@ -270,7 +292,7 @@ Zel2ScaleAxis::Ends Zel2VAxis::EndsOf(const CRect& box) const {
 }
 
 int Zel2VAxis::IntervalCount() {
-    return std::min<int>(Size().cy / kHeightPerInterval, kMostIntervals);
+    return std::clamp<int>(Size().cy / kHeightPerInterval, 0, kMostIntervals);
 }
 
 Zel2ScaleAxis::Edge Zel2VAxis::EdgeOf(const CRect& box) const {

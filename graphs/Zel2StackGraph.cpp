@@ -1,7 +1,12 @@
+#include "core/ArchiveFields.h"
+
 #include <zel/Zel2StackGraph.h>
+#include <zel/platform/Exception.h>
 
 #include <algorithm>
 #include <cmath>
+
+IMPLEMENT_DOCUMENT_CLASS(Zel2StackGraph, Zel2Set)
 
 namespace {
 
@@ -153,4 +158,27 @@ void Zel2StackGraph::OnPrint(CDC* dc, CPrintInfo* info) {
     } else {
         Zel2Set::OnPrint(dc, info);
     }
+}
+
+// The first three children are what the stack works with: they must be what they were.
+void Zel2StackGraph::FindParts(CArchive& ar, int axis) {
+    background_ = dynamic_cast<Zel2Rect*>(ChildAt(0));
+    graphs_ = dynamic_cast<Zel2Set*>(ChildAt(1));
+    axes_ = dynamic_cast<Zel2Set*>(ChildAt(2));
+    if (!background_ || !graphs_ || !axes_)
+        ar.Fail(CArchiveException::badClass, "the parts of a stack are missing");
+    axis_ = axis >= 0 && axis < axes_->GetCount() ? dynamic_cast<Zel2HAxis*>((*axes_)[axis]) : nullptr;
+}
+
+void Zel2StackGraph::Serialize(CArchive& ar) {
+    const bool complete = zel::IsComplete(ar);
+    if (complete && ar.IsLoading()) DeleteChildren();
+    Zel2Set::Serialize(ar);
+    if (!complete) return;
+    for (float& weight : weights_) zel::Exchange(ar, weight);
+    zel::Exchange(ar, count_, margins_.left, margins_.top, margins_.right, margins_.bottom);
+    int axis = ar.IsStoring() ? axes_->GetCount() - 1 : -1;
+    while (axis >= 0 && (*axes_)[axis] != axis_) --axis;
+    zel::Exchange(ar, axis);
+    if (ar.IsLoading()) FindParts(ar, axis);
 }

@@ -1,3 +1,5 @@
+#include "core/ArchiveFields.h"
+
 #include <zel/Mapping.h>
 #include <zel/Zel2Report.h>
 #include <zel/platform/Exception.h>
@@ -5,6 +7,8 @@
 
 #include <algorithm>
 #include <climits>
+
+IMPLEMENT_DOCUMENT_CLASS(Zel2Report, Zel2Tools)
 
 namespace zel {
 
@@ -162,4 +166,43 @@ void Zel2Report::DrawBandText(const CString& text, const CPoint& at, int font, u
     replace("{pages}", PageCount());
     replace("{page}", selected_ + 1);
     tool->Print(line.c_str(), R2L(at), 0, flags);
+}
+
+void Zel2Report::ExchangePages(CArchive& ar) {
+    bool hasContent = content_ != nullptr;
+    zel::ExchangeFlag(ar, hasContent);
+    int count = PageCount();
+    zel::Exchange(ar, count);
+    if (ar.IsLoading()) {
+        content_ = hasContent ? std::make_unique<Zel2Column>(1) : nullptr;
+        pages_.clear();
+        ar.CheckCount(std::max(count, 0), sizeof(int));
+        for (int k = 0; k < count; ++k) pages_.push_back(std::make_unique<Zel2Column>(1));
+    }
+    const auto exchange = [&](Zel2Column& column) {
+        column.SetParent(this);
+        column.Serialize(ar);
+    };
+    if (content_) exchange(*content_);
+    for (auto& page : pages_) exchange(*page);
+}
+
+void Zel2Report::ExchangePaper(CArchive& ar) {
+    bool hasPaper = paper_ != nullptr;
+    zel::ExchangeFlag(ar, hasPaper);
+    if (ar.IsLoading()) paper_ = hasPaper ? std::make_unique<zel::ReportPaper>() : nullptr;
+    if (!paper_) return;
+    zel::ReportPaper& paper = *paper_;
+    zel::Exchange(ar, paper.size.cx, paper.size.cy, paper.left, paper.top, paper.right, paper.bottom);
+    for (zel::ReportBand* band : {&paper.header, &paper.footer})
+        zel::Exchange(ar, band->left, band->middle, band->right, band->height, band->font, band->rule);
+}
+
+void Zel2Report::Serialize(CArchive& ar) {
+    Zel2Tools::Serialize(ar);
+    if (!zel::IsComplete(ar)) return;
+    ExchangePages(ar);
+    zel::Exchange(ar, selected_);
+    zel::ExchangeFlag(ar, breakNext_);
+    ExchangePaper(ar);
 }

@@ -11,6 +11,7 @@ IMPLEMENT_SERIAL(Zel2TextTable, Zel2Set, 0)
 
 namespace {
 
+constexpr int kFewColumns = 1024;
 constexpr std::size_t kMostText = 5000;  // bytes of a formatted text, its end included
 
 // The sums of `sizes`, beginning with 0.
@@ -214,8 +215,8 @@ void Zel2TextTable::ExchangeTexts(CArchive& ar) {
         nCols_ = std::max(nCols_, 0);
         nRows_ = std::max(nRows_, 0);
         ar.CheckCount(std::int64_t{nCols_} * nRows_, 1);
-        // A grid without cells needs no columns: none are believed without bytes behind them.
-        if (nRows_ == 0) nCols_ = 0;
+        // Columns without cells have no bytes behind them: a few are believed.
+        if (nRows_ == 0) nCols_ = std::min(nCols_, kFewColumns);
         texts_.clear();
         texts_.resize(static_cast<std::size_t>(nCols_));
         for (Column& column : texts_) column.resize(static_cast<std::size_t>(nRows_));

@@ -14,8 +14,9 @@
 // With classic rules the content is drawn by the axis ends of the draw before, and only objects that ask
 // their parent where a value lies find their places. With exact rules the axes are laid out first, the
 // content is clipped to the rectangle, point sets can stand in it as in a graph, the axes follow the size of
-// the rectangle, and ShowAxes has effect. World units; archives hold it as a rectangle.
+// the rectangle, and ShowAxes has effect. World units; classic archives hold it as a rectangle.
 class Zel2CoordSys : public Zel2Rect {
+    DECLARE_DOCUMENT_CLASS(Zel2CoordSys)
   public:
     // Ranges of 0 to 100.
     Zel2CoordSys();
@@ -43,6 +44,7 @@ class Zel2CoordSys : public Zel2Rect {
     // Sets the position and tells nobody.
     void MoveTo(const CPoint& p) override;
     using Zel2::MoveTo;
+    void Serialize(CArchive& ar) override;
     void OnDraw() override;
     void OnResize() override;
     void OpenOn(CDC* dc, int scale) override;

@@ -15,7 +15,7 @@
 // labels once chosen stay, and with them the first range; with exact rules they follow a new range.
 //
 // Units: tick length, title offset and size in world units of the drawing; angles in tenths of a degree.
-// Archives hold an axis as a rectangle.
+// Classic archives hold an axis as a rectangle.
 class Zel2ScaleAxis : public Zel2Rect {
   public:
     // The range at the start and at the end of the axis.
@@ -67,6 +67,7 @@ class Zel2ScaleAxis : public Zel2Rect {
     // The logical coordinate of a value, by the ends of the last layout, truncated towards zero.
     int Position(double v) const;
 
+    void Serialize(CArchive& ar) override;
     void OnDraw() override;
     // Ticks of positive length, and the grid lines across the rectangle of `area`.
     void OnDrawInRectangle(Zel2* area);
@@ -134,6 +135,7 @@ class Zel2ScaleAxis : public Zel2Rect {
 };
 
 class Zel2HAxis : public Zel2ScaleAxis {
+    DECLARE_DOCUMENT_CLASS(Zel2HAxis)
   public:
     // The logical x of a value.
     int X(double v) const { return Position(v); }
@@ -155,6 +157,7 @@ class Zel2HAxis : public Zel2ScaleAxis {
 };
 
 class Zel2VAxis : public Zel2ScaleAxis {
+    DECLARE_DOCUMENT_CLASS(Zel2VAxis)
   public:
     // The logical y of a value.
     int Y(double v) const { return Position(v); }
@@ -163,6 +166,7 @@ class Zel2VAxis : public Zel2ScaleAxis {
     // Widens the rectangle in which the axis lies: to the left, above and below; a negative margin above or
     // below takes the value of `left`.
     void SetMargins(int left, int above, int below);
+    void Serialize(CArchive& ar) override;
     // Back to the margins that an axis without any takes when it is drawn: 800 on the left.
     void ClearMargins() { marginsSet_ = 0; }
 

@@ -49,6 +49,7 @@ struct ReportPaper {
 //
 // World units. zel::ExportReport writes all pages; classic archives hold a report as an empty registry.
 class Zel2Report : public Zel2Tools {
+    DECLARE_DOCUMENT_CLASS(Zel2Report)
   public:
     Zel2Report();
     // The content cannot belong to two reports.
@@ -79,6 +80,7 @@ class Zel2Report : public Zel2Tools {
     CSize Size() override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
+    void Serialize(CArchive& ar) override;
     void OnDraw() override;
     // Exact rules: page info->m_nCurPage, from 1; without `info` the selected one.
     void OnPrint(CDC* dc, CPrintInfo* info) override;
@@ -89,6 +91,8 @@ class Zel2Report : public Zel2Tools {
     template <class Visit>
     void ForEachOpen(Visit visit);
     void MakeClassicPages(int height);
+    void ExchangePages(CArchive& ar);
+    void ExchangePaper(CArchive& ar);
     void DrawPage();
     void DrawBand(zel::ReportBand& band, LONG outer, LONG inner);
     void DrawBandText(const CString& text, const CPoint& at, int font, unsigned flags);

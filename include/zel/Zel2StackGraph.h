@@ -13,8 +13,9 @@
 // With classic rules the shares are whole numbers divided as such: all origins fall on the bottom margin and
 // a weight below 1 counts nothing, and MoveTo moves the background a second time. With exact rules origins
 // and heights follow the weights, the labels of the shared axis are taken over too, and paper shows what the
-// screen does. World units; archives hold a stack as a set.
+// screen does. World units; classic archives hold a stack as a set.
 class Zel2StackGraph : public Zel2Set {
+    DECLARE_DOCUMENT_CLASS(Zel2StackGraph)
   public:
     static constexpr int kMostGraphs = 100;
 
@@ -39,6 +40,7 @@ class Zel2StackGraph : public Zel2Set {
     void MoveTo(const CPoint& p) override;
     using Zel2::MoveTo;
     void OpenOn(CDC* dc, int scale) override;
+    void Serialize(CArchive& ar) override;
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
     int OnNotify(Zel2* sender, long code) override;
@@ -55,6 +57,7 @@ class Zel2StackGraph : public Zel2Set {
         int bottom = -1;
     };
 
+    void FindParts(CArchive& ar, int axis);
     Zel2CoordSys* SubGraph(int i);
     std::vector<Share> ClassicShares(int height) const;
     std::vector<Share> ExactShares(int height) const;

@@ -289,7 +289,8 @@ void CArchive::WriteObject(const CObject* object) {
         WriteIndexTag(known->second, false);
         return;
     }
-    const CRuntimeClass* record = object->GetRuntimeClass();
+    const CRuntimeClass* record =
+        dialect_ == Dialect::COMPLETE ? object->GetDocumentClass() : object->GetRuntimeClass();
     if (!record->IsSerializable()) {
         Fail(CArchiveException::badClass,
              std::string("objects of class ") + record->m_lpszClassName + " cannot be stored");
@@ -361,7 +362,8 @@ CRuntimeClass* CArchive::ReadNewClass() {
     std::string name(length, '\0');
     ReadExact(name.data(), name.size());
     CRuntimeClass* record = CRuntimeClass::FromName(name.c_str());
-    if (!record || name.find('\0') != std::string::npos) {
+    const bool foreign = record && (record->m_wSchema & DOCUMENT_SCHEMA) && dialect_ == Dialect::CLASSIC;
+    if (!record || foreign || name.find('\0') != std::string::npos) {
         const bool printable =
             std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c <= '~'; });
         Fail(CArchiveException::badClass,
@@ -369,7 +371,7 @@ CRuntimeClass* CArchive::ReadNewClass() {
     }
     if (!record->IsSerializable())
         Fail(CArchiveException::badClass, "objects of class " + name + " cannot be stored");
-    const UINT own = record->m_wSchema & ~VERSIONABLE_SCHEMA;
+    const UINT own = record->m_wSchema & ~(VERSIONABLE_SCHEMA | DOCUMENT_SCHEMA);
     if (schema != own && !(record->m_wSchema & VERSIONABLE_SCHEMA)) {
         Fail(CArchiveException::badSchema, "class " + name + " has schema " + std::to_string(schema) +
                                                " here, and this program knows schema " + std::to_string(own));

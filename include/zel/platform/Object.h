@@ -10,6 +10,8 @@ class CObject;
 // Schemas: a class of this schema cannot be stored; one with this bit reads archives of other schemas too.
 inline constexpr UINT NOT_SERIALIZABLE_SCHEMA = 0xFFFF;
 inline constexpr UINT VERSIONABLE_SCHEMA = 0x80000000;
+// A class with this bit is known to the complete dialect of archives only.
+inline constexpr UINT DOCUMENT_SCHEMA = 0x40000000;
 
 // What is known of a class at run time. Records live as long as the process and are registered by name when
 // the library that holds them is loaded; look-ups are safe from any thread.
@@ -41,6 +43,9 @@ class CObject {
     virtual void Serialize(CArchive& ar);
     virtual void AssertValid() const;
     virtual void Dump(CDumpContext& dc) const;
+    // The class under which archives of the complete dialect keep the object. Another one than
+    // GetRuntimeClass() for classes that host programs know under the record of their base.
+    virtual CRuntimeClass* GetDocumentClass() const { return GetRuntimeClass(); }
 
     bool IsKindOf(const CRuntimeClass* record) const { return GetRuntimeClass()->IsDerivedFrom(record); }
     bool IsSerializable() const { return GetRuntimeClass()->IsSerializable(); }
@@ -97,6 +102,23 @@ struct ClassRegistration {
         return new name();              \
     }                                   \
     ZEL_CLASS_RECORD(name, base, NOT_SERIALIZABLE_SCHEMA, &name::CreateObject)
+
+// For classes that host programs know under the record of their base: documents keep them under their own
+// name.
+#define DECLARE_DOCUMENT_CLASS(name) \
+  public:                            \
+    CRuntimeClass* GetDocumentClass() const override;
+
+#define IMPLEMENT_DOCUMENT_CLASS(name, base)                                                           \
+    static CObject* CreateDocumentObjectOf##name() {                                                   \
+        return new name();                                                                             \
+    }                                                                                                  \
+    static CRuntimeClass documentClassOf##name = {#name, sizeof(name), DOCUMENT_SCHEMA,                \
+                                                  &CreateDocumentObjectOf##name, RUNTIME_CLASS(base)}; \
+    static const zel::ClassRegistration documentRegistrationOf##name(&documentClassOf##name);          \
+    CRuntimeClass* name::GetDocumentClass() const {                                                    \
+        return &documentClassOf##name;                                                                 \
+    }
 
 #define IMPLEMENT_SERIAL(name, base, schema) \
     CObject* name::CreateObject() {          \

@@ -1,0 +1,213 @@
+// Drawings of every class, for tests of what must hold for all.
+#pragma once
+
+#include <zel/zel.h>
+
+#include <cmath>
+#include <memory>
+#include <random>
+#include <string>
+
+namespace zel::test {
+
+// A tree of random depth, classes and state.
+class RandomDrawing {
+  public:
+    explicit RandomDrawing(unsigned seed) : random_(seed) {}
+    std::unique_ptr<Zel2Main> Make() {
+        auto root = std::make_unique<Zel2Main>();
+        root->SetRules(Below(2) ? ZelRules::EXACT : ZelRules::CLASSIC);
+        for (int i = 0; i < 3; ++i) {
+            const std::string name(1, static_cast<char>('a' + i));
+            root->RegisterPen(name.c_str(), Below(6), Below(9), static_cast<COLORREF>(Below(1 << 24)), 0,
+                              nullptr);
+            root->RegisterColor(name.c_str(), static_cast<COLORREF>(Below(1 << 24)), 0);
+            root->RegisterFont(name.c_str(), "Arial", 60 + Below(90), Below(2), Below(2), 0, 0, 0, 0);
+            root->RegisterSymbol(name.c_str(), CSize(Below(90), Below(90)),
+                                 static_cast<zel::SymbolKind>(1 + Below(15)), Below(2) ? "x" : "", 1, 0, 0, 0,
+                                 0, Below(2), "Arial", 70, 0, 0, nullptr, nullptr, 0);
+        }
+        Fill(*root, 3);
+        return root;
+    }
+
+  private:
+    int Below(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
+    CRect Box() { return {Below(3000), Below(3000), Below(3000), Below(3000)}; }
+    void Fill(Zel2Set& set, int depth) {
+        for (int i = 0; i < 1 + Below(4); ++i) AddTo(set, depth);
+    }
+    void AddTo(Zel2Set& set, int depth) {
+        switch (Below(depth > 0 ? 15 : 8)) {
+            case 0:
+                set.Add(nullptr);
+                break;
+            case 1:
+                set.Add(new Zel2Rect(Box(), Below(4) - 1, Below(4) - 1,
+                                     static_cast<Zel2Rect::Zel2RectType>(Below(3)), Below(4) - 1));
+                break;
+            case 2:
+                set.Add(new Zel2Text("t\nu", Box(), Below(4) - 1, Below(16), Below(3600), -1, Below(4) - 1,
+                                     {Below(4) - 1, 0.25F}));
+                break;
+            case 3:
+                set.Add(new Zel2Text("°", CPoint(Below(3000), 5), Below(4) - 1, Below(16), Below(3600), -1,
+                                     -1, {-1, 0.0F}));
+                break;
+            case 4: {
+                auto* box = new Zel2TRect(Box(), "text in a box", Below(4) - 1, Below(4) - 1);
+                box->SetFont(Below(4) - 1);
+                box->SetStyle(Below(2), Below(8));
+                box->SetBorder(CSize(Below(20), Below(20)));
+                set.Add(box);
+                break;
+            }
+            case 5:
+                set.Add(new Zel2DataField(Box(), "5 %", "caption", Below(4) - 1, Below(4) - 1, Below(4) - 1));
+                break;
+            case 6: {
+                auto* axis = new Zel2Axis(-Below(9), 1 + Below(9), 1, Below(4) - 1);
+                axis->SetSize(CSize(Below(2000), Below(2000)));
+                set.Add(axis);
+                break;
+            }
+            case 7:
+                set.Add(MakeTexts());
+                break;
+            case 8: {
+                auto* row = new Zel2Row(Below(4));
+                set.Add(row);
+                Fill(*row, depth - 1);
+                while (Below(3)) row->SetSize(CSize(1000 + Below(2000), Below(2000)));
+                break;
+            }
+            case 9: {
+                auto* column = new Zel2Column(Below(4));
+                set.Add(column);
+                Fill(*column, depth - 1);
+                column->Justify(Below(5));
+                break;
+            }
+            case 10: {
+                auto* table =
+                    new Zel2Table(1 + static_cast<unsigned>(Below(3)), 1 + static_cast<unsigned>(Below(3)));
+                set.Add(table);
+                for (unsigned i = 0; i < 4; ++i) {
+                    auto* cell = new Zel2Rect(Box(), Below(4) - 1, Below(4) - 1, Zel2Rect::RECTANGLE, -1);
+                    const unsigned x = i % 2, y = i / 2;
+                    table->SetCell(x, y, cell, Below(3), Below(3));
+                    if ((*table)(x, y) != cell) delete cell;
+                }
+                break;
+            }
+            case 11: {
+                auto* table = new Zel2GraphTable(1 + Below(2), 1 + Below(2), CSize(900, 900));
+                table->SetMargins(Below(300), -1, -1, Below(300));
+                table->SetXCoord(0, -Below(9), 1 + Below(9));
+                set.Add(table);
+                break;
+            }
+            case 12:
+                AddStack(set, depth);
+                break;
+            case 13:
+                AddReport(set, depth);
+                break;
+            case 14: {
+                auto* inner = new Zel2Set;
+                inner->Origin(CPoint(Below(500), Below(500)));
+                set.Add(inner);
+                Fill(*inner, depth - 1);
+                break;
+            }
+            default:
+                AddGraph(set, depth);
+                break;
+        }
+    }
+    Zel2TextTable* MakeTexts() {
+        const int columns = Below(4), rows = Below(5);
+        auto* table = new Zel2TextTable(columns, rows);
+        table->SetNHeaderRows(Below(3));
+        table->SetStyle(0, columns, 0, Below(5),
+                        Zel2Text("cell", CRect(0, 0, 200 + Below(300), 100 + Below(99)), Below(4) - 1,
+                                 Below(16), 0, Below(4) - 1, Below(4) - 1, {Below(4) - 1, 0.5F}));
+        table->SetPlainText(0, 0, "other");
+        return table;
+    }
+    Zel2PolGraph* MakePolygon() {
+        auto* polygon = new Zel2PolGraph(nullptr, Below(4) - 1, Below(4) - 1);
+        std::vector<Zel2PolGraph::Dim2> points;
+        for (int i = 0; i < Below(9); ++i) points.push_back({Below(20) - 10.0, Below(20) - 10.0});
+        polygon->DefinePoints(points);
+        return polygon;
+    }
+    void AddStack(Zel2Set& set, int depth) {
+        auto* stack = new Zel2StackGraph(Box(), Below(4) - 1, Below(4) - 1);
+        set.Add(stack);
+        if (Below(4)) {
+            auto* axis = new Zel2HAxis;
+            axis->SetCoord(-Below(9), 1 + Below(20));
+            axis->SetTitle("axis", Below(100));
+            axis->SetTickLength(Below(200) - 100);
+            stack->AddHAxis(axis);
+        }
+        if (Below(2)) stack->SetMarg(Below(300), Below(300), -1, Below(300));
+        for (int i = 0; i < Below(4); ++i) {
+            auto* cs = new Zel2CoordSys(-Below(9), 0, Below(20), 1 + Below(9), Box(), 1, 1, Below(4) - 1,
+                                        Below(4) - 1);
+            stack->AddSubGraph(cs, static_cast<float>(Below(9)) / 2);
+            cs->ShowAxes(Below(2) != 0);
+            cs->VAxis()->SetMargins(Below(90), Below(90), -1);
+            cs->VAxis()->SetAxisType(1, Below(2));
+            if (Below(2)) cs->HAxis()->SetLabels({0, 1.5, 3});
+            cs->ContentSet(1 + Below(3))->Add(MakePolygon());
+            Fill(*cs->ContentSet(1 + Below(3)), depth - 1);
+        }
+    }
+    void AddReport(Zel2Set& set, int depth) {
+        auto* report = new Zel2Report;
+        set.Add(report);
+        report->RegisterColor("own", static_cast<COLORREF>(Below(1 << 24)), 0);
+        report->RegisterFont("own", "Arial", 90, 0, 0, 0, 0, 0, 0);
+        if (Below(2)) {
+            zel::ReportPaper paper;
+            paper.size = CSize(2000 + Below(2000), 2000 + Below(2000));
+            paper.footer.middle = "{page} of {pages}";
+            report->SetPaper(paper);
+        }
+        for (int i = 0; i < Below(4); ++i) {
+            if (Below(4) == 0) report->BreakPage();
+            report->AppendKept(MakeTexts());
+        }
+        auto* column = new Zel2Column(1);
+        report->Append(column);
+        Fill(*column, depth - 1);
+        if (Below(2)) report->MakePages(300 + Below(600));
+        report->SelectPage(Below(3));
+    }
+    void AddGraph(Zel2Set& set, int depth) {
+        auto* graph = new Zel2Graph;
+        set.Add(graph);
+        if (Below(2)) graph->SetGraphSize(CSize(1000 + Below(3000), 1000 + Below(3000)));
+        if (Below(2)) graph->SetMargins(Below(300), Below(300), Below(300), Below(300));
+        if (Below(8)) graph->SetCoord(-Below(9), -Below(9), 1 + Below(9), 1 + Below(9));
+        graph->SetLabelAngles(Below(8) * 450, Below(8) * 450);
+        graph->SetFrameStyle(Below(5));
+        graph->LabelY(Below(4) != 0);
+        graph->HideYLabels(Below(4) == 0);
+        auto* points = new Zel2PointArray;
+        for (int i = 0; i < Below(30); ++i)
+            points->Append(Below(20) - 10, Below(9) ? Below(20) - 10.0 : std::nan(""));
+        points->SetPen(Below(4) - 1);
+        points->SetColor(Below(4) - 1);
+        points->SetSymbol(Below(4) - 1, Below(2) != 0);
+        points->SetExtension(static_cast<unsigned>(Below(10)), static_cast<unsigned>(Below(10)));
+        graph->AddIn(points);
+        if (Below(2)) graph->AddIn(MakePolygon());
+        Fill(*graph, depth - 1);
+    }
+    std::mt19937 random_;
+};
+
+}  // namespace zel::test
