@@ -25,6 +25,8 @@ struct DocumentHeader {
     std::uint64_t contentLength = 0;
     std::uint32_t contentChecksum = 0;
 
+    // Whether two bytes are the first of a document.
+    static bool Begins(const std::uint8_t (&bytes)[2]) { return bytes[0] == 0x89 && bytes[1] == 'Z'; }
     Bytes Encode() const;
     // Throws CArchiveException* that names `source` when the bytes are no header, or one of a newer version.
     static DocumentHeader Decode(const Bytes& bytes, const std::string& source);

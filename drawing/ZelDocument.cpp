@@ -121,6 +121,24 @@ std::unique_ptr<Zel2Main> LoadDocument(const void* bytes, std::size_t size, cons
     return Load(file, name);
 }
 
+void TraceDrawing(const char* path, ArchiveTrace& trace) {
+    CFile file(path, CFile::modeRead);
+    std::uint8_t first[2] = {};
+    const bool tagged = file.Read(first, 2) == 2 && first[0] == 0xFF && first[1] == 0xFF;
+    const bool document = DocumentHeader::Begins(first);
+    file.Seek(document ? DocumentHeader::kSize : 0, CFile::begin);
+    CArchive ar(&file, CArchive::load);
+    if (document) ar.SetDialect(CArchive::Dialect::COMPLETE);
+    ar.SetTrace(&trace);
+    // Hosts store a drawing with its class or only what is in it.
+    if (document || tagged) {
+        const std::unique_ptr<CObject> drawing = ar.ReadNewObject(nullptr);
+    } else {
+        Zel2Main drawing;
+        drawing.Serialize(ar);
+    }
+}
+
 std::unique_ptr<Zel2> DeepCopy(Zel2& object) {
     CMemFile file;
     StoreComplete(file, object);

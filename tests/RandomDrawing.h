@@ -72,7 +72,7 @@ class RandomDrawing {
                 break;
             }
             case 7:
-                set.Add(MakeTexts());
+                set.Add(Below(3) ? MakeTexts() : MakeLines());
                 break;
             case 8: {
                 auto* row = new Zel2Row(Below(4));
@@ -125,7 +125,14 @@ class RandomDrawing {
                 break;
         }
     }
-    Zel2TextTable* MakeTexts() {
+    Zel2* MakeLines() {
+        auto* column =
+            new Zel2TextColumn(CSize(800, 150), Below(4) - 1, Below(16), Below(4) - 1, Below(4) - 1);
+        column->AddTitle("title", -1, -1, DT_CENTER, -2, -2);
+        for (int i = 0; i < Below(4); ++i) column->Add("line");
+        return column;
+    }
+    Zel2* MakeTexts() {
         const int columns = Below(4), rows = Below(5);
         auto* table = new Zel2TextTable(columns, rows);
         table->SetNHeaderRows(Below(3));

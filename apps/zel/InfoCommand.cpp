@@ -2,7 +2,9 @@
 
 #include <zel/zel.h>
 
+#include <algorithm>
 #include <cstdio>
+#include <iomanip>
 #include <iostream>
 
 namespace zel::cli {
@@ -78,20 +80,72 @@ void PrintObject(Zel2& object, const std::string& indent) {
     if (auto* set = dynamic_cast<Zel2Set*>(&object)) PrintChildren(*set, indent + "  ");
 }
 
+// A line for each value, with its offset, indented by the objects that it stands in.
+class Dump : public ArchiveTrace {
+  public:
+    void Number(std::uint64_t offset, std::size_t size, bool isFloat, const std::string& value) override {
+        Begin(offset) << (isFloat ? "float" : "int") << 8 * size << " " << value << "\n";
+    }
+    void Text(std::uint64_t offset, const std::string& text) override {
+        Begin(offset) << "text \"" << text << "\"\n";
+    }
+    void Block(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) override {
+        Begin(offset) << count << " bytes:" << std::hex << std::setfill('0');
+        for (std::size_t i = 0; i < std::min(count, kShownBytes); ++i)
+            std::cout << " " << std::setw(2) << static_cast<int>(bytes[i]);
+        std::cout << std::dec << (count > kShownBytes ? " ..." : "") << "\n";
+    }
+    void BeginObject(std::uint64_t offset, const char* className, std::uint32_t number,
+                     bool newClass) override {
+        Begin(offset) << (newClass ? "object of the new class " : "object of class ") << className
+                      << ", number " << number << "\n";
+        ++depth_;
+    }
+    void EndObject() override { --depth_; }
+    void Reference(std::uint64_t offset, std::uint32_t number) override {
+        if (number == 0)
+            Begin(offset) << "no object\n";
+        else
+            Begin(offset) << "object number " << number << " again\n";
+    }
+
+  private:
+    static constexpr std::size_t kShownBytes = 16;
+
+    std::ostream& Begin(std::uint64_t offset) const {
+        return std::cout << std::setfill(' ') << std::setw(10) << offset << "  "
+                         << std::string(2 * depth_, ' ');
+    }
+    std::size_t depth_ = 0;
+};
+
+void PrintSummary(const std::string& path) {
+    const auto drawing = LoadDocument(path.c_str());
+    const CSize size = drawing->Size();
+    std::cout << path << ": " << size.cx << " x " << size.cy << " thousandths of an inch, "
+              << (drawing->Rules() == ZelRules::EXACT ? "exact" : "classic") << " rules\n";
+    PrintObject(*drawing, "");
+    PrintTools(*drawing, "");
+}
+
 }  // namespace
 
 void AddInfoCommand(CLI::App& app) {
     CLI::App* command = app.add_subcommand("info", "Print what is in a drawing: objects, tools, sizes");
     auto input = std::make_shared<std::string>();
-    command->add_option("drawing", *input, "Document (.zel) to read")->required();
-    command->footer("Example:\n  zel info drawing.zel");
-    command->callback([input] {
-        const auto drawing = LoadDocument(input->c_str());
-        const CSize size = drawing->Size();
-        std::cout << *input << ": " << size.cx << " x " << size.cy << " thousandths of an inch, "
-                  << (drawing->Rules() == ZelRules::EXACT ? "exact" : "classic") << " rules\n";
-        PrintObject(*drawing, "");
-        PrintTools(*drawing, "");
+    auto dump = std::make_shared<bool>(false);
+    command->add_option("drawing", *input, "Document (.zel) to read; with --dump also a classic archive")
+        ->required();
+    command->add_flag("--dump", *dump,
+                      "Print every value of the content with its offset, up to where the file is broken");
+    command->footer("Examples:\n  zel info drawing.zel\n  zel info --dump broken.zel");
+    command->callback([input, dump] {
+        if (!*dump) {
+            PrintSummary(*input);
+            return;
+        }
+        Dump trace;
+        TraceDrawing(input->c_str(), trace);
     });
 }
 

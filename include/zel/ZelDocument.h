@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zel/Zel2Main.h>
+#include <zel/platform/Archive.h>
 
 #include <memory>
 
@@ -20,6 +21,11 @@ void SaveDocument(Zel2Main& drawing, const char* path);
 std::unique_ptr<Zel2Main> LoadDocument(const char* path);
 // The same from bytes in memory (borrowed for the call); `name` stands for the source in messages.
 std::unique_ptr<Zel2Main> LoadDocument(const void* bytes, std::size_t size, const char* name);
+
+// Reads the content of a document, or a classic archive of a drawing, and tells `trace` of everything that is
+// read, up to where it fails: for examining broken files. A document's checksums are not looked at. Offsets
+// count from the beginning of the content: a document's header is 40 bytes. Throws as LoadDocument does.
+void TraceDrawing(const char* path, ArchiveTrace& trace);
 
 // An independent copy of `object` and everything below it, made through the complete dialect. The copy has no
 // parent.

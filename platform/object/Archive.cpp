@@ -3,6 +3,8 @@
 #include <zel/platform/File.h>
 
 #include <algorithm>
+#include <charconv>
+#include <iterator>
 #include <unordered_map>
 #include <utility>
 
@@ -143,7 +145,44 @@ std::size_t CArchive::Read(void* buffer, std::size_t count) {
     return done;
 }
 
+// While it lives, what is read is part of something that is told as a whole.
+class CArchive::Untraced {
+  public:
+    explicit Untraced(CArchive& archive)
+        : archive_(archive), trace_(std::exchange(archive.trace_, nullptr)) {}
+    ~Untraced() { archive_.trace_ = trace_; }
+    Untraced(const Untraced&) = delete;
+    Untraced& operator=(const Untraced&) = delete;
+
+  private:
+    CArchive& archive_;
+    zel::ArchiveTrace* trace_;
+};
+
+// Without a buffer every value takes the path that tells of it.
+void CArchive::SetTrace(zel::ArchiveTrace* trace) {
+    trace_ = trace;
+    buffer_.clear();
+    cursor_ = bufferEnd_ = filledEnd_ = buffer_.data();
+}
+
+void CArchive::TraceFloat(std::uint64_t at, std::size_t size, double value) {
+    char text[40];
+    const auto end = std::to_chars(std::begin(text), std::end(text), value).ptr;
+    trace_->Number(at, size, true, std::string(text, end));
+}
+
+void CArchive::TraceInteger(std::uint64_t at, std::size_t size, std::int64_t value) {
+    trace_->Number(at, size, false, std::to_string(value));
+}
+
 void CArchive::ReadExact(void* buffer, std::size_t count) {
+    const std::uint64_t at = Offset();
+    ReadRaw(buffer, count);
+    if (trace_) trace_->Block(at, static_cast<const std::uint8_t*>(buffer), count);
+}
+
+void CArchive::ReadRaw(void* buffer, std::size_t count) {
     const std::size_t got = Read(buffer, count);
     if (got < count) {
         Fail(CArchiveException::endOfFile,
@@ -241,6 +280,15 @@ std::string FromUtf16(const std::vector<char16_t>& units) {
 }  // namespace
 
 CArchive& CArchive::operator>>(CString& text) {
+    if (zel::ArchiveTrace* trace = trace_) {
+        const std::uint64_t at = Offset();
+        {
+            const Untraced whole(*this);
+            *this >> text;
+        }
+        trace->Text(at, text.GetString());
+        return *this;
+    }
     bool wide = false;
     const std::uint64_t length = ReadStringLength(wide);
     CheckCount(static_cast<std::int64_t>(length), wide ? 2 : 1);
@@ -320,16 +368,26 @@ void CArchive::CheckKind(const CRuntimeClass* record, const CRuntimeClass* expec
 
 CObject* CArchive::ReadTagged(const CRuntimeClass* expected, bool newOnly) {
     RequireMode(true);
+    const std::uint64_t at = Offset();
     WORD tag = 0;
-    *this >> tag;
-    DWORD index = tag & 0x7FFFu;
-    bool isClass = (tag & kClassFlag) != 0;
-    if (tag == kNewClassTag) return ReadNewInstance(ReadNewClass(), expected);
-    if (tag == kBigTag) {
-        *this >> index;
-        isClass = (index & kBigClassFlag) != 0;
-        index &= ~kBigClassFlag;
+    DWORD index = 0;
+    bool isClass = false;
+    CRuntimeClass* newClass = nullptr;
+    {
+        const Untraced whole(*this);
+        *this >> tag;
+        index = tag & 0x7FFFu;
+        isClass = (tag & kClassFlag) != 0;
+        if (tag == kNewClassTag) {
+            newClass = ReadNewClass();
+        } else if (tag == kBigTag) {
+            *this >> index;
+            isClass = (index & kBigClassFlag) != 0;
+            index &= ~kBigClassFlag;
+        }
     }
+    if (newClass) return ReadNewInstance(newClass, expected, at, true);
+    if (!isClass && trace_) trace_->Reference(at, index);
     if (!isClass && index == 0) {
         if (newOnly) Fail(CArchiveException::badIndex, "an object is missing");
         return nullptr;
@@ -343,7 +401,7 @@ CObject* CArchive::ReadTagged(const CRuntimeClass* expected, bool newOnly) {
         if (!entry.record)
             Fail(CArchiveException::badIndex, "number " + std::to_string(index) + " is no class");
         schema_ = entry.schema;
-        return ReadNewInstance(entry.record, expected);
+        return ReadNewInstance(entry.record, expected, at, false);
     }
     if (!entry.object) Fail(CArchiveException::badIndex, "number " + std::to_string(index) + " is no object");
     if (newOnly)
@@ -381,7 +439,8 @@ CRuntimeClass* CArchive::ReadNewClass() {
     return record;
 }
 
-CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected) {
+CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected, std::uint64_t at,
+                                   bool newClass) {
     CheckKind(record, expected);
     if (depth_ >= kMostNesting) {
         Fail(CArchiveException::badIndex,
@@ -390,6 +449,7 @@ CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* e
     std::unique_ptr<CObject> object(record->CreateObject());
     // The object has its number before its data is read, so that what it holds can refer to it.
     const std::size_t index = maps_->loaded.size();
+    if (trace_) trace_->BeginObject(at, record->m_lpszClassName, static_cast<std::uint32_t>(index), newClass);
     maps_->loaded.push_back({object.get(), nullptr, 0});
     maps_->classes.push_back(record);
     ++depth_;
@@ -403,6 +463,7 @@ CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* e
     }
     --depth_;
     maps_->classes.pop_back();
+    if (trace_) trace_->EndObject();
     return object.release();
 }
 

@@ -7,10 +7,14 @@
 #include <zel/zel.h>
 
 #include <cmath>
+#include <csignal>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -139,6 +143,89 @@ TEST(Document, DrawsAnyTreeAsBefore) {
         EXPECT_EQ(Content(first), Content(second)) << "seed " << seed;
         EXPECT_EQ(Drawn(*loaded), Drawn(*drawing)) << "seed " << seed;
     }
+}
+
+// A document of each format version lies in the source tree for ever: it loads, and draws what it drew when
+// it was written.
+TEST(Document, ReadsEveryVersion) {
+    for (int version = 1; version <= zel::kDocumentVersion; ++version) {
+        const std::string base = std::string(ZEL_DOCUMENTS) + "/version-" + std::to_string(version);
+        const auto drawing = zel::LoadDocument((base + ".zel").c_str());
+        EXPECT_EQ(Drawn(*drawing), Content(base + ".txt")) << "version " << version;
+        if (version < zel::kDocumentVersion) continue;
+        const TemporaryFolder folder;
+        zel::SaveDocument(*zel::LoadDocument((base + ".zel").c_str()), (folder / "again.zel").c_str());
+        EXPECT_EQ(Content(folder / "again.zel"), Content(base + ".zel"));
+    }
+}
+
+// The saver is killed as soon as its file would grow beyond each of many sizes: whatever it was doing, the
+// old document is there, or the new one.
+TEST(Document, SurvivesTheDeathOfItsSaver) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "drawing.zel";
+    Zel2Main old, changed;
+    old.Add(new Zel2Rect);
+    auto* series = new Zel2PointArray;
+    for (int i = 0; i < 20000; ++i) series->Append(i, i % 7);
+    changed.Add(series);
+    zel::SaveDocument(changed, path.c_str());
+    const std::string after = Content(path);
+    zel::SaveDocument(old, path.c_str());
+    const std::string before = Content(path);
+    for (std::size_t size = 0; size <= after.size() + 4096; size += 7919) {
+        const pid_t saver = fork();
+        if (saver == 0) {
+            const rlimit limit{size, size};
+            setrlimit(RLIMIT_FSIZE, &limit);
+            std::signal(SIGXFSZ, SIG_DFL);
+            zel::SaveDocument(changed, path.c_str());
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(saver, &status, 0);
+        const bool died = WIFSIGNALED(status);
+        EXPECT_EQ(died, size < after.size()) << size;
+        EXPECT_EQ(Content(path), died ? before : after) << size;
+    }
+}
+
+TEST(Document, TellsWhatIsReadWithItsPlace) {
+    class Listener : public zel::ArchiveTrace {
+      public:
+        void Number(std::uint64_t offset, std::size_t size, bool, const std::string& value) override {
+            told += std::to_string(offset) + ":" + value + "/" + std::to_string(size) + " ";
+        }
+        void Text(std::uint64_t offset, const std::string& text) override {
+            told += std::to_string(offset) + ":'" + text + "' ";
+        }
+        void Block(std::uint64_t offset, const std::uint8_t*, std::size_t count) override {
+            told += std::to_string(offset) + ":[" + std::to_string(count) + "] ";
+        }
+        void BeginObject(std::uint64_t offset, const char* name, std::uint32_t number, bool) override {
+            told += std::to_string(offset) + ":" + name + "#" + std::to_string(number) + "{ ";
+        }
+        void EndObject() override { told += "} "; }
+        void Reference(std::uint64_t offset, std::uint32_t number) override {
+            told += std::to_string(offset) + ":@" + std::to_string(number) + " ";
+        }
+        std::string told;
+    };
+    const TemporaryFolder folder;
+    const std::string path = folder / "a.zel";
+    Zel2Main drawing;
+    drawing.Add(new Zel2Text("abc", CPoint(7, 8), -1, 0, 0, -1, -1, {-1, 0.5F}));
+    zel::SaveDocument(drawing, path.c_str());
+    Listener whole;
+    zel::TraceDrawing(path.c_str(), whole);
+    EXPECT_THAT(whole.told, testing::StartsWith("0:Zel2Main#2{ 14:0/4 18:0/4 "));
+    EXPECT_THAT(whole.told, testing::HasSubstr("{ 61:7/4 65:8/4 69:0/4 73:'abc' 77:0/4 "));
+    EXPECT_THAT(whole.told, testing::HasSubstr(":0.5/4 } "));
+    std::filesystem::resize_file(path, 40 + 76);
+    Listener broken;
+    EXPECT_THAT(MessageOf<CArchiveException>([&] { zel::TraceDrawing(path.c_str(), broken); }),
+                testing::HasSubstr("Zel2Text"));
+    EXPECT_THAT(broken.told, testing::EndsWith("69:0/4 ")) << "as far as it goes";
 }
 
 Bytes Stored(CObject& object) {

@@ -15,8 +15,29 @@
 class CFile;
 
 namespace zel {
+
 struct ArchiveMaps;
-}
+
+// Is told of everything that is read from an archive, with its offset in the stream: the eye of programs that
+// examine broken files.
+class ArchiveTrace {
+  public:
+    virtual ~ArchiveTrace() = default;
+    // A number of `size` bytes, in decimal; a text.
+    virtual void Number(std::uint64_t offset, std::size_t size, bool isFloat, const std::string& value) = 0;
+    virtual void Text(std::uint64_t offset, const std::string& text) = 0;
+    // A run of bytes that the reader takes as they are.
+    virtual void Block(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) = 0;
+    // An object begins; `number` is its own in the index space of the stream, `newClass` whether its class
+    // is named here for the first time.
+    virtual void BeginObject(std::uint64_t offset, const char* className, std::uint32_t number,
+                             bool newClass) = 0;
+    virtual void EndObject() = 0;
+    // A null or an object that was read before; the number is 0 for null.
+    virtual void Reference(std::uint64_t offset, std::uint32_t number) = 0;
+};
+
+}  // namespace zel
 
 // Stores values and objects in a file, or loads them from it. All values are little endian. Objects are
 // preceded by a tag: 0 for null, 0xFFFF for the first object of a class (schema, name and object follow),
@@ -93,7 +114,7 @@ class CArchive {
     requires(std::is_arithmetic_v<T> && !std::is_same_v<T, bool> && !std::is_same_v<T, long double>) CArchive&
     operator>>(T& value) {
         if (filledEnd_ - cursor_ < static_cast<std::ptrdiff_t>(sizeof value) || !loading_) {
-            ReadExact(&value, sizeof value);
+            ReadSlowly(value);
         } else {
             std::memcpy(&value, cursor_, sizeof value);
             cursor_ += sizeof value;
@@ -113,6 +134,9 @@ class CArchive {
         return *this;
     }
 
+    // Loading, before anything is read: `trace` (borrowed) is told of all that is read from here on.
+    void SetTrace(zel::ArchiveTrace* trace);
+
     // Raises CArchiveException* with `why` in a sentence that names the class being read or written and the
     // offset.
     [[noreturn]] void Fail(int cause, const std::string& why) const;
@@ -121,12 +145,29 @@ class CArchive {
     // The framework's own streams are little endian; so are the machines that this library runs on.
     static_assert(std::endian::native == std::endian::little);
 
+    class Untraced;
+
+    template <class T>
+    void ReadSlowly(T& value) {
+        const std::uint64_t at = Offset();
+        ReadRaw(&value, sizeof value);
+        if (!trace_) return;
+        if constexpr (std::is_floating_point_v<T>) {
+            TraceFloat(at, sizeof value, static_cast<double>(value));
+        } else {
+            TraceInteger(at, sizeof value, static_cast<std::int64_t>(value));
+        }
+    }
+    void ReadRaw(void* buffer, std::size_t count);
+    void TraceFloat(std::uint64_t at, std::size_t size, double value);
+    void TraceInteger(std::uint64_t at, std::size_t size, std::int64_t value);
     void Fill();
     void WriteClassTag(const CRuntimeClass* record);
     void WriteIndexTag(std::uint32_t index, bool isClass);
     CObject* ReadTagged(const CRuntimeClass* expected, bool newOnly);
     CRuntimeClass* ReadNewClass();
-    CObject* ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected);
+    CObject* ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected, std::uint64_t at,
+                             bool newClass);
     void CheckKind(const CRuntimeClass* record, const CRuntimeClass* expected) const;
     std::uint64_t ReadStringLength(bool& wide);
     void RequireMode(bool loading) const;
@@ -143,4 +184,5 @@ class CArchive {
     std::unique_ptr<zel::ArchiveMaps> maps_;
     UINT schema_ = static_cast<UINT>(-1);
     int depth_ = 0;
+    zel::ArchiveTrace* trace_ = nullptr;
 };
