@@ -5,7 +5,7 @@ import subprocess
 import sys
 
 # For each folder of sources, the folders whose private headers it may include.
-LAYERS = ["platform/object", "platform/graphics", "platform/windows", "core", "tools", "drawing", "graphs", "layout"]
+LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "core", "tools", "drawing", "graphs", "layout"]
 ALLOWED = {folder: LAYERS[: i + 1] for i, folder in enumerate(LAYERS)}
 ALLOWED["layout"] = [f for f in LAYERS if f != "graphs"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]
