@@ -68,9 +68,25 @@ COleVariant ForField(const COleVariant& value, const zel::ColumnInfo& column) {
     } else {
         converted.ChangeType(kind);
     }
+    if (kind == VT_DATE && COleDateTime(converted.date).GetStatus() != COleDateTime::valid)
+        throw new COleException(DISP_E_OVERFLOW, "Cannot take a date outside the years 100 to 9999");
     // Whole numbers are as wide as they need to be; what is too wide for the table is the database's to say.
     if (kind == VT_I8) converted.SetInteger(std::int64_t{converted.llVal});
     return converted;
+}
+
+// The column's own name in what SQL takes for one: without its table and its quotes.
+std::string BareName(std::string name) {
+    const auto quoted = [&](char open, char close) {
+        return name.size() > 2 && name.back() == close &&
+               name.rfind(open, name.size() - 2) != std::string::npos;
+    };
+    for (const auto& [open, close] : {std::pair('"', '"'), std::pair('[', ']'), std::pair('`', '`')}) {
+        if (!quoted(open, close)) continue;
+        const std::size_t begin = name.rfind(open, name.size() - 2);
+        return name.substr(begin + 1, name.size() - begin - 2);
+    }
+    return name.substr(name.rfind('.') + 1);
 }
 
 }  // namespace
@@ -212,8 +228,10 @@ void CDaoRecordset::CheckIndex(int index) const {
 int CDaoRecordset::IndexOf(const char* name) const {
     const auto& columns = Rows().Columns();
     const char* wanted = name ? name : "";
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (strcasecmp(columns[i].name.c_str(), wanted) == 0) return static_cast<int>(i);
+    for (const std::string& form : {std::string(wanted), BareName(wanted)}) {
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            if (strcasecmp(columns[i].name.c_str(), form.c_str()) == 0) return static_cast<int>(i);
+        }
     }
     std::string known;
     for (const zel::ColumnInfo& column : columns) known += (known.empty() ? "" : ", ") + column.name;
@@ -224,6 +242,8 @@ int CDaoRecordset::IndexOf(const char* name) const {
 void CDaoRecordset::GetFieldInfo(int index, CDaoFieldInfo& info, DWORD options) const {
     CheckIndex(index);
     zel::ColumnInfo& column = rows_->Columns()[static_cast<std::size_t>(index)];
+    if (!column.described) rows_->Connection().Describe(column);
+    column.described = true;
     info = {};
     info.m_strName = column.name;
     info.m_nType = column.type;
@@ -231,7 +251,6 @@ void CDaoRecordset::GetFieldInfo(int index, CDaoFieldInfo& info, DWORD options) 
     info.m_lAttributes = static_cast<LONG>(column.attributes);
     if (readOnly_) info.m_lAttributes &= ~dbUpdatableField;
     if (!(options & (AFX_DAO_SECONDARY_INFO | AFX_DAO_ALL_INFO))) return;
-    rows_->Connection().Describe(column);
     info.m_nOrdinalPosition = static_cast<short>(index);
     info.m_bRequired = column.required;
     info.m_bAllowZeroLength = column.type == dbText || column.type == dbMemo;

@@ -29,9 +29,8 @@ void CDaoDatabase::Connect(const char* name, const char* connect, bool exclusive
     address.readOnly = readOnly;
     address.create = create;
     address.loginTimeout = loginTimeout_;
-    std::unique_ptr<zel::DatabaseConnection> opened = zel::Connect(address);
-    opened->SetQueryTimeout(queryTimeout_);
-    connection_ = std::move(opened);
+    address.queryTimeout = queryTimeout_;
+    connection_ = zel::Connect(address);
     name_ = address.name;
     connect_ = address.connect;
 }

@@ -65,6 +65,12 @@ std::string WithoutPasswords(const std::string& connect) {
     return kept;
 }
 
+std::string BracedForConnect(const std::string& value) {
+    std::string braced = "{";
+    for (const char c : value) braced += c == '}' ? std::string("}}") : std::string(1, c);
+    return braced + "}";
+}
+
 std::string DatabaseAddress::Shown() const {
     return "\"" + (name.empty() ? WithoutPasswords(connect) : name) + "\"";
 }

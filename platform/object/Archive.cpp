@@ -289,7 +289,8 @@ void CArchive::WriteObject(const CObject* object) {
         WriteIndexTag(known->second, false);
         return;
     }
-    const CRuntimeClass* record = object->GetRuntimeClass();
+    const CRuntimeClass* record =
+        dialect_ == Dialect::COMPLETE ? object->GetDocumentClass() : object->GetRuntimeClass();
     if (!record->IsSerializable()) {
         Fail(CArchiveException::badClass,
              std::string("objects of class ") + record->m_lpszClassName + " cannot be stored");

@@ -18,6 +18,7 @@ struct DatabaseAddress {
     bool readOnly = false;
     bool create = false;    // the file must not exist yet
     int loginTimeout = 20;  // seconds until a server that does not answer is given up
+    int queryTimeout = 60;  // seconds, as SetQueryTimeout takes them
 
     // For messages: the name, or the connection without its passwords.
     std::string Shown() const;
@@ -25,6 +26,8 @@ struct DatabaseAddress {
 
 // A connection string without the parts that are, or may hold, passwords.
 std::string WithoutPasswords(const std::string& connect);
+// A value in braces, as connection strings take it whatever characters it has.
+std::string BracedForConnect(const std::string& value);
 
 // A column of a result.
 struct ColumnInfo {
@@ -37,6 +40,7 @@ struct ColumnInfo {
     std::string sourceTable;
     std::string sourceColumn;
     bool required = false;
+    bool described = false;    // by DatabaseConnection::Describe
     bool ownKeyValue = false;  // ReadKey answers something else than Read
     std::string defaultValue;  // as the database writes it
 };
@@ -72,7 +76,7 @@ class DatabaseConnection {
     virtual void Rollback() = 0;
     // The columns of a table's primary key; none when it has no key.
     virtual std::vector<std::string> PrimaryKey(const ColumnInfo& column) = 0;
-    // Fills in `required` and `defaultValue`, which cost a question of their own.
+    // Fills in what costs a question of its own: `required`, `defaultValue`, dbAutoIncrField.
     virtual void Describe(ColumnInfo& column) = 0;
     virtual bool CanUpdate() const = 0;
     // Seconds that a query may wait for locks or, on a server, take at all; 0: without limit.

@@ -41,6 +41,9 @@ class CObject {
     virtual void Serialize(CArchive& ar);
     virtual void AssertValid() const;
     virtual void Dump(CDumpContext& dc) const;
+    // The class under which archives of the complete dialect keep the object. Another one than
+    // GetRuntimeClass() for classes that host programs know under the record of their base.
+    virtual CRuntimeClass* GetDocumentClass() const { return GetRuntimeClass(); }
 
     bool IsKindOf(const CRuntimeClass* record) const { return GetRuntimeClass()->IsDerivedFrom(record); }
     bool IsSerializable() const { return GetRuntimeClass()->IsSerializable(); }
