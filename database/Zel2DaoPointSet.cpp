@@ -81,10 +81,14 @@ void Zel2DaoPointSet::ReadPoints(CDaoRecordset& records, const char* xVar, const
     const DBField xField = FieldOf(records, xVar, 0, gaps);
     const DBField yField = FieldOf(records, yVar, 1, gaps);
     const bool years = dates_ == Dates::YEARS && xField.Type() == dbDate;
-    for (; !records.IsEOF(); records.MoveNext()) {
+    while (!records.IsEOF()) {
+        // Runs of plain numbers need no fields; they are most of what series are made of.
+        records.ReadNumbers(xField.Ordinal(), yField.Ordinal(), *GetXVec(), *GetYVec());
+        if (records.IsEOF()) break;
         const double x = xField;
         const double y = yField;
         Append(years && std::isfinite(x) ? YearOf(x) : x, y);
+        records.MoveNext();
     }
 }
 

@@ -161,6 +161,26 @@ void Cursor::ReadBound(std::size_t column, COleVariant& value) const {
     }
 }
 
+std::size_t Cursor::ReadNumbers(int xColumn, int yColumn, std::vector<double>& xs, std::vector<double>& ys,
+                                bool& ended) {
+    ended = false;
+    std::size_t count = 0;
+    const auto x = static_cast<std::size_t>(xColumn), y = static_cast<std::size_t>(yColumn);
+    const auto isPlain = [this](std::size_t column) {
+        return columns_[column].form == Form::NUMBER && infos_[column].type == dbDouble;
+    };
+    if (!isPlain(x) || !isPlain(y)) return count;
+    while (bound_[x].lengths[row_] != SQL_NULL_DATA && bound_[y].lengths[row_] != SQL_NULL_DATA) {
+        xs.push_back(bound_[x].numbers[row_]);
+        ys.push_back(bound_[y].numbers[row_]);
+        ++count;
+        if (Next()) continue;
+        ended = true;
+        break;
+    }
+    return count;
+}
+
 void Cursor::ReadLong(std::size_t column, COleVariant& value) {
     const auto at = static_cast<SQLUSMALLINT>(column + 1);
     if (columns_[column].form == Form::TEXT) {

@@ -20,6 +20,8 @@ class Cursor : public DatabaseCursor {
     const std::vector<ColumnInfo>& Columns() const override { return infos_; }
     bool Next() override;
     void Read(int column, COleVariant& value) override;
+    std::size_t ReadNumbers(int xColumn, int yColumn, std::vector<double>& xs, std::vector<double>& ys,
+                            bool& ended) override;
 
   private:
     // A column's values of one block.

@@ -14,9 +14,14 @@ class Cursor : public DatabaseCursor {
     bool Next() override;
     void Read(int column, COleVariant& value) override;
     void ReadKey(int column, COleVariant& value) override;
+    std::size_t ReadNumbers(int xColumn, int yColumn, std::vector<double>& xs, std::vector<double>& ys,
+                            bool& ended) override;
 
   private:
     bool Step();
+    // What a step's result means; a failure is thrown.
+    bool IsRow(int code);
+    bool IsPlain(int column) const;
 
     const Connection& connection_;
     std::string subject_;

@@ -26,6 +26,8 @@ class DBField {
     void Define(CDaoRecordset* rs, const char* fieldName, bool retNull);
 
     CString Name() const { return name; }
+    // The field's place in the recordset, from 0; -1 for none.
+    int Ordinal() const { return index; }
     // dbDouble, dbText and so on; -1 when the field is not defined.
     int Type() const { return type; }
     // dbUpdatableField and so on.

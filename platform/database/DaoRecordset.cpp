@@ -297,6 +297,12 @@ BOOL CDaoRecordset::IsFieldNull(int index) const {
     return GetFieldValue(index).IsNull();
 }
 
+void CDaoRecordset::ReadNumbers(int xIndex, int yIndex, std::vector<double>& xs, std::vector<double>& ys) {
+    CheckIndex(xIndex);
+    CheckIndex(yIndex);
+    if (editMode_ == dbEditNone) rows_->ReadNumbers(xIndex, yIndex, xs, ys);
+}
+
 // Changing
 
 zel::DatabaseConnection& CDaoRecordset::Writable(const char* attempt) const {

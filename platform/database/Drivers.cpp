@@ -48,6 +48,11 @@ void DatabaseCursor::ReadKey(int column, COleVariant& value) {
     Read(column, value);
 }
 
+std::size_t DatabaseCursor::ReadNumbers(int, int, std::vector<double>&, std::vector<double>&, bool& ended) {
+    ended = false;
+    return 0;
+}
+
 std::string DatabaseConnection::Quoted(const std::string& name) const {
     std::string quoted = "\"";
     for (const char c : name) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);

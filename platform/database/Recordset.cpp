@@ -41,9 +41,21 @@ void Recordset::Next() {
         visited_ = std::max(visited_, ++position_ + 1);
     } else {
         ++position_;
-        place_ = Place::BEHIND;
-        cursor_.reset();  // lets go of the database's locks
+        End();
     }
+}
+
+void Recordset::End() {
+    place_ = Place::BEHIND;
+    cursor_.reset();  // lets go of the database's locks
+}
+
+void Recordset::ReadNumbers(int xColumn, int yColumn, std::vector<double>& xs, std::vector<double>& ys) {
+    if (held_ || !cursor_ || !IsOnRow()) return;
+    bool ended = false;
+    position_ += static_cast<long>(cursor_->ReadNumbers(xColumn, yColumn, xs, ys, ended));
+    visited_ = std::max(visited_, position_ + (ended ? 0 : 1));
+    if (ended) End();
 }
 
 void Recordset::Settle(long position, int direction) {

@@ -41,6 +41,8 @@ class Recordset {
         }
     }
     void ReadKey(int column, COleVariant& value);
+    // See DatabaseCursor::ReadNumbers; held rows are not passed.
+    void ReadNumbers(int xColumn, int yColumn, std::vector<double>& xs, std::vector<double>& ys);
 
     void Hold();
     // The current row, which must be held, has new values or is gone.
@@ -56,6 +58,7 @@ class Recordset {
   private:
     enum class Place { BEFORE, ON, BEHIND };
 
+    void End();
     std::size_t Index() const { return static_cast<std::size_t>(position_ - heldFrom_); }
     long HeldEnd() const { return heldFrom_ + static_cast<long>(deleted_.size()); }
     void Restart();

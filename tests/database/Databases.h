@@ -2,42 +2,16 @@
 #pragma once
 
 #include "Support.h"
+#include "database/PostgresServer.h"
 
 #include <zel/platform/Dao.h>
 #include <zel/platform/MessageBox.h>
 
 #include <memory>
 #include <string>
-#include <sys/types.h>
 #include <vector>
 
 namespace zel::test {
-
-// A PostgreSQL server on the loopback interface, in a temporary folder. It is stopped with the object, and by
-// the system if the test dies before. A fault of starting it fails the test.
-class PostgresServer {
-  public:
-    PostgresServer();
-    ~PostgresServer();
-    PostgresServer(const PostgresServer&) = delete;
-    PostgresServer& operator=(const PostgresServer&) = delete;
-
-    // "ODBC;DRIVER=...;" for the database "postgres".
-    std::string Connect() const;
-    int Port() const { return port_; }
-    // Kills the server as a power cut would.
-    void Kill();
-
-  private:
-    void Initialise();
-    void Start();
-    bool Answers() const;
-
-    TemporaryFolder folder_;
-    std::string data_;
-    int port_ = 0;
-    pid_t process_ = -1;
-};
 
 // One server for all tests of a process that do not break it.
 PostgresServer& SharedServer();

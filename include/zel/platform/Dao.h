@@ -232,6 +232,11 @@ class CDaoRecordset : public CObject {
     COleVariant GetFieldValue(int index) const;
     COleVariant GetFieldValue(const char* name) const;
     BOOL IsFieldNull(int index) const;
+    // The short way to read two fields of many records, for series: appends their values and moves on,
+    // beginning with the current record, as long as both are plain numbers. Ends at the first record with
+    // another value (a null, a date, a text), which is the current one then, or behind the last. May pass
+    // none at all.
+    void ReadNumbers(int xIndex, int yIndex, std::vector<double>& xs, std::vector<double>& ys);
 
     // Changes are made between Edit or AddNew and Update. Values are converted to the kind of the field.
     short GetEditMode() const { return editMode_; }

@@ -56,6 +56,11 @@ class DatabaseCursor {
     virtual void Read(int column, COleVariant& value) = 0;
     // The value with which a condition finds the row again.
     virtual void ReadKey(int column, COleVariant& value);
+    // The short way for series: appends the values of two columns, of the current row and of those that
+    // follow, as long as both are numbers that Read would give as they are. Answers the number of rows that
+    // were passed; the row behind them is the current one unless `ended` is set. The default passes none.
+    virtual std::size_t ReadNumbers(int xColumn, int yColumn, std::vector<double>& xs,
+                                    std::vector<double>& ys, bool& ended);
 };
 
 // An open database. Every failure is a CDaoException* with the database's own words. Closed by the
