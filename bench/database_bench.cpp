@@ -1,6 +1,6 @@
 // A million points from SQLite and from PostgreSQL, beside bare loops over SQLite's and ODBC's C interfaces
 // that do nothing but store the same points.
-#include "database/PostgresServer.h"
+#include "tests/database/PostgresServer.h"
 
 #include <zel/Zel2DaoPointSet.h>
 #include <zel/odbc/Install.h>
