@@ -168,6 +168,7 @@ DBField& DBField::operator=(const char* s) {
 
 // Not an assignment of the field's name and recordset: what is copied is the value.
 DBField& DBField::operator=(const DBField& f) {
+    if (!recordset || !f.recordset) return *this;
     try {
         recordset->SetFieldValue(index, f.recordset->GetFieldValue(f.index));
     } catch (CException* e) {

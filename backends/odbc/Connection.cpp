@@ -79,6 +79,11 @@ std::string Connection::Quoted(const std::string& name) const {
     return quoted + quote_;
 }
 
+void Connection::SetQueryTimeout(int seconds) {
+    timeout_ = seconds;
+    last_ = Handle();  // has the former time
+}
+
 Handle Connection::NewStatement() const {
     Handle statement(SQL_HANDLE_STMT, connection_.Get());
     SQLSetStmtAttr(statement.Get(), SQL_ATTR_QUERY_TIMEOUT, AsPointer(static_cast<SQLULEN>(timeout_)), 0);

@@ -24,7 +24,7 @@ class Connection : public DatabaseConnection {
     std::vector<std::string> PrimaryKey(const ColumnInfo& column) override;
     void Describe(ColumnInfo& column) override;
     bool CanUpdate() const override { return !address_.readOnly; }
-    void SetQueryTimeout(int seconds) override { timeout_ = seconds; }
+    void SetQueryTimeout(int seconds) override;
     std::string Quoted(const std::string& name) const override;
     std::string TypeName(short type) const override;
 

@@ -26,6 +26,14 @@ bool IsQuery(const char* text) {
                        [&](const char* word) { return StartsWithWord(text, word); });
 }
 
+// A table as SQL takes it; a schema may stand before it, and quotes around it.
+std::string TableName(const std::string& name, const zel::DatabaseConnection& connection) {
+    if (name.front() == '"' || name.front() == '[' || name.front() == '`') return name;
+    const std::size_t dot = name.find('.');
+    if (dot == std::string::npos) return connection.Quoted(name);
+    return connection.Quoted(name.substr(0, dot)) + "." + connection.Quoted(name.substr(dot + 1));
+}
+
 VARTYPE KindOf(short fieldType) {
     switch (fieldType) {
         case dbBoolean:
@@ -114,7 +122,7 @@ void CDaoRecordset::Open(int type, const char* sql, int options) {
              known ? "there is no query" : "there is no such kind of recordset");
     zel::DatabaseConnection& connection = m_pDatabase->Connection();
     const bool isQuery = chosen != dbOpenTable && IsQuery(sql);
-    const std::string query = isQuery ? std::string(sql) : "SELECT * FROM " + connection.Quoted(sql);
+    const std::string query = isQuery ? std::string(sql) : "SELECT * FROM " + TableName(sql, connection);
     rows_ = std::make_unique<zel::Recordset>(connection, query);
     m_pDatabase->recordsets_.push_back(this);
     sql_ = query;
@@ -249,7 +257,7 @@ void CDaoRecordset::GetFieldInfo(int index, CDaoFieldInfo& info, DWORD options) 
     info.m_nType = column.type;
     info.m_lSize = static_cast<LONG>(column.size);
     info.m_lAttributes = static_cast<LONG>(column.attributes);
-    if (readOnly_) info.m_lAttributes &= ~dbUpdatableField;
+    if (readOnly_ || !rows_->Connection().CanUpdate()) info.m_lAttributes &= ~dbUpdatableField;
     if (!(options & (AFX_DAO_SECONDARY_INFO | AFX_DAO_ALL_INFO))) return;
     info.m_nOrdinalPosition = static_cast<short>(index);
     info.m_bRequired = column.required;

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <ranges>
 
 namespace zel {
 namespace {
@@ -85,9 +84,10 @@ void InstallDatabaseDriver(std::unique_ptr<DatabaseDriver> driver) {
 }
 
 std::unique_ptr<DatabaseConnection> Connect(const DatabaseAddress& address) {
-    for (const auto& driver : Drivers() | std::views::reverse) {
-        if (driver->Accepts(address)) return driver->Connect(address);
-    }
+    const auto& drivers = Drivers();
+    const auto driver = std::find_if(drivers.rbegin(), drivers.rend(),
+                                     [&](const auto& one) { return one->Accepts(address); });
+    if (driver != drivers.rend()) return (*driver)->Connect(address);
     ThrowDatabaseError(CDaoException::invalidArgument, "open", "the database " + address.Shown(),
                        "no driver for it is installed; zel::sqlite opens files, zel::odbc servers");
 }

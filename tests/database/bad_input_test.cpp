@@ -143,6 +143,30 @@ TEST_P(BadDatabases, KeepWhatTheyDeliveredBeforeTheyBroke) {
     EXPECT_EQ(points_.Y(3999), 2000);
 }
 
+// One query's mistake is no other query's end.
+TEST_P(BadDatabases, GoOnBesideMistakes) {
+    FillNumbers();
+    CDaoRecordset reading(&database_);
+    reading.Open(AFX_DAO_USE_DEFAULT_TYPE, "SELECT n FROM numbers");
+    reading.MoveNext();
+    CDaoRecordset bad(&database_);
+    EXPECT_NE(
+        MessageOf<CDaoException>([&] { bad.Open(AFX_DAO_USE_DEFAULT_TYPE, "SELECT nope FROM numbers"); }),
+        "");
+    EXPECT_FALSE(bad.IsOpen());
+    CDaoRecordset other(&database_);
+    other.Open(AFX_DAO_USE_DEFAULT_TYPE, "SELECT COUNT(*) FROM numbers");
+    int left = 0;
+    for (; !reading.IsEOF(); reading.MoveNext()) ++left;
+    EXPECT_EQ(left, 19999);
+    database_.BeginTrans();
+    Run("DELETE FROM numbers WHERE n > 10");
+    EXPECT_NE(MessageOf<CDaoException>([&] { Run("DELETE FROM nothing"); }), "");
+    database_.Rollback();
+    other.Requery();
+    EXPECT_EQ(double(DBField(&other, 0, false)), 20000);
+}
+
 INSTANTIATE_ON_EACH_DATABASE(BadDatabases);
 
 TEST(Connections, LoseTheirPasswords) {
