@@ -106,6 +106,7 @@ std::vector<Series> ReadSeries(const DatabaseChoice& choice, const std::string& 
     CDaoDatabase database;
     OpenDatabase(database, choice.database, true);
     std::vector<Series> series;
+    series.reserve(ys.size());
     for (const std::string& y : ys) series.push_back(ReadOne(database, choice, x, y));
     return series;
 }

@@ -181,6 +181,7 @@ std::vector<std::string> Connection::PrimaryKey(const ColumnInfo& column) {
         byPlace[place] = name;
     }
     std::vector<std::string> names;
+    names.reserve(byPlace.size());
     for (const auto& [place, name] : byPlace) names.push_back(name);
     return names;
 }

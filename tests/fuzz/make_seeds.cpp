@@ -26,6 +26,7 @@ void Fill(Zel2Main& root) {
     points->SetColor(color);
     points->SetSymbol(symbol, true);
     graph->AddIn(points);
+    graph->AddIn(new Zel2DaoPointSet);
     root.Add(nullptr);
     root.Add(new Zel2Rect(CRect(10, 10, 90, 90), pen, color, Zel2Rect::ELLIPSE, -1));
     root.Add(new Zel2Text("text", CPoint(100, 100), font, 0, 300, -1, -1, {pen, 0.5F}));
