@@ -19,22 +19,38 @@ std::string Lower(std::string text) {
     return text;
 }
 
-// The part of a connection string from `begin` to its semicolon; braces hold semicolons together.
+// The part of a connection string from `begin` to its semicolon. Braces hold semicolons together; two closing
+// ones are a character of the value.
 std::string PartAt(const std::string& connect, std::size_t begin) {
     bool braced = false;
     std::size_t end = begin;
     for (; end < connect.size() && (braced || connect[end] != ';'); ++end) {
         if (connect[end] == '{') braced = true;
-        if (connect[end] == '}') braced = false;
+        if (connect[end] != '}') continue;
+        const bool doubled = braced && end + 1 < connect.size() && connect[end + 1] == '}';
+        if (doubled) {
+            ++end;
+        } else {
+            braced = false;
+        }
     }
     return connect.substr(begin, end - begin);
 }
 
-// Rather one part too many than a password.
-bool MayHoldPassword(const std::string& part) {
-    const std::string lower = Lower(part);
+bool NamesPassword(const std::string& text) {
+    const std::string lower = Lower(text);
     const auto has = [&](const char* word) { return lower.find(word) != std::string::npos; };
     return has("pwd") || has("pass") || has("secret") || has("token");
+}
+
+// By the name of a setting; a value may hold settings of its own. What has no name is the rest of a value
+// that lacked its braces.
+bool MayHoldPassword(const std::string& part, bool first) {
+    const std::size_t equals = part.find('=');
+    if (equals == std::string::npos) return !first;
+    const std::string value = part.substr(equals + 1);
+    return NamesPassword(part.substr(0, equals)) ||
+           (value.find('=') != std::string::npos && NamesPassword(value));
 }
 
 }  // namespace
@@ -63,7 +79,8 @@ std::string WithoutPasswords(const std::string& connect) {
     for (std::size_t begin = 0; begin < connect.size();) {
         const std::string part = PartAt(connect, begin);
         begin += part.size() + 1;
-        if (part.empty() || MayHoldPassword(part)) continue;
+        const bool first = begin == part.size() + 1;
+        if (part.empty() || MayHoldPassword(part, first)) continue;
         kept += part + ";";
     }
     return kept;

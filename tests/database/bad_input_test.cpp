@@ -172,6 +172,9 @@ INSTANTIATE_ON_EACH_DATABASE(BadDatabases);
 TEST(Connections, LoseTheirPasswords) {
     EXPECT_EQ(zel::WithoutPasswords("ODBC;DSN=a;PWD={x;y};UID=me;Password=z;pqopt={sslpassword=q}"),
               "ODBC;DSN=a;UID=me;");
+    EXPECT_EQ(zel::WithoutPasswords("ODBC;SERVER=compass;DATABASE={pass;age};PWD={a}};x=b};UID=me"),
+              "ODBC;SERVER=compass;DATABASE={pass;age};UID=me;");
+    EXPECT_EQ(zel::WithoutPasswords("ODBC;PWD=no;braces;UID=me"), "ODBC;UID=me;");
     EXPECT_EQ(zel::WithoutPasswords(""), "");
 }
 
