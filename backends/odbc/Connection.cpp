@@ -45,7 +45,7 @@ SQLWCHAR* OrNull(std::vector<SQLWCHAR>& text) {
 Connection::Connection(SQLHENV environment, const DatabaseAddress& address)
     : address_(address), timeout_(address.queryTimeout), connection_(SQL_HANDLE_DBC, environment) {
     if (address.create)
-        ThrowDatabaseError(CDaoException::invalidOperation, "create", "the database " + address.Shown(),
+        ThrowDatabaseError(CDaoException::invalidOperation, "create", "the database " + SourceName(address),
                            "databases on servers are made there");
     SQLHDBC handle = connection_.Get();
     SQLSetConnectAttr(handle, SQL_ATTR_LOGIN_TIMEOUT, AsPointer(static_cast<SQLULEN>(address.loginTimeout)),
@@ -54,7 +54,7 @@ Connection::Connection(SQLHENV environment, const DatabaseAddress& address)
     std::vector<SQLWCHAR> settings = ToWide(DriverString(address));
     connection_.Check(SQLDriverConnectW(handle, nullptr, settings.data(), SQL_NTS, nullptr, 0, nullptr,
                                         SQL_DRIVER_NOPROMPT),
-                      "open", "the database " + address.Shown());
+                      "open", "the database " + SourceName(address));
     const std::string quote = InfoText(SQL_IDENTIFIER_QUOTE_CHAR);
     if (quote.size() == 1 && quote != " ") quote_ = quote;
 }
@@ -62,6 +62,10 @@ Connection::Connection(SQLHENV environment, const DatabaseAddress& address)
 Connection::~Connection() {
     last_ = Handle();
     if (inTransaction_) SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), SQL_ROLLBACK);
+}
+
+std::string Connection::OnSource() const {
+    return " on " + SourceName(address_);
 }
 
 std::string Connection::InfoText(SQLUSMALLINT what) const {
@@ -145,19 +149,19 @@ long Connection::Execute(const std::string& sql, std::span<const COleVariant> va
 void Connection::SetAutoCommit(bool on) {
     connection_.Check(SQLSetConnectAttr(connection_.Get(), SQL_ATTR_AUTOCOMMIT,
                                         AsPointer(on ? SQL_AUTOCOMMIT_ON : SQL_AUTOCOMMIT_OFF), 0),
-                      "begin a transaction", "in " + address_.Shown());
+                      "begin a transaction", "in " + SourceName(address_));
 }
 
 void Connection::Begin() {
     if (inTransaction_)
-        ThrowDatabaseError(CDaoException::invalidOperation, "begin a transaction", "in " + address_.Shown(),
-                           "one has begun already");
+        ThrowDatabaseError(CDaoException::invalidOperation, "begin a transaction",
+                           "in " + SourceName(address_), "one has begun already");
     SetAutoCommit(false);
     inTransaction_ = true;
 }
 
 void Connection::End(SQLSMALLINT how, const char* attempt) {
-    const std::string subject = "a transaction in " + address_.Shown();
+    const std::string subject = "a transaction in " + SourceName(address_);
     if (!inTransaction_)
         ThrowDatabaseError(CDaoException::invalidOperation, attempt, subject, "none has begun");
     connection_.Check(SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), how), attempt, subject);

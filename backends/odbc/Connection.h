@@ -32,7 +32,7 @@ class Connection : public DatabaseConnection {
     Handle NewStatement() const;
     void End(SQLSMALLINT how, const char* attempt);
     void SetAutoCommit(bool on);
-    std::string OnSource() const { return " on " + address_.Shown(); }
+    std::string OnSource() const;
     // The part of a name that the catalogue takes; null for all.
     std::string InfoText(SQLUSMALLINT what) const;
 

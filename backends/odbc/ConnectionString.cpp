@@ -58,6 +58,17 @@ constexpr const char* kPostgresSettings[][2] = {
 
 }  // namespace
 
+std::string SourceName(const DatabaseAddress& address) {
+    const std::string source = ValueOf(address.connect, "dsn");
+    if (!source.empty() || !address.name.empty())
+        return "\"" + (source.empty() ? address.name : source) + "\"";
+    const std::string server = ValueOf(address.connect, "server"),
+                      database = ValueOf(address.connect, "database");
+    if (server.empty() && database.empty()) return address.Shown();
+    const std::string port = ValueOf(address.connect, "port");
+    return "\"" + database + "\" at " + server + (port.empty() ? "" : ":" + port);
+}
+
 std::string DriverString(const DatabaseAddress& address) {
     const std::size_t prefix = address.connect.find(';');
     std::string settings = prefix == std::string::npos ? "" : address.connect.substr(prefix + 1);

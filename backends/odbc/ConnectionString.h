@@ -12,4 +12,8 @@ namespace zel::odbc {
 // types. Settings that the address has already are left as they are.
 std::string DriverString(const DatabaseAddress& address);
 
+// A short name for messages, which must leave room for the database's own words: the data source, or the
+// database and its server.
+std::string SourceName(const DatabaseAddress& address);
+
 }  // namespace zel::odbc
