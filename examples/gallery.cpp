@@ -30,7 +30,8 @@ struct Example {
 
 constexpr Example kExamples[] = {{"temperature", MakeTemperature}, {"co2", MakeCo2},
                                  {"weather", MakeWeather},         {"earthquakes", MakeEarthquakes},
-                                 {"styles", MakeStyles},           {"texts", MakeTexts}};
+                                 {"styles", MakeStyles},           {"texts", MakeTexts},
+                                 {"database", MakeDatabase}};
 
 std::string Content(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);

@@ -13,6 +13,7 @@ std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeEarthquakes(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeStyles(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeTexts(const std::string& folder);
+std::unique_ptr<Zel2Main> MakeDatabase(const std::string& folder);
 
 // A column of a CSV file; dates become decimal years.
 // A report of many pages in `drawing`, which owns it.

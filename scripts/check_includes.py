@@ -5,15 +5,22 @@ import subprocess
 import sys
 
 # For each folder of sources, the folders whose private headers it may include.
-LAYERS = ["platform/object", "platform/graphics", "platform/windows", "core", "tools", "drawing", "graphs", "layout"]
+LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "core", "tools", "drawing", "graphs", "layout", "database"]
 ALLOWED = {folder: LAYERS[: i + 1] for i, folder in enumerate(LAYERS)}
+ALLOWED["database"] = [f for f in LAYERS if f != "layout"]
+ALLOWED["backends/sqlite"] = ["backends/sqlite"]
+ALLOWED["backends/odbc"] = ["backends/odbc"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]
 ALLOWED["apps/zel"] = ["apps/zel"]
 ALLOWED["examples"] = ["examples", "apps/zel"]
-ALLOWED["bench"] = []
-# What public headers may be included: the framework sees no library, only back ends and programs see Qt.
+ALLOWED["tests/database"] = []
+ALLOWED["bench"] = ["tests/database"]  # for its server
+# What public headers may be included: the framework sees no library, only programs see back ends.
 FRAMEWORK = ("platform/", "include/zel/platform/")
-QT_USERS = ("backends/qt/", "include/zel/qt/", "apps/", "examples/", "bench/", "tests/")
+BACKENDS = ("qt", "sqlite", "odbc")
+PROGRAMS = ("apps/", "examples/", "bench/", "tests/")
+# Headers from outside that only one back end may see.
+FOREIGN = {r"Q[A-Z]": "backends/qt/", r"sqlite3": "backends/sqlite/", r"(sql(ext|ucode|types)?|odbcinst)\.h": "backends/odbc/"}
 
 
 def folder_of(path):
@@ -33,10 +40,14 @@ def faults_in(path, text):
                 yield f"{path}:{number}: {folder} may not include {name}"
         if name.startswith("zel/") and path.startswith(FRAMEWORK) and not name.startswith("zel/platform/"):
             yield f"{path}:{number}: the framework may not include the library's {name}"
-        if name.startswith("zel/qt/") and not path.startswith(QT_USERS):
-            yield f"{path}:{number}: only programs may choose the back end {name}"
-        if kind == "<" and re.match(r"Q[A-Z]", name) and not path.startswith("backends/qt/"):
-            yield f"{path}:{number}: only the Qt back end may include {name}"
+        for backend in BACKENDS:
+            own = (f"backends/{backend}/", f"include/zel/{backend}/")
+            if name.startswith(f"zel/{backend}/") and not path.startswith(PROGRAMS + own):
+                yield f"{path}:{number}: only programs may choose the back end {name}"
+        for pattern, owner in FOREIGN.items():
+            # A benchmark compares with the bare interface.
+            if kind == "<" and re.match(pattern, name) and not path.startswith((owner, "bench/")):
+                yield f"{path}:{number}: only {owner} may include {name}"
 
 
 def main():

@@ -212,6 +212,7 @@ class RandomDrawing {
         points->SetExtension(static_cast<unsigned>(Below(10)), static_cast<unsigned>(Below(10)));
         graph->AddIn(points);
         if (Below(2)) graph->AddIn(MakePolygon());
+        if (Below(3) == 0) graph->AddIn(new Zel2DaoPointSet);
         Fill(*graph, depth - 1);
     }
     std::mt19937 random_;

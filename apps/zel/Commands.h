@@ -8,6 +8,7 @@
 namespace zel::cli {
 
 void AddPlotCommand(CLI::App& app);
+void AddImportCommand(CLI::App& app);
 void AddConvertCommand(CLI::App& app);
 void AddInfoCommand(CLI::App& app);
 void AddReportCommand(CLI::App& app);

@@ -24,6 +24,8 @@ class CsvTable {
     std::size_t RowCount() const { return rows_.size(); }
     // The cells as they stand in the file; rows may be shorter or longer than the names.
     const std::vector<std::vector<std::string>>& Rows() const { return rows_; }
+    // The cells of a row; there may be fewer or more than names.
+    const std::vector<std::string>& Row(std::size_t i) const { return rows_[i]; }
 
     // The values of a column, by its name or its number from 1. Empty cells and cells that are no number are
     // NaN; dates ("2012-01-31", with a time after "T" or a blank) are decimal years. Throws Error for a

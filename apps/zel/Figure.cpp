@@ -47,6 +47,15 @@ std::size_t LabelLength(double value) {
         std::to_chars(std::begin(text), std::end(text), value, std::chars_format::general, 7).ptr - text);
 }
 
+// A copy of a series' points, owned by the caller; one that came from a database can be read from there
+// again.
+Zel2PointArray* NewPoints(const Series& series) {
+    if (series.source) return new Zel2DaoPointSet(*series.source);
+    auto* points = new Zel2PointArray;
+    points->SetPoints(series.x, series.y);
+    return points;
+}
+
 class FigureMaker {
   public:
     FigureMaker(const std::vector<Series>& series, const FigureOptions& options)
@@ -91,8 +100,7 @@ class FigureMaker {
     void AddArea(int i) {
         const Series& data = series_[static_cast<std::size_t>(i)];
         const COLORREF tint = Tint(ColorOfSeries(i));
-        auto* area = new Zel2PointArray;
-        area->SetPoints(data.x, data.y);
+        Zel2PointArray* area = NewPoints(data);
         area->SetColor(root_->RegisterColor((data.name + " area").c_str(), tint, tint));
         area->SetExtension(Zel2PointSet::BOTTOM, Zel2PointSet::BOTTOM);
         graph_->AddIn(area);
@@ -119,8 +127,7 @@ class FigureMaker {
     void AddSeries(int i) {
         const Series& data = series_[static_cast<std::size_t>(i)];
         const COLORREF color = ColorOfSeries(i);
-        auto* points = new Zel2PointArray;
-        points->SetPoints(data.x, data.y);
+        Zel2PointArray* points = NewPoints(data);
         graph_->AddIn(points);
         const std::string& name = data.name;
         if (options_.line) {
@@ -232,8 +239,8 @@ class FigureMaker {
 };
 
 bool HasPoint(const Series& series) {
-    for (std::size_t i = 0; i < std::min(series.x.size(), series.y.size()); ++i) {
-        if (std::isfinite(series.x[i]) && std::isfinite(series.y[i])) return true;
+    for (std::size_t i = 0; i < std::min(series.X().size(), series.Y().size()); ++i) {
+        if (std::isfinite(series.X()[i]) && std::isfinite(series.Y()[i])) return true;
     }
     return false;
 }

@@ -15,6 +15,11 @@ struct Series {
     std::string name;
     std::vector<double> x;
     std::vector<double> y;
+    // Has the points instead of `x` and `y` when they come from a database.
+    std::shared_ptr<Zel2DaoPointSet> source;
+
+    const std::vector<double>& X() const { return source ? *source->GetXVec() : x; }
+    const std::vector<double>& Y() const { return source ? *source->GetYVec() : y; }
 };
 
 struct FigureOptions {

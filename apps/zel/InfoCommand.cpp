@@ -53,6 +53,13 @@ void PrintTools(Zel2Tools& tools, const std::string& indent) {
 
 void PrintObject(Zel2& object, const std::string& indent);
 
+void PrintSource(const Zel2DaoPointSet& series) {
+    const Zel2DaoPointSet::Source& from = series.GetSource();
+    std::cout << "  from " << (from.database.IsEmpty() ? from.connect : from.database).GetString() << ": "
+              << from.x.GetString() << ", " << from.y.GetString() << " of " << from.table.GetString();
+    if (!from.where.IsEmpty()) std::cout << " where " << from.where.GetString();
+}
+
 void PrintChildren(Zel2Set& set, const std::string& indent) {
     for (int i = 0; i < set.GetCount(); ++i) {
         if (set[i])
@@ -69,6 +76,7 @@ void PrintObject(Zel2& object, const std::string& indent) {
     if (size.cx || size.cy) std::cout << "  size " << size.cx << " x " << size.cy;
     if (auto* points = dynamic_cast<Zel2PointSet*>(&object))
         std::cout << "  " << points->NPoints() << " points";
+    if (auto* series = dynamic_cast<Zel2DaoPointSet*>(&object)) PrintSource(*series);
     if (auto* text = dynamic_cast<Zel2Text*>(&object)) std::cout << "  \"" << text->GetText() << "\"";
     if (auto* graph = dynamic_cast<Zel2Graph*>(&object)) {
         double x0, y0, x1, y1;

@@ -1,5 +1,6 @@
 #include "apps/zel/Commands.h"
 #include "apps/zel/Csv.h"
+#include "apps/zel/Database.h"
 #include "apps/zel/Figure.h"
 
 namespace zel::cli {
@@ -7,6 +8,7 @@ namespace {
 
 struct PlotChoice {
     std::string input;
+    DatabaseChoice database;
     std::string x;
     std::vector<std::string> ys;
     std::vector<double> xRange;
@@ -24,18 +26,26 @@ std::optional<std::pair<double, double>> RangeOf(const std::vector<double>& valu
     return std::pair(values[0], values[1]);
 }
 
-void Plot(PlotChoice& choice) {
+std::vector<Series> ReadSeries(const PlotChoice& choice) {
+    if (choice.input.empty() == choice.database.database.empty())
+        throw Error("Cannot plot: either a CSV file or --db must say where the data is");
+    if (choice.input.empty()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
     const CsvTable table = CsvTable::Read(choice.input);
     const std::vector<double> x = table.Column(choice.x);
     std::vector<Series> series;
-    for (const std::string& y : choice.ys) series.push_back({y, x, table.Column(y)});
+    for (const std::string& y : choice.ys) series.push_back({y, x, table.Column(y), nullptr});
+    return series;
+}
+
+void Plot(PlotChoice& choice) {
+    const std::vector<Series> series = ReadSeries(choice);
     FigureOptions& figure = choice.figure;
     figure.line = !choice.noLine;
     figure.symbols = figure.symbols || (choice.noLine && !figure.fill);
     figure.xRange = RangeOf(choice.xRange, "--x-range");
     figure.yRange = RangeOf(choice.yRange, "--y-range");
-    if (figure.xTitle.empty()) figure.xTitle = choice.x;
-    if (figure.yTitle.empty() && choice.ys.size() == 1) figure.yTitle = choice.ys.front();
+    if (figure.xTitle.empty()) figure.xTitle = choice.input.empty() ? ColumnTitle(choice.x) : choice.x;
+    if (figure.yTitle.empty() && choice.ys.size() == 1) figure.yTitle = series.front().name;
     if (!choice.size.empty()) {
         figure.width = choice.size[0];
         figure.height = choice.size[1];
@@ -44,12 +54,23 @@ void Plot(PlotChoice& choice) {
     choice.output.Write(*drawing, figure.title);
 }
 
+void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
+    command.add_option("--db", choice.database,
+                       "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a CSV file");
+    command.add_option("--table", choice.table, "Table of the database");
+    command.add_option("--where", choice.where, "Condition in SQL that records must meet");
+    command.add_option("--order-by", choice.order,
+                       "Column by which records are sorted (default: not at all)");
+}
+
 }  // namespace
 
 void AddPlotCommand(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("plot", "Draw columns of a CSV file as a graph");
+    CLI::App* command =
+        app.add_subcommand("plot", "Draw columns of a CSV file or a database table as a graph");
     auto choice = std::make_shared<PlotChoice>();
-    command->add_option("data", choice->input, "CSV file; its first row names the columns")->required();
+    command->add_option("data", choice->input, "CSV file; its first row names the columns");
+    AddDatabaseOptions(*command, choice->database);
     command
         ->add_option("--x", choice->x,
                      "Column of the x values, by name or number; dates become decimal years")
@@ -75,6 +96,7 @@ void AddPlotCommand(CLI::App& app) {
         "Examples:\n"
         "  zel plot global-temp.csv --x year --y temp --fill -o temperature.pdf\n"
         "  zel plot weather.csv --x date --y temp_max --y temp_min --title Seattle -o weather.png\n"
+        "  zel plot --db weather.sqlite --table daily --x date --y temp_max --where \"wind > 5\" -o out.pdf\n"
         "  zel plot quakes.csv --x longitude --y latitude --no-line --symbols -o map.svg");
     command->callback([choice] { Plot(*choice); });
 }

@@ -175,7 +175,7 @@ class ReportMaker {
             options.height = kFigureHeight;
             auto heading = parts_->Heading(column.name);
             Append(std::move(heading));
-            Append(MakeFigure({{column.name, x, column.values}}, options));
+            Append(MakeFigure({{column.name, x, column.values, {}}}, options));
             ++count;
         }
     }

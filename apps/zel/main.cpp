@@ -27,10 +27,13 @@ int main(int argc, char** argv) {
         "Examples:\n"
         "  zel plot data.csv --x year --y temp -o out.pdf\n"
         "  zel report data.csv --title Weather -o report.pdf\n"
+        "  zel plot --db weather.sqlite --table daily --x date --y temp_max -o out.pdf\n"
+        "  zel import data.csv --db weather.sqlite --table daily\n"
         "  zel convert drawing.zel out.svg\n"
         "  zel info drawing.zel\n"
         "\"zel plot --help\" tells more. Exit codes: 0 done, 1 failed, others wrong usage.");
     zel::cli::AddPlotCommand(app);
+    zel::cli::AddImportCommand(app);
     zel::cli::AddConvertCommand(app);
     zel::cli::AddReportCommand(app);
     zel::cli::AddInfoCommand(app);

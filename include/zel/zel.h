@@ -1,6 +1,7 @@
 // The whole library.
 #pragma once
 
+#include <zel/DBField.h>
 #include <zel/DrawColor.h>
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
@@ -10,6 +11,7 @@
 #include <zel/Zel2Axis.h>
 #include <zel/Zel2Column.h>
 #include <zel/Zel2CoordSys.h>
+#include <zel/Zel2DaoPointSet.h>
 #include <zel/Zel2DataField.h>
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2GraphTable.h>
@@ -34,6 +36,8 @@
 #include <zel/ZelReportExport.h>
 #include <zel/ZelRules.h>
 #include <zel/platform/DC.h>
+#include <zel/platform/Dao.h>
 #include <zel/platform/Exception.h>
+#include <zel/platform/MessageBox.h>
 #include <zel/platform/PrintInfo.h>
 #include <zel/platform/Wnd.h>

@@ -1,4 +1,5 @@
 #include <zel/platform/Exception.h>
+#include <zel/platform/MessageBox.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,6 +22,10 @@ BOOL CException::GetErrorMessage(char* buffer, UINT size) const {
     std::memcpy(buffer, static_cast<const char*>(message_), length);
     buffer[length] = '\0';
     return TRUE;
+}
+
+int CException::ReportError(UINT type, UINT help) {
+    return AfxMessageBox(message_.IsEmpty() ? "An error without a description." : message_, type, help);
 }
 
 int CFileException::ErrnoToCause(int error) {

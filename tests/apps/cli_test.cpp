@@ -1,4 +1,5 @@
 #include "Support.h"
+#include "database/PostgresServer.h"
 
 #include <zel/zel.h>
 
@@ -99,6 +100,55 @@ TEST_F(Program, ConvertsAndDescribesDocuments) {
     EXPECT_THAT(info.text,
                 testing::AllOf(HasSubstr("Zel2Graph"), HasSubstr("144 points"), HasSubstr("exact rules"),
                                HasSubstr("\"temp line\"  Solid  0.4 mm")));
+}
+
+TEST_F(Program, PlotsTheSameFromDatabases) {
+    const zel::test::PostgresServer server;
+    const std::string databases[] = {folder_ / "a.sqlite", "'" + server.Connect() + "PWD=secret'"};
+    const std::string csv =
+        Csv("day,\"a "
+            "value\",small,code,order\n2012-01-01,1.5,1,007,1\n2012-07-02,,2,x,2\n2013-01-01,-3e2,3,\"o'"
+            "clock\",3\n");
+    const std::string columns = " --x day --y small --y ";
+    const auto expected = Run("plot " + csv + columns + "'a value' -o " + (folder_ / "csv.png"));
+    ASSERT_EQ(expected.code, 0) << expected.text;
+    for (const std::string& database : databases) {
+        const auto imported = Run("import " + csv + " --table t --db " + database);
+        EXPECT_EQ(imported.code, 0) << imported.text;
+        const std::string from = "plot --table t --db " + database + columns;
+        const auto plotted = Run(from + "'\"a value\"' -o " + (folder_ / "db.png"));
+        ASSERT_EQ(plotted.code, 0) << plotted.text;
+        EXPECT_TRUE(zel::test::Content(folder_ / "csv.png") == zel::test::Content(folder_ / "db.png"))
+            << database;
+        ASSERT_EQ(Run(from + "'\"order\"' --where \"code <> 'x'\" --order-by 'small desc' -o " +
+                      (folder_ / "a.zel"))
+                      .code,
+                  0);
+        Zel2PointArray* points = Points(folder_ / "a.zel");
+        ASSERT_EQ(points->NPoints(), 2U);
+        EXPECT_EQ(points->X(0), 2013);
+        EXPECT_EQ(points->Y(0), 3);
+        const auto info = Run("info " + (folder_ / "a.zel"));
+        EXPECT_THAT(info.text, HasSubstr("\"order\" of t where (code <> 'x') ORDER BY small desc"));
+        EXPECT_EQ(info.text.find("secret"), std::string::npos);
+
+        const auto fails = [&](const std::string& arguments, const char* why) {
+            const auto output = Run(arguments + " --db " + database);
+            EXPECT_EQ(output.code, 1) << arguments;
+            EXPECT_THAT(output.text, HasSubstr(why)) << arguments;
+            EXPECT_EQ(output.text.find("secret"), std::string::npos);
+        };
+        const std::string plot = "plot -o " + (folder_ / "x.png") + " --x day --y ";
+        fails(plot + "smal --table t", "'t' Hor Var = day, Vert Var = smal");
+        fails(plot + "small --table tt", "tt");
+        fails(plot + "code --table t", "\"x\" for a number");
+        fails(plot + "small --table t --where 'small > 9'", "no record meets");
+        fails(plot + "small", "--table");
+        fails("import " + csv + " --table t", "already exists");
+    }
+    EXPECT_NE(
+        Run("import " + Csv("a,b\n1,2\n") + " --table 'no table' --db " + (folder_ / "new.sqlite")).code, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "new.sqlite")) << "nothing is half made";
 }
 
 TEST_F(Program, SaysWhatIsWrong) {

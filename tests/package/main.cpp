@@ -1,6 +1,8 @@
 // A program outside the library's tree: a parabola as a picture.
+#include <zel/odbc/Install.h>
 #include <zel/platform/Exception.h>
 #include <zel/qt/Install.h>
+#include <zel/sqlite/Install.h>
 #include <zel/zel.h>
 
 #include <cstdio>
@@ -9,6 +11,8 @@ int main(int argc, char** argv) {
     if (argc != 2) return 2;
     try {
         zel::qt::Install();
+        zel::sqlite::Install();
+        zel::odbc::Install();
         Zel2Main root;
         auto* graph = new Zel2Graph;
         root.Add(graph);

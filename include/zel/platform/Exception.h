@@ -17,6 +17,8 @@ class CException : public CObject {
     const CString& Message() const { return message_; }
     // Copies the message into a buffer of `size` bytes, cut and terminated; FALSE when there is no message.
     virtual BOOL GetErrorMessage(char* buffer, UINT size) const;
+    // Shows the message in a message box (see AfxMessageBox) and answers its button.
+    virtual int ReportError(UINT type = 0, UINT help = 0);
 
   private:
     CString message_;
