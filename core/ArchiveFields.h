@@ -3,6 +3,7 @@
 
 #include <zel/platform/Archive.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <type_traits>
@@ -47,12 +48,21 @@ void ExchangeList(CArchive& ar, std::vector<T>& list) {
     static_assert(std::is_arithmetic_v<T>);
     int count = static_cast<int>(list.size());
     Exchange(ar, count);
-    if (ar.IsLoading()) {
-        if (count < 0) count = 0;
-        ar.CheckCount(count, sizeof(T));
-        list.assign(static_cast<std::size_t>(count), T{});
+    if (ar.IsStoring()) {
+        if (!list.empty()) ar.Write(list.data(), list.size() * sizeof(T));
+        return;
     }
-    if (!list.empty()) ExchangeRaw(ar, list.data(), list.size() * sizeof(T));
+    const auto size = static_cast<std::size_t>(std::max(count, 0));
+    ar.CheckCount(static_cast<std::int64_t>(size), sizeof(T));
+    list.clear();
+    list.reserve(size);
+    // Piece by piece: what a piece is cleared with is still near when it is filled.
+    constexpr std::size_t kPiece = (std::size_t{1} << 18) / sizeof(T);
+    while (list.size() < size) {
+        const std::size_t begin = list.size();
+        list.resize(std::min(size, begin + kPiece));
+        ar.ReadExact(list.data() + begin, (list.size() - begin) * sizeof(T));
+    }
 }
 
 // Reads an object that the caller owns from here on. An archive object of another class than T, a null
