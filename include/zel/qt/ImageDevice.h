@@ -21,10 +21,13 @@ namespace zel::qt {
 class ImageDevice : public GraphicsDevice {
   public:
     static constexpr int kSubPixels = 16;
+    // The device unit: a sixteenth of a pixel, or a whole one, as on a screen.
+    enum class Grid { SIXTEENTHS, PIXELS };
 
-    // `unitsPerInch` is what the device reports, `dotsPerInch` times 16 when it is 0: another value scales
-    // drawings.
-    ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch = 0);
+    // `unitsPerInch` is what the device reports, `dotsPerInch` times the units of a pixel when it is 0:
+    // another value scales drawings.
+    ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch = 0,
+                Grid grid = Grid::SIXTEENTHS);
     ~ImageDevice() override;
 
     int Width() const;
