@@ -5,16 +5,17 @@ import subprocess
 import sys
 
 # For each folder of sources, the folders whose private headers it may include.
-LAYERS = ["platform/object", "platform/graphics", "platform/windows", "core", "tools", "drawing", "graphs", "layout"]
+LAYERS = ["platform/object", "platform/graphics", "platform/windows", "core", "tools", "drawing", "graphs", "layout", "views"]
 ALLOWED = {folder: LAYERS[: i + 1] for i, folder in enumerate(LAYERS)}
 ALLOWED["layout"] = [f for f in LAYERS if f != "graphs"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]
+ALLOWED["backends/widgets"] = ["backends/qt", "backends/widgets"]
 ALLOWED["apps/zel"] = ["apps/zel"]
 ALLOWED["examples"] = ["examples", "apps/zel"]
 ALLOWED["bench"] = []
 # What public headers may be included: the framework sees no library, only back ends and programs see Qt.
 FRAMEWORK = ("platform/", "include/zel/platform/")
-QT_USERS = ("backends/qt/", "include/zel/qt/", "apps/", "examples/", "bench/", "tests/")
+QT_USERS = ("backends/", "include/zel/qt/", "include/zel/widgets/", "apps/", "examples/", "bench/", "tests/")
 
 
 def folder_of(path):
@@ -34,10 +35,10 @@ def faults_in(path, text):
                 yield f"{path}:{number}: {folder} may not include {name}"
         if name.startswith("zel/") and path.startswith(FRAMEWORK) and not name.startswith("zel/platform/"):
             yield f"{path}:{number}: the framework may not include the library's {name}"
-        if name.startswith("zel/qt/") and not path.startswith(QT_USERS):
+        if name.startswith(("zel/qt/", "zel/widgets/")) and not path.startswith(QT_USERS):
             yield f"{path}:{number}: only programs may choose the back end {name}"
-        if kind == "<" and re.match(r"Q[A-Z]", name) and not path.startswith("backends/qt/"):
-            yield f"{path}:{number}: only the Qt back end may include {name}"
+        if kind == "<" and re.match(r"Q[A-Z]", name) and not path.startswith(("backends/qt/", "backends/widgets/")):
+            yield f"{path}:{number}: only the Qt back ends may include {name}"
 
 
 def main():

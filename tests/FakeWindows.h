@@ -190,7 +190,7 @@ class FakeWindows : public WindowSystem {
         return peer;
     }
     // Plays the steps of the script until the loop is done; without further steps the program ends.
-    bool RunLoop(const std::function<bool()>& done, WindowPeer*) override {
+    bool RunLoop(const std::function<bool()>& done) override {
         while (!done()) {
             if (script.empty()) return false;
             const std::function<void()> step = std::move(script.front());

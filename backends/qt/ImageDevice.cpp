@@ -369,6 +369,21 @@ void ImageDevice::Clear(COLORREF color, bool opaque) {
     }
 }
 
+void ImageDevice::Scroll(int dx, int dy) {
+    const int wide = impl_->width - std::abs(dx);
+    const int high = impl_->height - std::abs(dy);
+    if (wide <= 0 || high <= 0) return;
+    const auto at = [&](int x, int y) {
+        return impl_->pixels.data() + static_cast<std::ptrdiff_t>(y) * impl_->width + x;
+    };
+    // Rows are moved in the order in which none is overwritten before it is read.
+    for (int i = 0; i < high; ++i) {
+        const int row = dy > 0 ? high - 1 - i : i;
+        std::memmove(at(std::max(dx, 0), row + std::max(dy, 0)), at(std::max(-dx, 0), row + std::max(-dy, 0)),
+                     static_cast<std::size_t>(wide) * sizeof(std::uint32_t));
+    }
+}
+
 void ImageDevice::Save(const char* path, const char* format, int quality) const {
     std::string ending = format ? format : "";
     if (!format) {

@@ -30,6 +30,8 @@ class PageDevice : public MeasuringDevice {
   protected:
     const FileDeviceOptions& Options() const { return options_; }
     void Begin(QPagedPaintDevice& pages);
+    // Ends the painting of pages that nobody wants any more.
+    void End() { painter_.end(); }
     // Throws when something could not be written; `written` is what Qt said.
     virtual void Check(bool written) = 0;
 

@@ -101,8 +101,9 @@ int CDialog::DoModal() {
     MakeWindow(owner);
     // OnInitDialog may have ended it.
     if (!ended_) {
+        Peer()->SetModal();
         ShowWindow(SW_SHOW);
-        zel::Windows().RunLoop([this] { return ended_ || !Peer(); }, Peer());
+        zel::Windows().RunLoop([this] { return ended_ || !Peer(); });
     }
     DestroyWindow();
     controls_.clear();

@@ -32,7 +32,7 @@ CWinApp::~CWinApp() {
 
 int CWinApp::Run() {
     if (InitInstance() && m_pMainWnd) {
-        zel::Windows().RunLoop([this] { return m_pMainWnd == nullptr; }, nullptr);
+        zel::Windows().RunLoop([this] { return m_pMainWnd == nullptr; });
     }
     return ExitInstance();
 }

@@ -85,7 +85,7 @@ BOOL CRectTracker::TrackRubberBand(CWnd* window, CPoint anchor, BOOL allowInvert
     const bool created = window->self_ != nullptr;
     window->SetCapture();
     windows.filter = [&](CWnd* to, const zel::MessageArguments& args) { return band.Take(to, args); };
-    zel::Windows().RunLoop([&] { return (created && alive.expired()) || band.Done(); }, nullptr);
+    zel::Windows().RunLoop([&] { return (created && alive.expired()) || band.Done(); });
     windows.filter = nullptr;
     if (created && alive.expired()) return FALSE;
     band.Erase();

@@ -130,6 +130,7 @@ void CWnd::Tear(bool peerGone) {
     self_.reset();
     SendMessage(WM_NCDESTROY);
     destroying_ = false;
+    if (zel::WindowSystem* system = zel::WindowsOrNull()) system->WakeLoop();
     PostNcDestroy();
 }
 

@@ -3,8 +3,8 @@
 
 #include <zel/platform/Wnd.h>
 
-// What the controls share: they are made as children with an identifier, and what happens in them reaches the
-// parent as notifications (ON_BN_CLICKED, ON_EN_CHANGE, ...).
+// What the controls share: they are made as children with an identifier, and what the user does with them
+// reaches the parent as notifications (ON_BN_CLICKED, ON_EN_CHANGE, ...).
 class CStatic : public CWnd {
     DECLARE_DYNCREATE(CStatic)
   public:
@@ -13,8 +13,7 @@ class CStatic : public CWnd {
     zel::WindowKind Kind() const override { return zel::WindowKind::STATIC; }
 };
 
-// Push buttons, check boxes, radio buttons and group boxes, by the style. A button of style BS_OWNERDRAW is
-// drawn by DrawItem.
+// Push buttons, check boxes, radio buttons and group boxes, by the style.
 class CButton : public CWnd {
     DECLARE_DYNCREATE(CButton)
   public:

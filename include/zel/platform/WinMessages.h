@@ -127,7 +127,6 @@ inline constexpr DWORD BS_DEFPUSHBUTTON = 0x01;
 inline constexpr DWORD BS_AUTOCHECKBOX = 0x03;
 inline constexpr DWORD BS_GROUPBOX = 0x07;
 inline constexpr DWORD BS_AUTORADIOBUTTON = 0x09;
-inline constexpr DWORD BS_OWNERDRAW = 0x0B;
 inline constexpr DWORD BS_TYPEMASK = 0x0F;
 inline constexpr DWORD SS_LEFT = 0x00;
 inline constexpr DWORD SS_CENTER = 0x01;

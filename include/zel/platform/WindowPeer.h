@@ -91,6 +91,8 @@ class WindowPeer {
     virtual void ScrollPixels(int dx, int dy);
 
     virtual void Show(bool) {}
+    // Blocks all other windows while this one is shown.
+    virtual void SetModal() {}
     virtual bool IsShown() const { return false; }
     virtual void Enable(bool) {}
     virtual bool IsEnabled() const { return true; }
@@ -158,9 +160,9 @@ class WindowSystem {
 
     // Never null; throws CResourceException* when the window cannot be made.
     virtual std::unique_ptr<WindowPeer> CreateWindow(const WindowSpec& spec) = 0;
-    // Handles events until `done`; with `modal`, all other windows are blocked meanwhile. False when the
-    // program is to end before that.
-    virtual bool RunLoop(const std::function<bool()>& done, WindowPeer* modal) = 0;
+    // Handles events until `done`, which is asked again after each WakeLoop. False when the program is to end
+    // before that.
+    virtual bool RunLoop(const std::function<bool()>& done) = 0;
     // Makes running loops look again whether they are done.
     virtual void WakeLoop() {}
     // Runs `action` from the event loop, soon.

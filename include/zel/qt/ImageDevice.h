@@ -34,6 +34,8 @@ class ImageDevice : public GraphicsDevice {
     int Height() const;
     // Fills everything; a colour with `opaque` false is fully transparent.
     void Clear(COLORREF color, bool opaque = true);
+    // Moves the picture; what is uncovered keeps its pixels.
+    void Scroll(int dx, int dy);
     // Rows of Width() pixels, 0xAARRGGBB premultiplied, from the top.
     const std::uint32_t* Pixels() const;
     // Writes the image whole or not at all. `format` is "png" or "jpg"; null takes it from the ending of
