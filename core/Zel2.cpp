@@ -108,6 +108,10 @@ int Zel2::OnNotify(Zel2*, long code) {
     return parent_ ? parent_->OnNotify(this, code) : 0;
 }
 
+void Zel2::OnLeave(Zel2* object) {
+    if (parent_) parent_->OnLeave(object);
+}
+
 void Zel2::ResetClip() {
     if (parent_) parent_->ResetClip();
 }

@@ -47,6 +47,7 @@ int Zel2Set::Add(Zel2* child) {
 Zel2* Zel2Set::Del(int i) {
     if (i < 0 || i >= static_cast<int>(children_.GetSize())) return nullptr;
     Zel2* child = ChildAt(i);
+    if (child) OnLeave(child);
     children_.SetAt(i, nullptr);
     return child;
 }
@@ -62,7 +63,10 @@ void Zel2Set::Del(Zel2* child) {
 }
 
 void Zel2Set::DetachChildren() {
-    ForEachChild([](Zel2* child) { child->SetParent(nullptr); });
+    ForEachChild([this](Zel2* child) {
+        OnLeave(child);
+        child->SetParent(nullptr);
+    });
     children_.RemoveAll();
 }
 

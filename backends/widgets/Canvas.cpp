@@ -306,6 +306,8 @@ void CanvasPeer::PaintOn(QPaintEvent* event) {
     if (!invalid_.isEmpty() && !painting_) Send(WM_PAINT);
     if (!area_) return;
     painting_ = false;
+    // Painting may have resized the window or moved its content.
+    if (!invalid_.isEmpty()) area_->viewport()->update();
     const CRect place = Place();
     const double factor = Factor();
     const QPoint at = Inner()->mapTo(Inner()->window(), QPoint());

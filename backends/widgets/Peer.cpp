@@ -88,7 +88,7 @@ void Peer::Adopt(QWidget* widget) {
 QWidget* Peer::ParentWidget() const {
     if (!spec_.parent) return nullptr;
     auto* parent = static_cast<Peer*>(spec_.parent);
-    return IsChild() ? parent->Inner() : parent->Widget();
+    return IsChild() ? parent->PlaceOf(spec_.id) : parent->Widget();
 }
 
 bool Peer::Send(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {

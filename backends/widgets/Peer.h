@@ -29,6 +29,8 @@ class Peer : public WindowPeer {
 
     // The widget in which children are placed.
     virtual QWidget* Inner() const { return widget_; }
+    // The widget in which the child of an identifier is placed.
+    virtual QWidget* PlaceOf(UINT) const { return Inner(); }
     QWidget* Widget() const { return widget_; }
 
     void Invalidate(const CRect& area, bool erase) override;

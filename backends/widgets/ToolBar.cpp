@@ -3,9 +3,10 @@
 #include <zel/qt/ImageDevice.h>
 
 #include <QAction>
+#include <QChildEvent>
+#include <QHBoxLayout>
 #include <QIcon>
 #include <QImage>
-#include <QLayout>
 #include <QPixmap>
 #include <QToolBar>
 
@@ -36,6 +37,21 @@ QIcon IconOf(const ToolButton& button) {
     return icon;
 }
 
+// Room for a control between the buttons: what is put into it fills it.
+class Room : public QWidget {
+  public:
+    explicit Room(QWidget* parent) : QWidget(parent) {
+        auto* row = new QHBoxLayout(this);
+        row->setContentsMargins(0, 0, 0, 0);
+    }
+
+  protected:
+    void childEvent(QChildEvent* event) override {
+        if (event->polished() && event->child()->isWidgetType())
+            layout()->addWidget(static_cast<QWidget*>(event->child()));
+    }
+};
+
 class ToolBarPeer : public Peer {
   public:
     explicit ToolBarPeer(const WindowSpec& spec) : Peer(spec), bar_(new QToolBar(ParentWidget())) {
@@ -52,8 +68,14 @@ class ToolBarPeer : public Peer {
         if (!bar_) return;
         bar_->clear();
         actions_.clear();
+        rooms_.clear();
         for (const ToolButton& button : buttons) actions_.push_back(Add(button));
         bar_->resize(bar_->sizeHint());
+    }
+
+    QWidget* PlaceOf(UINT id) const override {
+        const auto found = rooms_.find(id);
+        return found != rooms_.end() ? found->second : Inner();
     }
 
     void SetButtonState(UINT id, bool enabled, bool checked) override {
@@ -69,7 +91,6 @@ class ToolBarPeer : public Peer {
     CRect ButtonArea(int index) const override {
         if (!bar_ || index < 0 || static_cast<std::size_t>(index) >= actions_.size()) return {};
         bar_->adjustSize();
-        if (bar_->layout()) bar_->layout()->activate();
         const QWidget* const widget = bar_->widgetForAction(actions_[static_cast<std::size_t>(index)]);
         return widget ? ToDevice(widget->geometry(), Factor()) : CRect();
     }
@@ -101,6 +122,7 @@ class ToolBarPeer : public Peer {
 
     QPointer<QToolBar> bar_;
     std::vector<QAction*> actions_;
+    std::map<UINT, QWidget*> rooms_;
     QTimer idle_;
 };
 

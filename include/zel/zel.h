@@ -6,6 +6,9 @@
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
 #include <zel/Mapping.h>
+#include <zel/ToolDialogs.h>
+#include <zel/ToolEditors.h>
+#include <zel/XColorDialog.h>
 #include <zel/Zel2.h>
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2Main.h>
@@ -18,6 +21,8 @@
 #include <zel/ZelDocument.h>
 #include <zel/ZelExport.h>
 #include <zel/ZelRules.h>
+#include <zel/ZelView.h>
+#include <zel/ZelViewer.h>
 #include <zel/platform/DC.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/PrintInfo.h>

@@ -65,7 +65,9 @@ void CFrameWnd::RecalcLayout() {
     CRect rest;
     GetClientRect(&rest);
     for (CToolBar* bar : bars_) {
-        if (!bar->IsWindowVisible()) continue;
+        // A toolbar may be gone by now, as a child that is no more.
+        const bool here = std::find(Children().begin(), Children().end(), bar) != Children().end();
+        if (!here || !bar->IsWindowVisible()) continue;
         const int height = bar->Peer()->Area().Height();
         bar->MoveWindow(rest.left, rest.top, rest.Width(), height);
         rest.top = std::min<LONG>(rest.top + height, rest.bottom);

@@ -79,6 +79,6 @@ void CToolBar::OnUpdateCmdUI(CCmdTarget* target, BOOL disableUnhandled) {
 }
 
 LRESULT CToolBar::OnIdleUpdate(WPARAM disableUnhandled, LPARAM) {
-    if (GetParent()) OnUpdateCmdUI(GetParent(), disableUnhandled != 0);
+    if (GetOwner()) OnUpdateCmdUI(GetOwner(), disableUnhandled != 0);
     return 0;
 }

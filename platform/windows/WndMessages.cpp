@@ -63,7 +63,7 @@ LRESULT CWnd::OnPeerMessage(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void CWnd::OnPeerNotify(UINT id, UINT code) {
-    CWnd* const receiver = parent_ ? parent_ : this;
+    CWnd* const receiver = GetOwner() ? GetOwner() : this;
     // A button of a toolbar is a command like one of a menu: it comes from no control.
     const bool command = Kind() == zel::WindowKind::TOOLBAR;
     receiver->OnPeerMessage(WM_COMMAND, MAKEWPARAM(command ? id : id_, code),

@@ -67,6 +67,9 @@ class CWnd : public CCmdTarget, private zel::WindowHost {
     BOOL PostMessage(UINT message, WPARAM wParam = 0, LPARAM lParam = 0);
 
     CWnd* GetParent() const { return parent_; }
+    // Who is told what happens in a control or toolbar: the parent, unless another window (borrowed) is set.
+    CWnd* GetOwner() const { return owner_ ? owner_ : parent_; }
+    void SetOwner(CWnd* owner) { owner_ = owner; }
     CFrameWnd* GetParentFrame() const;
     CWnd* GetTopLevelParent();
     const std::vector<CWnd*>& Children() const { return children_; }
@@ -191,6 +194,7 @@ class CWnd : public CCmdTarget, private zel::WindowHost {
     zel::WindowPeer* peer_ = nullptr;
     std::unique_ptr<zel::WindowPeer> ownedPeer_;
     CWnd* parent_ = nullptr;
+    CWnd* owner_ = nullptr;
     std::vector<CWnd*> children_;
     UINT id_ = 0;
     DWORD style_ = 0;
