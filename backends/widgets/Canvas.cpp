@@ -80,6 +80,10 @@ CanvasArea::CanvasArea(CanvasPeer* peer, QWidget* parent) : QAbstractScrollArea(
     viewport()->setMouseTracking(true);
 }
 
+CanvasArea::~CanvasArea() {
+    if (peer_) peer_->area_ = nullptr;
+}
+
 bool CanvasArea::Mouse(QMouseEvent* event) {
     const UINT message = MouseMessage(event->type(), event->button());
     if (message == 0) return false;

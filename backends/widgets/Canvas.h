@@ -19,6 +19,7 @@ class CanvasPeer;
 class CanvasArea : public QAbstractScrollArea {
   public:
     CanvasArea(CanvasPeer* peer, QWidget* parent);
+    ~CanvasArea() override;
     void Detach() { peer_ = nullptr; }
     QSize minimumSizeHint() const override { return {1, 1}; }
 
@@ -74,7 +75,7 @@ class CanvasPeer : public Peer {
     void Fit();
     void ShowPart(const CRect& box);
 
-    QPointer<CanvasArea> area_;
+    CanvasArea* area_ = nullptr;  // null once it is being destroyed
     WindowDevice device_;
     QRegion invalid_;  // device pixels
     bool erase_ = false;

@@ -122,7 +122,7 @@ class LineEditPeer : public ControlPeer {
     }
 
   private:
-    QPointer<QLineEdit> edit_;
+    Live<QLineEdit> edit_;
 };
 
 class TextEditPeer : public ControlPeer {
@@ -183,7 +183,7 @@ class TextEditPeer : public ControlPeer {
     }
 
   private:
-    QPointer<QPlainTextEdit> edit_;
+    Live<QPlainTextEdit> edit_;
     bool setting_ = false;
 };
 
@@ -233,7 +233,7 @@ class ButtonPeer : public ControlPeer {
         return groups.isEmpty() || Spec().style & WS_GROUP ? new QButtonGroup(parent) : groups.last();
     }
 
-    QPointer<QAbstractButton> button_;
+    Live<QAbstractButton> button_;
 };
 
 // Texts and frames around groups: nothing can be done with them.
@@ -266,7 +266,7 @@ class LabelPeer : public ControlPeer {
     }
 
   private:
-    QPointer<Label> label_;
+    Live<Label> label_;
 };
 
 class ComboPeer : public ControlPeer {
@@ -323,7 +323,7 @@ class ComboPeer : public ControlPeer {
         ~Quiet() { flag_ = false; }
         bool& flag_;
     };
-    QPointer<QComboBox> combo_;
+    Live<QComboBox> combo_;
     bool setting_ = false;
 };
 
@@ -352,7 +352,7 @@ class ListPeer : public ControlPeer {
     int SelectedItem() const override { return list_ ? list_->currentRow() : -1; }
 
   private:
-    QPointer<QListWidget> list_;
+    Live<QListWidget> list_;
 };
 
 }  // namespace

@@ -81,6 +81,7 @@ Peer::~Peer() {
 void Peer::Adopt(QWidget* widget) {
     widget_ = widget;
     QObject::connect(widget, &QObject::destroyed, &context_, [this] {
+        widget_ = nullptr;
         if (WindowHost* host = Host()) host->OnPeerGone();
     });
 }

@@ -20,6 +20,20 @@ QRect FromDevice(const CRect& area, double factor);
 UINT VirtualKey(int key);
 UINT KeyFlags(Qt::MouseButtons buttons, Qt::KeyboardModifiers modifiers);
 
+// A widget of a kind while it lives as that: null as soon as its destruction has begun, in which it still
+// sends events.
+template <class Widget>
+class Live {
+  public:
+    explicit Live(Widget* widget) : object_(widget) {}
+    Widget* data() const { return qobject_cast<Widget*>(object_.data()); }
+    operator Widget*() const { return data(); }
+    Widget* operator->() const { return data(); }
+
+  private:
+    QPointer<QObject> object_;
+};
+
 // What the windows of all kinds share. A peer owns its widget, which the window system may nevertheless
 // destroy first, with the widget that it stands in; the host is told then.
 class Peer : public WindowPeer {
@@ -36,7 +50,8 @@ class Peer : public WindowPeer {
     void Invalidate(const CRect& area, bool erase) override;
     GraphicsDevice& ClientDevice() override;
     void Show(bool on) override;
-    bool IsShown() const override { return widget_ && widget_->isVisible(); }
+    // A child may be shown in a parent that is not yet.
+    bool IsShown() const override { return widget_ && !widget_->isHidden(); }
     void Enable(bool on) override;
     bool IsEnabled() const override { return widget_ && widget_->isEnabled(); }
     void Move(const CRect& area) override;

@@ -113,14 +113,14 @@ class ToolBarPeer : public Peer {
         QObject::connect(action, &QAction::triggered, Context(), [this, action](bool on) {
             const UINT id = action->data().toUInt();
             if (action->isCheckable()) action->setChecked(!on);
-            const QPointer<QToolBar> bar = bar_;
+            const Live<QToolBar> bar = bar_;
             Notify(BN_CLICKED, id);
             if (bar && IsShown()) Send(WM_IDLEUPDATECMDUI, TRUE);
         });
         return action;
     }
 
-    QPointer<QToolBar> bar_;
+    Live<QToolBar> bar_;
     std::vector<QAction*> actions_;
     std::map<UINT, QWidget*> rooms_;
     QTimer idle_;

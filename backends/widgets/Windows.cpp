@@ -13,6 +13,7 @@
 #include <QCursor>
 #include <QEventLoop>
 #include <QFontDialog>
+#include <QFontInfo>
 #include <QFontMetricsF>
 #include <QGridLayout>
 #include <QMessageBox>
@@ -94,12 +95,15 @@ QFont QtFont(const LOGFONT& font, int tenthsOfPoint) {
     return chosen;
 }
 
-void Store(const QFont& chosen, LOGFONT& font, int& size) {
-    // A face name is cut to its field at a whole character.
-    QByteArray face = chosen.family().toUtf8();
+// A face name is cut to its field at a whole character.
+void StoreFace(const QString& family, LOGFONT& font) {
+    QByteArray face = family.toUtf8();
     while (face.size() >= LF_FACESIZE) face = QString::fromUtf8(face).chopped(1).toUtf8();
     std::memset(font.lfFaceName, 0, sizeof font.lfFaceName);
     std::memcpy(font.lfFaceName, face.constData(), static_cast<std::size_t>(face.size()));
+}
+
+void Store(const QFont& chosen, LOGFONT& font, int& size) {
     font.lfWeight = chosen.bold() ? FW_BOLD : FW_NORMAL;
     font.lfItalic = chosen.italic() ? 1 : 0;
     font.lfUnderline = chosen.underline() ? 1 : 0;
@@ -182,12 +186,16 @@ class QtWindows : public WindowSystem {
         if (size <= 0)
             size =
                 static_cast<int>(std::lround(std::abs(font.lfHeight) * 10 * kPointsPerInch / kPixelsPerInch));
-        QFontDialog dialog(QtFont(font, size), WidgetOf(owner));
+        // The list holds what is installed: the family that stands in for one that is not.
+        QFont shown = QtFont(font, size);
+        shown.setFamily(QFontInfo(shown).family());
+        QFontDialog dialog(shown, WidgetOf(owner));
         dialog.setOption(QFontDialog::DontUseNativeDialog);
         dialog.setWindowTitle(QString::fromStdString(caption.empty() ? "Font" : caption));
         QColor chosen = ToQt(color);
         AddColorButton(dialog, chosen);
         if (dialog.exec() != QDialog::Accepted) return false;
+        if (dialog.selectedFont().family() != shown.family()) StoreFace(dialog.selectedFont().family(), font);
         Store(dialog.selectedFont(), font, size);
         color = FromQt(chosen);
         return true;
