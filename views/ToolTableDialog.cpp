@@ -161,6 +161,9 @@ void CColorTableDlg::PaintSamples(CDC& dc) {
     left.right = right.left = (left.left + left.right) / 2;
     dc.FillSolidRect(&left, color->ScrColor());
     dc.FillSolidRect(&right, color->PrnColor());
+    const CRect both = SampleArea();
+    CBrush grey(RGB(128, 128, 128));
+    dc.FrameRect(&both, &grey);
 }
 
 void CColorTableDlg::OnChangeScreen() {
@@ -208,6 +211,7 @@ FontTblDlg::FontTblDlg(CWnd* parent, DrawFontTable& table)
 void FontTblDlg::ShowTool(int i) {
     const DrawFont* font = edited_(i);
     if (!font) return;
+    SetDlgItemText(kChangeScreen, "Font...");
     CString text;
     text.Format("%s, %g pt%s%s", font->FontName().GetString().c_str(), font->PtSize10() / 10.0,
                 font->Bold() ? ", bold" : "", font->Italic() ? ", italic" : "");
@@ -279,14 +283,14 @@ PenTabDlg::PenTabDlg(CWnd* parent, DrawPenTable& table)
     : ToolTableDialog(parent, "Line Table", table), table_(table), edited_(table) {
     using zel::WindowKind;
     const auto row = [this](int top, const char* label, const zel::DialogItem& field) {
-        AddItem({WindowKind::STATIC, 0xFFFF, label, CRect(kSide, top + 2, kSide + 46, top + 13), 0});
+        AddItem({WindowKind::STATIC, 0xFFFF, label, CRect(kSide, top + 2, kSide + 58, top + 13), 0});
         AddItem(field);
     };
-    const int left = kSide + 48, right = kSide + kSideWidth;
+    const int left = kSide + 60, right = kSide + kSideWidth;
     row(kMargin, "Style",
         {WindowKind::COMBO, kStyle, "", CRect(left, kMargin, right, kMargin + 80),
          CBS_DROPDOWNLIST | WS_TABSTOP});
-    row(24, "Width, 0.1 mm", {WindowKind::EDIT, kWidth, "", CRect(left, 24, left + 30, 37), WS_TABSTOP});
+    row(24, "Width (0.1 mm)", {WindowKind::EDIT, kWidth, "", CRect(left, 24, left + 30, 37), WS_TABSTOP});
     row(41, "Pattern", {WindowKind::EDIT, kPattern, "", CRect(left, 41, right, 54), WS_TABSTOP});
     AddColorRows(58);
 }

@@ -211,6 +211,13 @@ class ImageDevice::Impl {
         stroker.Blend({pixels.data(), width, height}, color, clips);
     }
 
+    // A wide pen that goes nowhere leaves a disc: dots of a dashed line may be as short as that.
+    void DrawDot(const CPoint& at, double penWidth, std::uint32_t color) {
+        const PointF centre{at.x + 0.5, at.y + 0.5};
+        stroker.Add(centre, centre, penWidth / 2);
+        stroker.Blend({pixels.data(), width, height}, color, clips);
+    }
+
     // Along the axes: whole pixels. A line one pixel wide leaves out the unit that it ends on; wider ones
     // have ends of half their width.
     void DrawCrisp(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
@@ -437,6 +444,8 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     const std::uint32_t color = PixelValue(state.pen.lopnColor);
     if (state.rasterMode != R2_COPYPEN || !solid) {
         impl.DrawPlain(state, points, count);
+    } else if (impl.shift == 0 && penWidth > 1 && std::equal(points + 1, points + count, points)) {
+        impl.DrawDot(points[0], penWidth, color);
     } else if (IsAxisParallel(points, count)) {
         impl.DrawCrisp(points, count, penWidth, color);
     } else {

@@ -104,8 +104,10 @@ void StoreFace(const QString& family, LOGFONT& font) {
 }
 
 void Store(const QFont& chosen, LOGFONT& font, int& size) {
-    font.lfWeight = chosen.bold() ? FW_BOLD : FW_NORMAL;
-    font.lfItalic = chosen.italic() ? 1 : 0;
+    // A font that was chosen by the name of its style says what it is only when it is looked up.
+    const QFontInfo found(chosen);
+    font.lfWeight = chosen.bold() || found.bold() ? FW_BOLD : FW_NORMAL;
+    font.lfItalic = chosen.italic() || found.italic() ? 1 : 0;
     font.lfUnderline = chosen.underline() ? 1 : 0;
     font.lfStrikeOut = chosen.strikeOut() ? 1 : 0;
     size = static_cast<int>(std::lround(chosen.pointSizeF() * 10));

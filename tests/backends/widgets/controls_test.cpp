@@ -244,6 +244,7 @@ TEST_F(Controls, EditPensAndFonts) {
             EXPECT_EQ(chosen.pointSizeF(), 10);
             chosen.setPointSize(14);
             chosen.setItalic(true);
+            chosen.setStyleName("Italic");
             fonts->setCurrentFont(chosen);
             Soon([modal] {
                 if (QApplication::activeModalWidget() != modal) return false;
@@ -254,7 +255,7 @@ TEST_F(Controls, EditPensAndFonts) {
             return true;
         });
         for (QPushButton* button : modal->findChildren<QPushButton*>()) {
-            if (button->text() == "Change...") {
+            if (button->text() == "Font...") {
                 button->click();
                 break;
             }
