@@ -88,12 +88,11 @@ const zel::DialogTemplate* CXColorDialog::Template() const {
 }
 
 BOOL CXColorDialog::OnInitDialog() {
-    for (int i = 0; i < 3; ++i) {
-        areas_[static_cast<std::size_t>(RED_GREEN + i)] = FromDialogUnits(PlaneUnits(i));
-        areas_[static_cast<std::size_t>(RED + i)] = FromDialogUnits(SlideUnits(i));
-    }
-    areas_[LUMINANCE] = FromDialogUnits(SlideUnits(3));
-    areas_[FIXED] = FromDialogUnits(SlideUnits(4));
+    int column = 0, row = 0;
+    for (const Area plane : {RED_GREEN, RED_BLUE, BLUE_GREEN})
+        areas_[plane] = FromDialogUnits(PlaneUnits(column++));
+    for (const Area slide : {RED, GREEN, BLUE, LUMINANCE, FIXED})
+        areas_[slide] = FromDialogUnits(SlideUnits(row++));
     return CDialog::OnInitDialog();
 }
 

@@ -16,6 +16,9 @@ ON_WM_VSCROLL()
 ON_WM_LBUTTONDOWN()
 ON_WM_LBUTTONUP()
 ON_WM_MOUSEMOVE()
+ON_WM_MOUSEWHEEL()
+ON_WM_MBUTTONDOWN()
+ON_WM_MBUTTONUP()
 ZEL_MAP_MESSAGE(WM_RBUTTONDOWN, self->OnRButtonUp(args.Flags(), args.Point()))
 ZEL_MAP_MESSAGE(WM_RBUTTONUP, self->OnRButtonUp(args.Flags(), args.Point()))
 ZEL_MAP_MESSAGE(WM_LBUTTONDBLCLK, self->OnRButtonUp(args.Flags(), args.Point()))
@@ -112,7 +115,37 @@ void CZelView::OnLButtonUp(UINT flags, CPoint point) {
     if (viewer_) viewer_->OnLButtonUp(flags, point);
     CScrollView::OnLButtonUp(flags, point);
 }
+// Fine wheels turn in parts of a step.
+BOOL CZelView::OnMouseWheel(UINT flags, short delta, CPoint screen) {
+    if (!viewer_ || !(flags & MK_CONTROL)) return CScrollView::OnMouseWheel(flags, delta, screen);
+    CPoint at = screen;
+    ScreenToClient(&at);
+    wheelTurned_ += delta;
+    for (; wheelTurned_ >= WHEEL_DELTA; wheelTurned_ -= WHEEL_DELTA) viewer_->ZoomAbout(at, 1);
+    for (; wheelTurned_ <= -WHEEL_DELTA; wheelTurned_ += WHEEL_DELTA) viewer_->ZoomAbout(at, 0);
+    return TRUE;
+}
+
+void CZelView::OnMButtonDown(UINT, CPoint point) {
+    if (!viewer_ || GetCapture()) return;
+    panning_ = true;
+    SetCapture();
+    ::SetCursor(LoadCursor(IDC_SIZEALL));
+    viewer_->StartPan(point);
+}
+
+void CZelView::OnMButtonUp(UINT, CPoint) {
+    if (!panning_) return;
+    panning_ = false;
+    if (GetCapture() == this) ReleaseCapture();
+    ::SetCursor(nullptr);
+}
+
 void CZelView::OnMouseMove(UINT flags, CPoint point) {
+    if (panning_) {
+        viewer_->PanTo(point);
+        return;
+    }
     if (viewer_) viewer_->OnMouseMove(flags, point);
     CScrollView::OnMouseMove(flags, point);
 }

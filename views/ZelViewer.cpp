@@ -65,6 +65,10 @@ bool ZelViewer::IsExact() {
     return drawing && drawing->Rules() == ZelRules::EXACT;
 }
 
+void ZelViewer::AdoptRules() {
+    if (Drawing()) root_.SetRules(Drawing()->Rules());
+}
+
 bool ZelViewer::IsEmpty() {
     const CSize size = root_.Size();
     return size.cx == 0 || size.cy == 0;
@@ -109,6 +113,7 @@ void ZelViewer::UseScale(int scale) {
 }
 
 void ZelViewer::OnDraw(CDC* dc) {
+    AdoptRules();
     PrepareMapping(*dc);
     UseScale(scale_);
     Map().SetLogicalOrg(-view_->GetDeviceScrollPosition());
@@ -124,10 +129,14 @@ int ZelViewer::FitScale() {
     const int numerator = Map().ZoomNumerator();
     const int denominator = Map().ZoomDenominator();
     Map().SetZoom(0, 0);
-    const CSize client = ClientSize();
+    // What fits the window as a whole needs no scroll bars.
+    const bool whole = zoomType_ == ZOOM_FIT_WINDOW && view_->Peer();
+    const CSize client = whole ? view_->Peer()->SizeWithoutBars() : ClientSize();
     const CSize world = Map().FromDevice(CSize(client.cx, -client.cy));
     Map().SetAbsoluteZoom(numerator, denominator);
-    const auto share = [](LONG room, LONG whole) { return zel::Saturate(std::int64_t{room} * 1000 / whole); };
+    const auto share = [](LONG room, LONG extent) {
+        return zel::Saturate(std::int64_t{room} * 1000 / extent);
+    };
     const int horizontal = share(world.cx, size.cx);
     const int vertical = share(world.cy, size.cy);
     switch (zoomType_) {
@@ -182,12 +191,10 @@ void ZelViewer::OnZoomFitwinverticaly() {
 
 void ZelViewer::OnZoomFitwindow() {
     if (IsEmpty()) return;
-    OnZoomFitwinhorizontaly();
-    const int horizontal = root_.Scale();
-    OnZoomFitwinverticaly();
-    if (root_.Scale() > horizontal) OnZoomFitwinhorizontaly();
-    SetMode(MODE_SELECT);
     zoomType_ = ZOOM_FIT_WINDOW;
+    AdjustScaleToZoomType();
+    view_->Invalidate();
+    SetMode(MODE_SELECT);
 }
 
 void ZelViewer::OnZoomRectangle() {
@@ -245,6 +252,7 @@ void ZelViewer::Enlarge(CPoint pt, int enlarge) {
     const CPoint scrolled = pt + view_->GetDeviceScrollPosition();
     const CPoint world = Map().FromLogical(scrolled);
     const CPoint corner = ShownCorner(scrolled, enlarge);
+    zoomType_ = ZOOM_FREE;
     ZoomBy(enlarge ? 3 : 2, enlarge ? 2 : 3);
     ScrollToWorld(corner);
     view_->Invalidate();
@@ -252,6 +260,29 @@ void ZelViewer::Enlarge(CPoint pt, int enlarge) {
     CPoint pointer = Map().ToDevice(world);
     view_->ClientToScreen(&pointer);
     ::SetCursorPos(pointer.x, pointer.y);
+}
+
+void ZelViewer::ZoomAbout(CPoint pt, int enlarge) {
+    if (IsEmpty()) return;
+    PrepareMapping();
+    const CPoint world = Map().FromDevice(pt);
+    zoomType_ = ZOOM_FREE;
+    ZoomBy(enlarge ? 3 : 2, enlarge ? 2 : 3);
+    const CSize corner = Map().ToLogical(world) - pt;
+    view_->ScrollToDevicePosition(CPoint(corner.cx, corner.cy));
+    Map().SetLogicalOrg(-view_->GetDeviceScrollPosition());
+    view_->Invalidate();
+}
+
+void ZelViewer::StartPan(CPoint pt) {
+    panFrom_ = pt;
+    panScroll_ = view_->GetDeviceScrollPosition();
+}
+
+void ZelViewer::PanTo(CPoint pt) {
+    const CSize moved = pt - panFrom_;
+    view_->ScrollToDevicePosition(panScroll_ - moved);
+    Map().SetLogicalOrg(-view_->GetDeviceScrollPosition());
 }
 
 void ZelViewer::AdjustViewToRectangle(CRect r) {
@@ -284,12 +315,17 @@ void ZelViewer::AdjustViewToRectangle(CRect r) {
 
 void ZelViewer::OnSize(unsigned, int cx, int cy) {
     if (sizing_ || cx == 0 || cy == 0 || !(ClientSize() == CSize(cx, cy))) return;
-    // Fitting shows and hides scroll bars, which changes the size.
     sizing_ = true;
     const int mode = mode_;
-    if (zoomType_ == ZOOM_FIT_HORIZONTALLY) OnZoomFitwinhorizontaly();
-    if (zoomType_ == ZOOM_FIT_VERTICALLY) OnZoomFitwinverticaly();
-    if (zoomType_ == ZOOM_FIT_WINDOW) OnZoomFitwindow();
+    // Fitting shows and hides scroll bars, which changes the room: fit again, but not for ever.
+    constexpr int kMostRounds = 3;
+    for (int round = 0; round < kMostRounds; ++round) {
+        const CSize before = ClientSize();
+        if (zoomType_ == ZOOM_FIT_HORIZONTALLY) OnZoomFitwinhorizontaly();
+        if (zoomType_ == ZOOM_FIT_VERTICALLY) OnZoomFitwinverticaly();
+        if (zoomType_ == ZOOM_FIT_WINDOW) OnZoomFitwindow();
+        if (ClientSize() == before) break;
+    }
     mode_ = mode;
     if (!IsEmpty()) {
         PrepareMapping();
@@ -318,6 +354,7 @@ void ZelViewer::OnPrint(CDC* dc, CPrintInfo* info) {
         Detached(const Detached&) = delete;
         Detached& operator=(const Detached&) = delete;
     };
+    AdoptRules();
     root_.PrepareMappingFor(dc, info, numGraphs_[0], numGraphs_[1]);
     const Detached detached(root_, view_);
     root_.OnPrint(dc, info);

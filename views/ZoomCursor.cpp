@@ -36,5 +36,5 @@ void RegisterZoomCursor() {
             cursor.pixels.push_back(alpha << 24 | grey << 16 | grey << 8 | grey);
         }
     }
-    zel::RegisterCursor(std::move(cursor));
+    zel::RegisterCursor(cursor);
 }

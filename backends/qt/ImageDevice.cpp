@@ -192,9 +192,12 @@ class ImageDevice::Impl {
     }
 
     void FillPixels(const CRect& box, std::uint32_t value) {
-        for (const CRect& part : clips) {
+        // Clips lie in bands from the top: those above the box and below it are passed over.
+        auto part = std::partition_point(clips.begin(), clips.end(),
+                                         [&](const CRect& each) { return each.bottom <= box.top; });
+        for (; part != clips.end() && part->top < box.bottom; ++part) {
             CRect seen;
-            if (!seen.IntersectRect(box, part)) continue;
+            if (!seen.IntersectRect(box, *part)) continue;
             for (int y = seen.top; y < seen.bottom; ++y) {
                 auto row = pixels.begin() + static_cast<std::ptrdiff_t>(y) * width;
                 std::fill(row + seen.left, row + seen.right, value);

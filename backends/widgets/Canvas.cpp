@@ -1,12 +1,14 @@
 #include "backends/widgets/Canvas.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QDialog>
 #include <QFocusEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QResizeEvent>
 #include <QScrollBar>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -275,11 +277,12 @@ void CanvasPeer::ShowPart(const CRect& box) {
 
 WindowPeer::PaintArea CanvasPeer::BeginPaint() {
     Fit();
-    PaintArea paint{.area = {}, .erase = erase_};
-    for (const QRect& rect : invalid_) {
-        const CRect part(rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height());
-        paint.area = Region::Combine(paint.area, Region(part), RGN_OR);
-    }
+    // Qt's regions are in bands as well.
+    std::vector<CRect> bands;
+    bands.reserve(static_cast<std::size_t>(invalid_.rectCount()));
+    for (const QRect& rect : invalid_)
+        bands.emplace_back(rect.left(), rect.top(), rect.left() + rect.width(), rect.top() + rect.height());
+    PaintArea paint{.area = Region::FromBands(std::move(bands)), .erase = erase_};
     invalid_ = QRegion();
     erase_ = false;
     painting_ = true;
@@ -350,7 +353,11 @@ void CanvasPeer::SetModal() {
 
 void CanvasPeer::Move(const CRect& area) {
     Peer::Move(area);
-    if (IsChild() && area_ && !area_->isVisible()) Resized();
+    if (!IsChild() || !area_ || area_->isVisible()) return;
+    // Qt lays out what is hidden when it is shown; the host may ask before that.
+    QResizeEvent resized(area_->size(), QSize());
+    QCoreApplication::sendEvent(area_, &resized);
+    Resized();
 }
 
 void CanvasPeer::SetText(const std::string& text) {

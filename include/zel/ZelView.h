@@ -81,6 +81,11 @@ class CZelView : public CScrollView {
     void OnLButtonUp(UINT flags, CPoint point);
     void OnMouseMove(UINT flags, CPoint point);
     void OnRButtonUp(UINT flags, CPoint point);
+    // The wheel zooms about the pointer while the control key is held, and scrolls otherwise.
+    BOOL OnMouseWheel(UINT flags, short delta, CPoint screen);
+    // The middle button drags the drawing along.
+    void OnMButtonDown(UINT flags, CPoint point);
+    void OnMButtonUp(UINT flags, CPoint point);
     void OnPointZelObject();
     void OnZoomRect();
     void OnZoomPlus();
@@ -104,5 +109,7 @@ class CZelView : public CScrollView {
     std::unique_ptr<ZelViewer> viewer_;
     CStringArray strings_;
     int printPageExtent_[2] = {0, 0};
+    int wheelTurned_ = 0;
+    bool panning_ = false;
     std::unique_ptr<CToolBarPsComboBox> toolBar_;
 };

@@ -75,6 +75,11 @@ class ZelViewer {
     void OnReduce(CPoint pt) { Enlarge(pt, 0); }
     // One step in (3/2) or out (2/3) around a point, which stays under the pointer.
     void Enlarge(CPoint pt, int enlarge);
+    // The same by scrolling alone, for wheels: the pointer is not moved.
+    void ZoomAbout(CPoint pt, int enlarge);
+    // Scrolls with the mouse from the point where a pan began.
+    void StartPan(CPoint pt);
+    void PanTo(CPoint pt);
     // Fits the drawing's width, its height, or both; the last also after each change of the window's size.
     void OnZoomFitwinhorizontaly();
     void OnZoomFitwinverticaly();
@@ -122,6 +127,8 @@ class ZelViewer {
 
   private:
     bool IsExact();
+    // The root that the drawing stands in clips and prints by the drawing's rules.
+    void AdoptRules();
     bool IsEmpty();
     Mapping& Map() { return *root_.Map(); }
     CSize ClientSize() const;
@@ -150,6 +157,8 @@ class ZelViewer {
     int rubberBand_ = 0;
     CSize graphSize_{100, 100};
     int numGraphs_[2] = {0, 0};
+    CPoint panFrom_;
+    CPoint panScroll_;
     CPoint anchor_;
     CPoint corner_;
     CRect dragRectangle_;

@@ -19,9 +19,8 @@ std::map<UINT, zel::Cursor>& Cursors() {
 
 }  // namespace
 
-void zel::RegisterCursor(Cursor cursor) {
-    const UINT id = cursor.id;
-    Cursors().try_emplace(id, std::move(cursor));
+void zel::RegisterCursor(const Cursor& cursor) {
+    Cursors().try_emplace(cursor.id, cursor);
 }
 
 HCURSOR LoadCursor(UINT id) {

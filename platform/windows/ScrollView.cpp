@@ -52,8 +52,21 @@ void CScrollView::SetScrollSizes(int mapMode, SIZE total, const SIZE& page, cons
 
 // A bar takes room from the other direction, which may then need one too.
 void CScrollView::UpdateBars() {
-    if (!Peer() || updating_) return;
+    if (!Peer()) return;
+    // Bars change the client area, upon which a view may change what it shows: once more, then, but not for
+    // ever.
+    constexpr int kMostRounds = 3;
+    again_ = true;
+    if (updating_) return;
     updating_ = true;
+    for (int round = 0; again_ && round < kMostRounds; ++round) {
+        again_ = false;
+        PlaceBars();
+    }
+    updating_ = false;
+}
+
+void CScrollView::PlaceBars() {
     const CSize room = Peer()->SizeWithoutBars();
     const CSize bar = Peer()->BarThickness();
     bool horizontal = totalDevice_.cx > room.cx;
@@ -64,7 +77,6 @@ void CScrollView::UpdateBars() {
     ScrollToDevicePosition(position_);
     Peer()->SetScroll(SB_HORZ, {totalDevice_.cx, page_.cx, position_.x});
     Peer()->SetScroll(SB_VERT, {totalDevice_.cy, page_.cy, position_.y});
-    updating_ = false;
 }
 
 void CScrollView::ScrollToDevicePosition(POINT position) {

@@ -37,6 +37,14 @@ void zel::ReportException(CException* e) {
     if (!answered) AfxMessageBox(message.empty() ? "The operation failed." : message.c_str(), MB_ICONSTOP);
 }
 
+// A box cannot be shown in the middle of painting, and the next painting will most likely fail the same way:
+// the fault is told soon, and once.
+void CWnd::ReportPaintFault(const std::string& fault) {
+    if (fault == paintFault_) return;
+    paintFault_ = fault;
+    zel::Windows().Post([fault] { AfxMessageBox(fault.c_str(), MB_ICONSTOP); });
+}
+
 // A window system cannot be unwound through: what a handler throws ends here.
 LRESULT CWnd::OnPeerMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     zel::WindowState& windows = zel::TheWindows();
@@ -55,9 +63,10 @@ LRESULT CWnd::OnPeerMessage(UINT message, WPARAM wParam, LPARAM lParam) {
         if (message == WM_MOUSELEAVE && windows.underMouse == this) windows.underMouse = nullptr;
         return SendMessage(message, wParam, lParam);
     } catch (CException* e) {
-        zel::ReportException(e);
+        message == WM_PAINT ? ReportPaintFault(zel::TakeMessage(e)) : zel::ReportException(e);
     } catch (const std::exception& e) {
-        AfxMessageBox(e.what(), MB_ICONSTOP);
+        message == WM_PAINT ? ReportPaintFault(e.what())
+                            : static_cast<void>(AfxMessageBox(e.what(), MB_ICONSTOP));
     }
     return 0;
 }

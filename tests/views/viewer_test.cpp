@@ -90,6 +90,10 @@ TEST_F(Viewer, ZoomsOutForEverOnlyWithClassicRules) {
     for (int i = 0; i < 40; ++i) viewer_->OnReduce(CPoint(10, 10));
     EXPECT_EQ(viewer_->GetScale(), 0);
     drawing_->SetRules(ZelRules::EXACT);
+    peer_->Paint();
+    view_->Invalidate();
+    peer_->Paint();
+    EXPECT_EQ(viewer_->Root().Rules(), ZelRules::EXACT) << "clips and printing follow the drawing";
     Command(ID_ZEL_FIT_WINDOW);
     EXPECT_EQ(viewer_->GetScale(), Zoom());
     EXPECT_GT(Zoom(), 0) << "a fit leaves a zoom of nothing behind";
@@ -238,6 +242,29 @@ TEST_F(Viewer, ZoomsByClickWhileItsCursorIsShown) {
     EXPECT_EQ(viewer_->GetScale(), 1000);
     Command(ID_ZEL_ZOOM_IN);
     Command(ID_ZEL_SELECT);
+    EXPECT_EQ(CWnd::GetCapture(), nullptr);
+}
+
+TEST_F(Viewer, ZoomsByWheelAndPansByTheMiddleButton) {
+    const CPoint at(200, 150);
+    const auto turn = [&](int parts) {
+        for (int i = 0; i < parts; ++i)
+            peer_->Send(WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, 60), MAKELPARAM(at.x, at.y));
+    };
+    turn(4);  // until there is something to scroll both ways
+    const CPoint world = viewer_->Root().Map()->FromDevice(at);
+    turn(4);
+    EXPECT_NEAR(viewer_->GetScale(), 5062, 10) << "four whole steps";
+    const CPoint after = viewer_->Root().Map()->ToDevice(world);
+    EXPECT_NEAR(after.x, at.x, 2);
+    EXPECT_NEAR(after.y, at.y, 2);
+    const CPoint scroll = view_->GetDeviceScrollPosition();
+    peer_->Mouse(WM_MBUTTONDOWN, MK_MBUTTON, at);
+    peer_->Mouse(WM_MOUSEMOVE, MK_MBUTTON, at + CSize(-30, 20));
+    EXPECT_EQ(view_->GetDeviceScrollPosition(), scroll + CSize(30, -20));
+    peer_->Mouse(WM_MBUTTONUP, 0, at);
+    peer_->Mouse(WM_MOUSEMOVE, 0, at);
+    EXPECT_EQ(view_->GetDeviceScrollPosition(), scroll + CSize(30, -20));
     EXPECT_EQ(CWnd::GetCapture(), nullptr);
 }
 

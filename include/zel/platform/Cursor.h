@@ -18,7 +18,7 @@ struct Cursor {
 };
 
 // Keeps `cursor` as the program's resource of its id; the first of an id wins.
-void RegisterCursor(Cursor cursor);
+void RegisterCursor(const Cursor& cursor);
 
 }  // namespace zel
 

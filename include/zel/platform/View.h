@@ -115,6 +115,7 @@ class CScrollView : public CView {
 
   private:
     void UpdateBars();
+    void PlaceBars();
     CSize ToDevice(const SIZE& size);
     void OnScrollCode(int bar, UINT code, int position);
 
@@ -127,4 +128,5 @@ class CScrollView : public CView {
     CSize page_;   // what is seen, without the scroll bars
     CSize wheel_;  // what the wheel turned and did not scroll yet
     bool updating_ = false;
+    bool again_ = false;
 };

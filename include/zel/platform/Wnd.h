@@ -8,6 +8,7 @@
 #include <zel/platform/WindowPeer.h>
 
 #include <memory>
+#include <string>
 #include <vector>
 
 class CDataExchange;
@@ -190,6 +191,7 @@ class CWnd : public CCmdTarget, private zel::WindowHost {
     void Forget();
     void RemoveChild(CWnd* child);
     LRESULT OnSetFontMessage(WPARAM wParam);
+    void ReportPaintFault(const std::string& fault);
 
     zel::WindowPeer* peer_ = nullptr;
     std::unique_ptr<zel::WindowPeer> ownedPeer_;
@@ -200,6 +202,7 @@ class CWnd : public CCmdTarget, private zel::WindowHost {
     DWORD style_ = 0;
     DWORD extendedStyle_ = 0;
     bool destroying_ = false;
+    std::string paintFault_;       // told already
     std::shared_ptr<CWnd*> self_;  // for messages that are on their way when the window goes
 };
 

@@ -17,6 +17,7 @@ class Noted : public CWnd {
   public:
     explicit Noted(std::string& log) : log_(log) {}
     int refuse = 0;
+    bool faulty = false;
 
   protected:
     DECLARE_MESSAGE_MAP()
@@ -52,6 +53,7 @@ class Noted : public CWnd {
     }
     void OnPaint() {
         CPaintDC dc(this);
+        if (faulty) AfxThrowInvalidArgException("It cannot be drawn.");
         log_ += "paint " + std::to_string(dc.m_ps.rcPaint.right) + ";";
     }
 
@@ -131,6 +133,17 @@ TEST_F(Window, ReceivesWhatUsersDo) {
     window.UpdateWindow();
     EXPECT_EQ(log_, "paint 9;") << "once for what is invalid";
     EXPECT_NE(peer.device.Text().find("clip 5,5 9,9"), std::string::npos);
+    window.faulty = true;
+    for (int i = 0; i < 3; ++i) {
+        window.Invalidate();
+        peer.Paint();
+    }
+    EXPECT_TRUE(screen_->boxes.empty()) << "no box in the middle of painting";
+    ASSERT_EQ(screen_->posted.size(), 1U) << "and not one for each";
+    screen_->posted.front()();
+    screen_->posted.clear();
+    EXPECT_EQ(screen_->boxes, std::vector<std::string>{"It cannot be drawn."});
+    screen_->boxes.clear();
     EXPECT_EQ(window.SendMessage(WM_USER + 1, 21), 42);
     EXPECT_EQ(peer.Send(WM_USER + 1, 7), 0);
     EXPECT_EQ(screen_->boxes, std::vector<std::string>{"Seven is too much."})
