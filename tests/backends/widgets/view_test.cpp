@@ -60,17 +60,17 @@ class WidgetView : public OnWidgets {
                 static_cast<int>(std::floor((device.y + 0.5) / factor_))};
     }
     QPoint AtWorld(int x, int y) { return At(DeviceOf(CPoint(x, y))); }
-    void Press(const QPoint& at, Qt::KeyboardModifiers keys = {}) {
-        QTest::mouseMove(area_, at);
-        Settle();
-        QTest::mousePress(area_, Qt::LeftButton, keys, at);
-    }
-    void DragTo(const QPoint& to) {
-        QTest::mouseEvent(QTest::MouseMove, area_, Qt::LeftButton, {}, to);
-        QMouseEvent move(QEvent::MouseMove, to, area_->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+    // Moves are sent to the widget: a real pointer that follows them would send others, later.
+    void Move(const QPoint& to, Qt::MouseButtons buttons) {
+        QMouseEvent move(QEvent::MouseMove, to, area_->mapToGlobal(to), Qt::NoButton, buttons,
                          Qt::NoModifier);
         QApplication::sendEvent(area_, &move);
     }
+    void Press(const QPoint& at, Qt::KeyboardModifiers keys = {}) {
+        Move(at, Qt::NoButton);
+        QTest::mousePress(area_, Qt::LeftButton, keys, at);
+    }
+    void DragTo(const QPoint& to) { Move(to, Qt::LeftButton); }
     void Release(const QPoint& at) { QTest::mouseRelease(area_, Qt::LeftButton, {}, at); }
     void Click(const QPoint& at, Qt::KeyboardModifiers keys = {}) {
         Soon([=, this] { return Release(at), true; });
@@ -167,8 +167,7 @@ TEST_F(WidgetView, LeavesNoTraceOfOutlines) {
 
 TEST_F(WidgetView, ZoomsAndScrolls) {
     view_->SendMessage(WM_COMMAND, ID_ZEL_ZOOM_IN);
-    QTest::mouseMove(area_, QPoint(100, 100));
-    Settle();
+    Move(QPoint(100, 100), Qt::NoButton);
     EXPECT_EQ(area_->cursor().shape(), Qt::BitmapCursor);
     Press(QPoint(100, 100));
     Release(QPoint(100, 100));
