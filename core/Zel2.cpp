@@ -291,8 +291,10 @@ int Zel2::EdgeAt(const CPoint&) {
     return -1;
 }
 
+// With classic rules only what is selected is hit: texts can be picked by a rectangle alone.
 int Zel2::IsIn(const CPoint& pt) {
-    return Selected() && DeviceRect().PtInRect(pt) ? 1 : 0;
+    const bool asked = Selected() || (IsExact() && Map());
+    return asked && DeviceRect().PtInRect(pt) ? 1 : 0;
 }
 
 Zel2* Zel2::GetSelectableAt(const CPoint& pt) {

@@ -166,6 +166,15 @@ TEST_F(Viewer, SelectsByClickBandAndShift) {
     screen_->script = {[&] { peer_->Mouse(WM_LBUTTONUP, 0, CPoint(60, 60)); }};
     peer_->Mouse(WM_LBUTTONDOWN, MK_LBUTTON, CPoint(350, 180));
     EXPECT_EQ(viewer_->Selection().GetSize(), 2) << "a band upwards and to the left";
+    const CPoint text = viewer_->Root().Map()->ToDevice(CPoint(3950, 1950));
+    Click(text);
+    EXPECT_EQ(viewer_->Selection().GetSize(), 0) << "classic: a text is not hit by a click";
+    drawing_->SetRules(ZelRules::EXACT);
+    Click(text);
+    ASSERT_EQ(viewer_->Selection().GetSize(), 1);
+    EXPECT_EQ(viewer_->Selection()[0], (*drawing_)[2]);
+    Click(Centre(a_));
+    Click(Centre(b_), MK_SHIFT);
     drawing_->Del(static_cast<Zel2*>(b_));
     EXPECT_EQ(viewer_->Selection().GetSize(), 1) << "what is deleted is not selected any more";
     EXPECT_EQ(viewer_->Selection().GetFocus(), nullptr);
