@@ -108,6 +108,10 @@ int Zel2::OnNotify(Zel2*, long code) {
     return parent_ ? parent_->OnNotify(this, code) : 0;
 }
 
+void Zel2::OnLeave(Zel2* object) {
+    if (parent_) parent_->OnLeave(object);
+}
+
 void Zel2::ResetClip() {
     if (parent_) parent_->ResetClip();
 }
@@ -299,8 +303,10 @@ int Zel2::EdgeAt(const CPoint&) {
     return -1;
 }
 
+// With classic rules only what is selected is hit: texts can be picked by a rectangle alone.
 int Zel2::IsIn(const CPoint& pt) {
-    return Selected() && DeviceRect().PtInRect(pt) ? 1 : 0;
+    const bool asked = Selected() || (IsExact() && Map());
+    return asked && DeviceRect().PtInRect(pt) ? 1 : 0;
 }
 
 Zel2* Zel2::GetSelectableAt(const CPoint& pt) {

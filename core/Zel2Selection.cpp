@@ -44,6 +44,17 @@ void Zel2Selection::RemoveAll() {
     CObArray::RemoveAll();
 }
 
+void Zel2Selection::Forget(const Zel2* object) {
+    const auto leaves = [object](const Zel2* member) {
+        while (member && member != object) member = member->GetParent();
+        return member != nullptr;
+    };
+    if (leaves(focus_)) focus_ = nullptr;
+    for (INT_PTR i = GetUpperBound(); i >= 0; --i) {
+        if (leaves((*this)[static_cast<int>(i)])) RemoveAt(i);
+    }
+}
+
 void Zel2Selection::StartDrag(CPoint& pt) {
     ForEach([&](Zel2* object) { object->StartDrag(pt); });
 }

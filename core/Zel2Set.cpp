@@ -47,6 +47,7 @@ int Zel2Set::Add(Zel2* child) {
 Zel2* Zel2Set::Del(int i) {
     if (i < 0 || i >= static_cast<int>(children_.GetSize())) return nullptr;
     Zel2* child = SlotAt(i);
+    if (child) OnLeave(child);
     children_.SetAt(i, nullptr);
     return child;
 }
@@ -67,7 +68,10 @@ void Zel2Set::SetChild(int i, Zel2* child) {
 }
 
 void Zel2Set::DetachChildren() {
-    ForEachChild([](Zel2* child) { child->SetParent(nullptr); });
+    ForEachChild([this](Zel2* child) {
+        OnLeave(child);
+        child->SetParent(nullptr);
+    });
     children_.RemoveAll();
 }
 

@@ -50,6 +50,11 @@ ZelRules Zel2Main::Rules() {
     return rules_;
 }
 
+void Zel2Main::OnLeave(Zel2* object) {
+    if (leaveHandler_) leaveHandler_(object);
+    Zel2Tools::OnLeave(object);
+}
+
 int Zel2Main::Scale() {
     const Mapping* map = Map();
     return map ? map->Scale() : 1000;

@@ -5,22 +5,23 @@ import subprocess
 import sys
 
 # For each folder of sources, the folders whose private headers it may include.
-LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "core", "tools", "drawing", "graphs", "layout", "database"]
+LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "core", "tools", "drawing", "graphs", "layout", "database", "views"]
 ALLOWED = {folder: LAYERS[: i + 1] for i, folder in enumerate(LAYERS)}
 ALLOWED["database"] = [f for f in LAYERS if f != "layout"]
 ALLOWED["backends/sqlite"] = ["backends/sqlite"]
 ALLOWED["backends/odbc"] = ["backends/odbc"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]
+ALLOWED["backends/widgets"] = ["backends/qt", "backends/widgets"]
 ALLOWED["apps/zel"] = ["apps/zel"]
 ALLOWED["examples"] = ["examples", "apps/zel"]
 ALLOWED["tests/database"] = []
 ALLOWED["bench"] = ["tests/database"]  # for its server
 # What public headers may be included: the framework sees no library, only programs see back ends.
 FRAMEWORK = ("platform/", "include/zel/platform/")
-BACKENDS = ("qt", "sqlite", "odbc")
+BACKENDS = ("qt", "widgets", "sqlite", "odbc")
 PROGRAMS = ("apps/", "examples/", "bench/", "tests/")
 # Headers from outside that only one back end may see.
-FOREIGN = {r"Q[A-Z]": "backends/qt/", r"sqlite3": "backends/sqlite/", r"(sql(ext|ucode|types)?|odbcinst)\.h": "backends/odbc/"}
+FOREIGN = {r"Q[A-Z]": ("backends/qt/", "backends/widgets/"), r"sqlite3": ("backends/sqlite/",), r"(sql(ext|ucode|types)?|odbcinst)\.h": ("backends/odbc/",)}
 
 
 def folder_of(path):
@@ -42,12 +43,14 @@ def faults_in(path, text):
             yield f"{path}:{number}: the framework may not include the library's {name}"
         for backend in BACKENDS:
             own = (f"backends/{backend}/", f"include/zel/{backend}/")
+            if backend == "qt":
+                own += ("backends/widgets/",)  # windows are painted like images
             if name.startswith(f"zel/{backend}/") and not path.startswith(PROGRAMS + own):
                 yield f"{path}:{number}: only programs may choose the back end {name}"
-        for pattern, owner in FOREIGN.items():
+        for pattern, owners in FOREIGN.items():
             # A benchmark compares with the bare interface.
-            if kind == "<" and re.match(pattern, name) and not path.startswith((owner, "bench/")):
-                yield f"{path}:{number}: only {owner} may include {name}"
+            if kind == "<" and re.match(pattern, name) and not path.startswith(owners + ("bench/",)):
+                yield f"{path}:{number}: only {owners[0]} may include {name}"
 
 
 def main():

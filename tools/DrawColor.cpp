@@ -1,6 +1,7 @@
 #include "core/ArchiveFields.h"
 
 #include <zel/DrawColor.h>
+#include <zel/ToolEditors.h>
 #include <zel/Zel2.h>
 #include <zel/platform/DC.h>
 
@@ -161,5 +162,6 @@ COLORREF DrawColorTable::operator[](int i) const {
 }
 
 int DrawColorTable::Edit() {
-    return DrawToolTable::Edit();
+    const auto& edit = zel::TheToolEditors().colors;
+    return edit ? edit(*this) : DrawToolTable::Edit();
 }

@@ -2,6 +2,7 @@
 #include "tools/TextClusters.h"
 
 #include <zel/DrawFont.h>
+#include <zel/ToolEditors.h>
 #include <zel/platform/DC.h>
 
 #include <algorithm>
@@ -95,7 +96,24 @@ void DrawFont::Close() {
 }
 
 void DrawFont::Edit() {
-    DrawTool::Edit();
+    const auto& edit = zel::TheToolEditors().font;
+    if (edit) edit(*this);
+}
+
+LOGFONT DrawFont::ScreenFont() const {
+    CDC screen;
+    screen.CreateCompatibleDC(nullptr);
+    LOGFONT font = logFont_;
+    font.lfHeight = -MulDiv(size_, screen.GetDeviceCaps(LOGPIXELSY), kTenthsOfPointPerInch);
+    return font;
+}
+
+void DrawFont::TakeChoice(const LOGFONT& font, COLORREF screen, int ptSize10) {
+    if (selected == this) selected = nullptr;
+    font_.DeleteObject();
+    logFont_ = font;
+    screen_ = screen;
+    size_ = ptSize10;
 }
 
 int DrawFont::HeightFor(CDC& dc) const {
@@ -273,5 +291,14 @@ int DrawFontTable::RegisterFont(const char* name, const char* face, int ptSize10
 }
 
 int DrawFontTable::Edit() {
-    return DrawToolTable::Edit();
+    const auto& edit = zel::TheToolEditors().fonts;
+    if (!edit) return DrawToolTable::Edit();
+    DrawFontTable edited(*this);
+    const int accepted = edit(edited);
+    CDC* const dc = Dc();
+    const int scale = OutputScale();
+    if (dc) Close();
+    if (accepted) CopyFrom(&edited);
+    if (dc) OpenOn(dc, scale);
+    return accepted;
 }

@@ -2,6 +2,7 @@
 #include "tools/DashWalker.h"
 
 #include <zel/DrawPen.h>
+#include <zel/ToolEditors.h>
 #include <zel/Zel2.h>
 #include <zel/platform/DC.h>
 
@@ -351,5 +352,14 @@ int DrawPenTable::RegisterPen(const char* name, int style, int width, COLORREF s
 }
 
 int DrawPenTable::Edit() {
-    return DrawToolTable::Edit();
+    const auto& edit = zel::TheToolEditors().pens;
+    if (!edit) return DrawToolTable::Edit();
+    CDC* const dc = Dc();
+    const int scale = OutputScale();
+    const int accepted = edit(*this);
+    if (dc) {
+        Close();
+        OpenOn(dc, scale);
+    }
+    return accepted;
 }

@@ -7,31 +7,22 @@
 #include <clocale>
 #include <memory>
 #include <mutex>
-#include <string>
 
 namespace zel::qt {
-namespace {
 
-// Qt sets the C locale from the environment when its application object is made; numbers that the program
-// prints must not change by that.
-class KeptLocale {
-  public:
-    KeptLocale() : locale_(std::setlocale(LC_ALL, nullptr)) {}
-    ~KeptLocale() { std::setlocale(LC_ALL, locale_.c_str()); }
-    KeptLocale(const KeptLocale&) = delete;
-    KeptLocale& operator=(const KeptLocale&) = delete;
+KeptLocale::KeptLocale() : locale_(std::setlocale(LC_ALL, nullptr)) {}
+KeptLocale::~KeptLocale() {
+    std::setlocale(LC_ALL, locale_.c_str());
+}
 
-  private:
-    std::string locale_;
-};
-
-// Without a display Qt would end the process.
 void ChoosePlatform() {
     const bool chosen = qEnvironmentVariableIsSet("QT_QPA_PLATFORM") ||
                         !qEnvironmentVariableIsEmpty("DISPLAY") ||
                         !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
     if (!chosen) qputenv("QT_QPA_PLATFORM", "offscreen");
 }
+
+namespace {
 
 std::unique_ptr<QGuiApplication> MakeApplication() {
     static int count = 1;

@@ -19,20 +19,16 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <numbers>
 #include <string>
 
 namespace zel::qt {
 namespace {
 
-constexpr int kSub = ImageDevice::kSubPixels;
 constexpr double kFarOutside = 16000;  // pixels; the rasteriser's coordinates are exact up to twice that
 
-// The pixel that a device unit lies in.
-int PixelOf(LONG unit) {
-    return static_cast<int>(unit >= 0 ? unit / kSub : -((static_cast<std::int64_t>(kSub) - 1 - unit) / kSub));
-}
-double CentreOf(LONG unit) {
-    return (unit + 0.5) / kSub;
+constexpr int ShiftOf(ImageDevice::Grid grid) {
+    return grid == ImageDevice::Grid::SIXTEENTHS ? 4 : 0;
 }
 
 bool IsAxisParallel(const CPoint* points, std::size_t count) {
@@ -89,18 +85,18 @@ QPainter::CompositionMode CompositionOf(int rasterMode) {
 // upright bar from its lowest to its highest point. Runs are joined by segments, but for bars side by side
 // that touch already. Only a run's first, last, lowest and highest points matter: leaving out the others
 // changes no pixel.
+template <int kShift>
 class ColumnThinner {
   public:
     ColumnThinner(Stroker& stroker, double halfWidth) : stroker_(stroker), half_(halfWidth) {}
 
     void Draw(std::span<const CPoint> points) {
-        static_assert(kSub == 1 << 4);
         std::size_t i = 0;
         while (i < points.size()) {
             const CPoint first = points[i];
-            const LONG column = first.x >> 4;
+            const LONG column = first.x >> kShift;
             LONG low = first.y, high = first.y;
-            for (++i; i < points.size() && points[i].x >> 4 == column; ++i) {
+            for (++i; i < points.size() && points[i].x >> kShift == column; ++i) {
                 low = std::min(low, points[i].y);
                 high = std::max(high, points[i].y);
             }
@@ -129,6 +125,7 @@ class ColumnThinner {
     static bool Touch(const Run& a, const Run& b) {
         return a.bar && b.bar && std::abs(a.column - b.column) == 1 && a.low <= b.high && b.low <= a.high;
     }
+    static double CentreOf(LONG unit) { return (unit + 0.5) / (1 << kShift); }
     void Segment(const CPoint& a, const CPoint& b) {
         stroker_.Add({CentreOf(a.x), CentreOf(a.y)}, {CentreOf(b.x), CentreOf(b.y)}, half_);
     }
@@ -143,12 +140,14 @@ class ColumnThinner {
 
 class ImageDevice::Impl {
   public:
-    Impl(int pixelWidth, int pixelHeight, double resolution, double units)
-        : width(pixelWidth),
+    Impl(int pixelWidth, int pixelHeight, double resolution, double units, Grid grid)
+        : shift(ShiftOf(grid)),
+          sub(1 << shift),
+          width(pixelWidth),
           height(pixelHeight),
           dotsPerInch(resolution),
-          caps{.unitsPerInch = units > 0 ? units : resolution * kSub,
-               .units = CSize(pixelWidth * kSub, pixelHeight * kSub),
+          caps{.unitsPerInch = units > 0 ? units : resolution * sub,
+               .units = CSize(pixelWidth * sub, pixelHeight * sub),
                .widthInches = pixelWidth / resolution,
                .heightInches = pixelHeight / resolution},
           pixels(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), 0xFFFFFFFFu),
@@ -160,6 +159,9 @@ class ImageDevice::Impl {
         painter.setRenderHint(QPainter::TextAntialiasing);
         painter.setPen(Qt::NoPen);
     }
+
+    // The pixel that a device unit lies in.
+    int PixelOf(LONG unit) const { return unit >> shift; }
 
     // Makes the clip of `state` that of painter and strokes.
     void UseClip(const GraphicsState& state) {
@@ -186,13 +188,16 @@ class ImageDevice::Impl {
     }
 
     double PenWidth(const GraphicsState& state) const {
-        return std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX() / kSub);
+        return std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX() / sub);
     }
 
     void FillPixels(const CRect& box, std::uint32_t value) {
-        for (const CRect& part : clips) {
+        // Clips lie in bands from the top: those above the box and below it are passed over.
+        auto part = std::partition_point(clips.begin(), clips.end(),
+                                         [&](const CRect& each) { return each.bottom <= box.top; });
+        for (; part != clips.end() && part->top < box.bottom; ++part) {
             CRect seen;
-            if (!seen.IntersectRect(box, part)) continue;
+            if (!seen.IntersectRect(box, *part)) continue;
             for (int y = seen.top; y < seen.bottom; ++y) {
                 auto row = pixels.begin() + static_cast<std::ptrdiff_t>(y) * width;
                 std::fill(row + seen.left, row + seen.right, value);
@@ -201,7 +206,18 @@ class ImageDevice::Impl {
     }
 
     void DrawSmooth(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
-        ColumnThinner(stroker, penWidth / 2).Draw({points, count});
+        if (shift == 0) {
+            ColumnThinner<0>(stroker, penWidth / 2).Draw({points, count});
+        } else {
+            ColumnThinner<ShiftOf(Grid::SIXTEENTHS)>(stroker, penWidth / 2).Draw({points, count});
+        }
+        stroker.Blend({pixels.data(), width, height}, color, clips);
+    }
+
+    // A wide pen that goes nowhere leaves a disc: dots of a dashed line may be as short as that.
+    void DrawDot(const CPoint& at, double penWidth, std::uint32_t color) {
+        const PointF centre{at.x + 0.5, at.y + 0.5};
+        stroker.Add(centre, centre, penWidth / 2);
         stroker.Blend({pixels.data(), width, height}, color, clips);
     }
 
@@ -252,6 +268,20 @@ class ImageDevice::Impl {
         painter.restore();
     }
 
+    // Corners on whole pixels would make a rough ellipse: its points lie between them.
+    void StrokeEllipse(const GraphicsState& state, const QRectF& shape) {
+        const double half = PenWidth(state) / 2;
+        const double radius = std::max({shape.width(), shape.height(), 2.0}) / 2;
+        const int steps = std::clamp(static_cast<int>(8 * std::sqrt(radius)), 12, 2000);
+        const auto at = [&](int step) {
+            const double angle = 2 * std::numbers::pi * step / steps;
+            return PointF{shape.center().x() + shape.width() / 2 * std::cos(angle),
+                          shape.center().y() + shape.height() / 2 * std::sin(angle)};
+        };
+        for (int i = 0; i < steps; ++i) stroker.Add(at(i), at(i + 1), half);
+        stroker.Blend({pixels.data(), width, height}, PixelValue(state.pen.lopnColor), clips);
+    }
+
     void FillRings(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) {
         const QRectF near(-kFarOutside, -kFarOutside, 2 * kFarOutside, 2 * kFarOutside);
         QPainterPath path;
@@ -262,7 +292,7 @@ class ImageDevice::Impl {
             ring.reserve(count);
             for (const CPoint& p : points.subspan(begin, static_cast<std::size_t>(count))) {
                 const CPoint at = state.map.ToDevice(p);
-                ring.append({at.x / static_cast<double>(kSub), at.y / static_cast<double>(kSub)});
+                ring.append({at.x / static_cast<double>(sub), at.y / static_cast<double>(sub)});
             }
             begin += static_cast<std::size_t>(count);
             path.addPolygon(ClippedTo(ring, near));
@@ -275,7 +305,7 @@ class ImageDevice::Impl {
     void PaintShape(const GraphicsState& state, Paint paint) {
         const bool plain = state.rasterMode == R2_COPYPEN;
         painter.setBrush(BrushOf(state, state.brush));
-        painter.setBrushOrigin(state.brushOrigin.x / kSub, state.brushOrigin.y / kSub);
+        painter.setBrushOrigin(state.brushOrigin.x / sub, state.brushOrigin.y / sub);
         painter.setPen(Qt::NoPen);
         if (!plain) {
             painter.setRenderHint(QPainter::Antialiasing, false);
@@ -301,6 +331,8 @@ class ImageDevice::Impl {
         }
     }
 
+    int shift;
+    int sub;  // device units to a pixel
     int width;
     int height;
     double dotsPerInch;
@@ -314,14 +346,14 @@ class ImageDevice::Impl {
     std::vector<CRect> clips;  // pixels
 };
 
-ImageDevice::ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch) {
+ImageDevice::ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch, Grid grid) {
     EnsureApplication();
     if (width < 1 || height < 1 || static_cast<std::int64_t>(width) * height > (std::int64_t{1} << 30)) {
         AfxThrowInvalidArgException(
             ("Cannot make an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels.")
                 .c_str());
     }
-    impl_ = std::make_unique<Impl>(width, height, dotsPerInch, unitsPerInch);
+    impl_ = std::make_unique<Impl>(width, height, dotsPerInch, unitsPerInch, grid);
 }
 
 ImageDevice::~ImageDevice() = default;
@@ -344,6 +376,21 @@ void ImageDevice::Clear(COLORREF color, bool opaque) {
                     impl_->pixels.size() * sizeof value);
     } else {
         std::fill(impl_->pixels.begin(), impl_->pixels.end(), value);
+    }
+}
+
+void ImageDevice::Scroll(int dx, int dy) {
+    const int wide = impl_->width - std::abs(dx);
+    const int high = impl_->height - std::abs(dy);
+    if (wide <= 0 || high <= 0) return;
+    const auto at = [&](int x, int y) {
+        return impl_->pixels.data() + static_cast<std::ptrdiff_t>(y) * impl_->width + x;
+    };
+    // Rows are moved in the order in which none is overwritten before it is read.
+    for (int i = 0; i < high; ++i) {
+        const int row = dy > 0 ? high - 1 - i : i;
+        std::memmove(at(std::max(dx, 0), row + std::max(dy, 0)), at(std::max(-dx, 0), row + std::max(-dy, 0)),
+                     static_cast<std::size_t>(wide) * sizeof(std::uint32_t));
     }
 }
 
@@ -400,6 +447,8 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     const std::uint32_t color = PixelValue(state.pen.lopnColor);
     if (state.rasterMode != R2_COPYPEN || !solid) {
         impl.DrawPlain(state, points, count);
+    } else if (impl.shift == 0 && penWidth > 1 && std::equal(points + 1, points + count, points)) {
+        impl.DrawDot(points[0], penWidth, color);
     } else if (IsAxisParallel(points, count)) {
         impl.DrawCrisp(points, count, penWidth, color);
     } else {
@@ -427,7 +476,8 @@ void ImageDevice::FillRect(const GraphicsState& state, const CRect& rect, const 
     if (brush.lbStyle == BS_NULL && (operation == PATCOPY || operation == PATINVERT)) return;
     CRect units = state.map.ToDevice(rect);
     units.NormalizeRect();
-    const CRect box(PixelOf(units.left), PixelOf(units.top), PixelOf(units.right), PixelOf(units.bottom));
+    const CRect box(impl_->PixelOf(units.left), impl_->PixelOf(units.top), impl_->PixelOf(units.right),
+                    impl_->PixelOf(units.bottom));
     impl_->UseClip(state);
     CRect seen;
     if (seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height)))
@@ -438,15 +488,23 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     CRect box = state.map.ToDevice(rect);
     box.NormalizeRect();
     impl_->UseClip(state);
-    const double scale = kSub;
-    const QRectF shape(box.left / scale, box.top / scale, (box.Width() - 1) / scale,
+    const double scale = impl_->sub;
+    const bool outlined = state.pen.lopnStyle != PS_NULL;
+    // In whole pixels the outline runs through their centres, and the fill with it.
+    const double inset = outlined && impl_->sub == 1 ? 0.5 : 0;
+    const QRectF shape(box.left / scale + inset, box.top / scale + inset, (box.Width() - 1) / scale,
                        (box.Height() - 1) / scale);
     const double limit = kFarOutside;
-    if (state.brush.lbStyle != BS_NULL && std::fabs(shape.left()) < limit &&
-        std::fabs(shape.right()) < limit) {
+    const bool near = std::fabs(shape.left()) < limit && std::fabs(shape.right()) < limit &&
+                      std::fabs(shape.top()) < limit && std::fabs(shape.bottom()) < limit;
+    if (state.brush.lbStyle != BS_NULL && near)
         impl_->PaintShape(state, [&] { impl_->painter.drawEllipse(shape); });
+    if (!outlined) return;
+    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    if (impl_->sub == 1 && near && solid && state.rasterMode == R2_COPYPEN) {
+        if (box.Width() > 1 && box.Height() > 1) impl_->StrokeEllipse(state, shape);
+        return;
     }
-    if (state.pen.lopnStyle == PS_NULL) return;
     GraphicsState outline = state;
     outline.brush.lbStyle = BS_NULL;
     GraphicsDevice::Ellipse(outline, rect);
@@ -454,7 +512,7 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
 
 void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
     impl_->UseClip(state);
-    DrawSpans(impl_->painter, state, spans, kSub);
+    DrawSpans(impl_->painter, state, spans, impl_->sub);
 }
 
 CSize ImageDevice::TextExtent(const GraphicsState& state, std::string_view text) {
@@ -469,8 +527,8 @@ TEXTMETRIC ImageDevice::TextMetrics(const GraphicsState& state) {
 }
 
 COLORREF ImageDevice::GetPixel(const CPoint& devicePoint) {
-    const int x = PixelOf(devicePoint.x);
-    const int y = PixelOf(devicePoint.y);
+    const int x = impl_->PixelOf(devicePoint.x);
+    const int y = impl_->PixelOf(devicePoint.y);
     if (x < 0 || y < 0 || x >= impl_->width || y >= impl_->height) return CLR_INVALID;
     const std::uint32_t value =
         impl_->pixels[static_cast<std::size_t>(y) * static_cast<std::size_t>(impl_->width) +

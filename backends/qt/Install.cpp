@@ -1,8 +1,8 @@
 #include "backends/qt/Application.h"
 #include "backends/qt/FileDevices.h"
+#include "backends/qt/QtPlatform.h"
 
 #include <zel/platform/Exception.h>
-#include <zel/platform/Platform.h>
 #include <zel/qt/ImageDevice.h>
 #include <zel/qt/Install.h>
 
@@ -30,31 +30,28 @@ class ScreenLikeDevice : public MeasuringDevice {
                       .heightInches = 11.25};
 };
 
-class QtPlatform : public Platform {
-  public:
-    std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice() override {
-        return std::make_unique<ScreenLikeDevice>();
-    }
-
-    double UnitsPerInch(const FileDeviceOptions& options) override {
-        if (options.format == "pdf") return kPdfUnitsPerInch;
-        if (options.format == "svg") return kSvgUnitsPerInch;
-        return options.dotsPerInch * ImageDevice::kSubPixels;
-    }
-
-    std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options) override {
-        if (options.format == "pdf") return CreatePdfDevice(options);
-        if (options.format == "svg") return CreateSvgDevice(options);
-        if (options.format == "png" || options.format == "jpg" || options.format == "jpeg") {
-            return CreateImageFileDevice(options);
-        }
-        AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": the format \"" +
-                                       options.format + "\" is none of png, jpg, pdf, svg.")
-                                          .c_str());
-    }
-};
-
 }  // namespace
+
+std::unique_ptr<GraphicsDevice> QtPlatform::CreateScreenCompatibleDevice() {
+    return std::make_unique<ScreenLikeDevice>();
+}
+
+double QtPlatform::UnitsPerInch(const FileDeviceOptions& options) {
+    if (options.format == "pdf") return kPdfUnitsPerInch;
+    if (options.format == "svg") return kSvgUnitsPerInch;
+    return options.dotsPerInch * ImageDevice::kSubPixels;
+}
+
+std::unique_ptr<DocumentDevice> QtPlatform::CreateFileDevice(const FileDeviceOptions& options) {
+    if (options.format == "pdf") return CreatePdfDevice(options);
+    if (options.format == "svg") return CreateSvgDevice(options);
+    if (options.format == "png" || options.format == "jpg" || options.format == "jpeg") {
+        return CreateImageFileDevice(options);
+    }
+    AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": the format \"" + options.format +
+                                   "\" is none of png, jpg, pdf, svg.")
+                                      .c_str());
+}
 
 void Install() {
     if (!dynamic_cast<QtPlatform*>(&Platform::Get())) Platform::Install(std::make_unique<QtPlatform>());

@@ -79,6 +79,6 @@ class DrawColorTable : public zel::ToolTableOf<DrawColor> {
     int RegisterColor(const char* name, COLORREF scr, COLORREF prn);
     // The colour in use of colour `i`; 0 (black) when there is none.
     COLORREF operator[](int i) const;
-    // The table's dialog belongs to the window layer; without it nothing can be accepted, as in the base.
+    // Runs the table's editor (zel::ToolEditors); 0 where there is none, as in the base.
     int Edit() override;
 };

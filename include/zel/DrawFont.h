@@ -28,8 +28,7 @@ class DrawFont : public DrawTool {
     DrawTool* ACopy() const override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
-    // The platform's font dialog belongs to the window layer; until it is there, nothing is edited, as in the
-    // base.
+    // Runs the font's editor (zel::ToolEditors), where there is one.
     void Edit() override;
     // Name, log font (60 bytes), size, angle, screen colour, printer colour.
     void Serialize(CArchive& ar) override;
@@ -48,6 +47,10 @@ class DrawFont : public DrawTool {
     // The printer colour when the printer flag is set, else the screen colour.
     COLORREF Color() const { return DrawTool::Printing() ? print_ : screen_; }
     void Color(COLORREF color) { (DrawTool::Printing() ? print_ : screen_) = color; }
+
+    // What the font dialog edits: the record at the height that it has on the screen, and what was chosen.
+    LOGFONT ScreenFont() const;
+    void TakeChoice(const LOGFONT& font, COLORREF screen, int ptSize10);
 
     // A new platform font for `dc` at angle 0, not selected; the caller owns it.
     CFont* GetFont(CDC* dc);
@@ -101,6 +104,7 @@ class DrawFontTable : public zel::ToolTableOf<DrawFont> {
     int RegisterFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
                      int strikeOut, COLORREF scr, COLORREF prn);
     DrawFont* Font(int i) const { return (*this)(i); }
-    // The table's dialog belongs to the window layer; without it nothing can be accepted, as in the base.
+    // Runs the table's editor (zel::ToolEditors) on a copy and takes it over when it was accepted; 0 where
+    // there is none, as in the base.
     int Edit() override;
 };

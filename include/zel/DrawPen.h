@@ -147,6 +147,7 @@ class DrawPenTable : public zel::ToolTableOf<DrawPen> {
     int RegisterPen(const char* name, int style, int width, COLORREF scr, COLORREF prn, int* pattern);
     int RegisterPen(DrawPen* pen) { return Register(pen); }
     DrawPen* Pen(int i) const { return (*this)(i); }
-    // The table's dialog belongs to the window layer; without it nothing can be accepted, as in the base.
+    // Runs the table's editor (zel::ToolEditors), and opens an open table again so that changes take effect;
+    // 0 where there is none, as in the base.
     int Edit() override;
 };

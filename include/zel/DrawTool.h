@@ -100,6 +100,8 @@ class DrawToolTable : public CObject {
 
   protected:
     CDC* Dc() const { return dc_; }
+    // The scale of the last OpenOn.
+    int OutputScale() const { return scale_; }
 
   private:
     void Clear();

@@ -153,6 +153,10 @@ class Zel2 : public CObject {
     // root.
     virtual int OnNotify(Zel2* sender, long code);
 
+    // `object`, with all that stands in it, is about to leave the tree below this object; passed on to the
+    // parent.
+    virtual void OnLeave(Zel2* object);
+
     // Registers a tool with the nearest registry; -1 when there is none. Arguments as those of the tools' own
     // constructors.
     virtual int RegisterColor(const char* name, unsigned long screen, unsigned long printer);

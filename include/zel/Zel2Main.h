@@ -5,6 +5,8 @@
 #include <zel/Zel2Tools.h>
 #include <zel/platform/GdiTypes.h>
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 // A tool registry that adds what only the root of a drawing has: the coordinate mapping, the window that
@@ -28,6 +30,9 @@ class Zel2Main : public Zel2Tools {
     void SetWindow(CWnd* window) { window_ = window; }
     // Takes ownership of `mapping`. The previous mapping is not deleted: it is the caller's again.
     void SetMapping(Mapping* mapping) { mapping_ = mapping; }
+    // Is called with each object that leaves the drawing, with all that stands in it, while it is still
+    // there: for who keeps pointers to objects. Not copied or stored.
+    void SetLeaveHandler(std::function<void(Zel2*)> handler) { leaveHandler_ = std::move(handler); }
     // The rule set of the drawing; stored in documents, not in classic archives.
     void SetRules(ZelRules rules) { rules_ = rules; }
 
@@ -38,6 +43,7 @@ class Zel2Main : public Zel2Tools {
     int Scale() override;
     int IsPrinting() override;
     ZelRules Rules() override;
+    void OnLeave(Zel2* object) override;
     // Pushes and pops a clip level during an output pass; outside of one both do nothing. Classic rules keep
     // the stack but leave the context unclipped; exact rules clip to the intersection of all levels (device
     // units).
@@ -75,6 +81,7 @@ class Zel2Main : public Zel2Tools {
     Mapping* mapping_ = nullptr;
     CWnd* window_ = nullptr;
     CDC* dc_ = nullptr;
+    std::function<void(Zel2*)> leaveHandler_;
     std::vector<HRGN> clipLevels_;
     ZelRules rules_ = ZelRules::CLASSIC;
 };

@@ -30,6 +30,9 @@ class Zel2Selection : public CObArray {
     // Deselects what Select selected, takes the focus away and empties the list.
     void RemoveAll();
 
+    // Lets go, without touching them, of all members that are `object` or stand in it.
+    void Forget(const Zel2* object);
+
     void StartDrag(CPoint& pt);
     void DragTo(CPoint& pt);
     void EndDrag();

@@ -7,6 +7,9 @@
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
 #include <zel/Mapping.h>
+#include <zel/ToolDialogs.h>
+#include <zel/ToolEditors.h>
+#include <zel/XColorDialog.h>
 #include <zel/Zel2.h>
 #include <zel/Zel2Axis.h>
 #include <zel/Zel2Column.h>
@@ -35,6 +38,8 @@
 #include <zel/ZelExport.h>
 #include <zel/ZelReportExport.h>
 #include <zel/ZelRules.h>
+#include <zel/ZelView.h>
+#include <zel/ZelViewer.h>
 #include <zel/platform/DC.h>
 #include <zel/platform/Dao.h>
 #include <zel/platform/Exception.h>

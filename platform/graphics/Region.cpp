@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <numbers>
+#include <utility>
 
 namespace zel {
 namespace {
@@ -146,6 +147,12 @@ Region::Region(const CRect& rect) {
     CRect ordered(rect);
     ordered.NormalizeRect();
     if (!ordered.IsRectEmpty()) rects_.push_back(ordered);
+}
+
+Region Region::FromBands(std::vector<CRect> rects) {
+    Region region;
+    region.rects_ = std::move(rects);
+    return region;
 }
 
 Region Region::FromPolygons(std::span<const CPoint> points, std::span<const int> counts, int fillMode) {

@@ -5,21 +5,48 @@
 
 namespace {
 
-zel::MessageBoxHandler& Handler() {
-    static zel::MessageBoxHandler handler;
-    return handler;
+// Who answers boxes, and who shows those that nobody answers.
+struct Handlers {
+    zel::MessageBoxHandler answer;
+    zel::MessageBoxHandler window;
+};
+
+Handlers& TheHandlers() {
+    static Handlers handlers;
+    return handlers;
 }
 
 }  // namespace
 
 int AfxMessageBox(const char* text, UINT type, UINT) {
-    const char* shown = text ? text : "";
-    // A copy: the handler may replace itself.
-    if (const zel::MessageBoxHandler handler = Handler()) return handler(shown, type);
-    std::fprintf(stderr, "%s\n", shown);
-    return IDOK;
+    const std::string shown = text ? text : "";
+    // Copies: a handler may replace itself.
+    for (const zel::MessageBoxHandler& handler : {TheHandlers().answer, TheHandlers().window}) {
+        if (handler) return handler(shown, type);
+    }
+    std::fprintf(stderr, "%s\n", shown.c_str());
+    return zel::CautiousAnswer(type);
 }
 
 zel::MessageBoxHandler zel::SetMessageBoxHandler(MessageBoxHandler handler) {
-    return std::exchange(Handler(), std::move(handler));
+    return std::exchange(TheHandlers().answer, std::move(handler));
+}
+
+void zel::SetMessageBoxWindow(MessageBoxHandler show) {
+    TheHandlers().window = std::move(show);
+}
+
+int zel::CautiousAnswer(UINT type) {
+    switch (type & MB_TYPEMASK) {
+        case MB_OKCANCEL:
+        case MB_YESNOCANCEL:
+        case MB_RETRYCANCEL:
+            return IDCANCEL;
+        case MB_YESNO:
+            return IDNO;
+        case MB_ABORTRETRYIGNORE:
+            return IDABORT;
+        default:
+            return IDOK;
+    }
 }

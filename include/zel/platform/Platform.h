@@ -8,6 +8,8 @@
 
 namespace zel {
 
+class WindowSystem;
+
 // A file that a back end is asked to draw. Lengths are inches on the paper or image.
 struct FileDeviceOptions {
     std::string path;    // where the finished file goes
@@ -46,6 +48,9 @@ class Platform {
     // Throws CNotSupportedException* naming the missing back end, or CFileException* when the path is
     // unusable.
     virtual std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options);
+
+    // Where windows come from (borrowed); null where there are none.
+    virtual WindowSystem* Windows() { return nullptr; }
 };
 
 }  // namespace zel

@@ -15,6 +15,8 @@ class Region {
     Region() = default;
     // The rectangle with its corners ordered; empty when it has no width or height.
     explicit Region(const CRect& rect);
+    // From rectangles that are in bands already, as the class comment says; they are not checked.
+    static Region FromBands(std::vector<CRect> rects);
     // The points that a polygon of these rings fills without an outline.
     static Region FromPolygons(std::span<const CPoint> points, std::span<const int> counts, int fillMode);
     // The ellipse inscribed in `rect`, one unit smaller at the right and bottom than the drawn ellipse.

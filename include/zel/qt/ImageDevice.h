@@ -21,16 +21,21 @@ namespace zel::qt {
 class ImageDevice : public GraphicsDevice {
   public:
     static constexpr int kSubPixels = 16;
+    // The device unit: a sixteenth of a pixel, or a whole one, as on a screen.
+    enum class Grid { SIXTEENTHS, PIXELS };
 
-    // `unitsPerInch` is what the device reports, `dotsPerInch` times 16 when it is 0: another value scales
-    // drawings.
-    ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch = 0);
+    // `unitsPerInch` is what the device reports, `dotsPerInch` times the units of a pixel when it is 0:
+    // another value scales drawings.
+    ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch = 0,
+                Grid grid = Grid::SIXTEENTHS);
     ~ImageDevice() override;
 
     int Width() const;
     int Height() const;
     // Fills everything; a colour with `opaque` false is fully transparent.
     void Clear(COLORREF color, bool opaque = true);
+    // Moves the picture; what is uncovered keeps its pixels.
+    void Scroll(int dx, int dy);
     // Rows of Width() pixels, 0xAARRGGBB premultiplied, from the top.
     const std::uint32_t* Pixels() const;
     // Writes the image whole or not at all. `format` is "png" or "jpg"; null takes it from the ending of

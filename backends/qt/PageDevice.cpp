@@ -1,0 +1,205 @@
+#include "backends/qt/PageDevice.h"
+
+#include "backends/qt/Fonts.h"
+#include "backends/qt/Hatch.h"
+#include "backends/qt/PenStyle.h"
+
+#include <algorithm>
+
+namespace zel::qt {
+namespace {
+
+constexpr double kHairlineInches = 0.18 / 72;
+constexpr double kPixelsPerInch = 96;
+constexpr double kHatchPixels = 8;
+constexpr double kFarOutside = 1e7;
+constexpr std::size_t kShortLine = 8;  // points
+constexpr int kMostHeld = 4000;        // elements of a path
+
+}  // namespace
+
+PageDevice::PageDevice(const FileDeviceOptions& options, const SurfaceCaps& caps)
+    : options_(options),
+      caps_(caps),
+      hairline_(kHairlineInches * caps.units.cx / caps.widthInches),
+      pixel_(caps.units.cx / caps.widthInches / kPixelsPerInch) {}
+
+void PageDevice::Begin(QPagedPaintDevice& pages) {
+    pages_ = &pages;
+    Check(painter_.begin(&pages));
+    painter_.setRenderHint(QPainter::LosslessImageRendering);
+    FillPage();
+}
+
+void PageDevice::NewPage() {
+    FlushText();
+    Check(pages_->newPage());
+    penSet_ = false;
+    clipSet_ = false;
+    painter_.setClipping(false);
+    FillPage();
+}
+
+void PageDevice::Finish() {
+    FlushText();
+    Check(painter_.end());
+}
+
+void PageDevice::Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) {
+    if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
+    UseClip(state);
+    line_.clear();
+    line_.reserve(static_cast<qsizetype>(count));
+    for (std::size_t i = 0; i < count; ++i) line_.append(At(state, points[i]));
+    FlushTextBelow(line_.boundingRect(), PenWidthOf(state, hairline_));
+    UsePen(state);
+    if (count > kShortLine) {
+        FlushLines();
+        painter_.drawPolyline(line_);
+        return;
+    }
+    lines_.addPolygon(line_);
+    if (lines_.elementCount() > kMostHeld) FlushLines();
+}
+
+void PageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                          std::span<const int> counts) {
+    if (PaintsNothing(state)) return;
+    UseClip(state);
+    QPainterPath path;
+    path.setFillRule(state.polygonFillMode == WINDING ? Qt::WindingFill : Qt::OddEvenFill);
+    std::size_t begin = 0;
+    for (const int count : counts) {
+        QPolygonF ring;
+        for (const CPoint& p : points.subspan(begin, static_cast<std::size_t>(count)))
+            ring.append(At(state, p));
+        begin += static_cast<std::size_t>(count);
+        path.addPolygon(ring);
+        path.closeSubpath();
+    }
+    Paint(state, path);
+}
+
+void PageDevice::FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                          DWORD operation) {
+    if (operation == DSTINVERT || operation == PATINVERT) return;
+    UseClip(state);
+    CRect box = state.map.ToDevice(rect);
+    box.NormalizeRect();
+    GraphicsState how = state;
+    how.pen.lopnStyle = PS_NULL;
+    how.rasterMode = R2_COPYPEN;
+    how.brush = operation == WHITENESS   ? LOGBRUSH{BS_SOLID, RGB(255, 255, 255), 0}
+                : operation == BLACKNESS ? LOGBRUSH{BS_SOLID, RGB(0, 0, 0), 0}
+                                         : brush;
+    QPainterPath path;
+    path.addRect(QRectF(box.left, box.top, box.Width(), box.Height()));
+    Paint(how, path);
+}
+
+void PageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
+    if (PaintsNothing(state)) return;
+    UseClip(state);
+    CRect box = state.map.ToDevice(rect);
+    box.NormalizeRect();
+    QPainterPath path;
+    path.addEllipse(QRectF(box.left, box.top, box.Width() - 1, box.Height() - 1));
+    Paint(state, path);
+}
+
+void PageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
+    UseClip(state);
+    if (!TextBatch::CanHold(state, spans)) {
+        FlushText();
+        penSet_ = false;
+        DrawSpans(painter_, state, spans, 1);
+        return;
+    }
+    if (!texts_.Matches(state)) FlushText();
+    texts_.Add(state, spans);
+}
+
+QPointF PageDevice::At(const GraphicsState& state, const CPoint& p) const {
+    const CPoint at = state.map.ToDevice(p);
+    return {std::clamp<double>(at.x, -kFarOutside, kFarOutside),
+            std::clamp<double>(at.y, -kFarOutside, kFarOutside)};
+}
+
+void PageDevice::FillPage() {
+    if (!options_.opaqueBackground || options_.background == RGB(255, 255, 255)) return;
+    painter_.fillRect(QRectF(0, 0, caps_.units.cx, caps_.units.cy), ColorOf(options_.background));
+}
+
+void PageDevice::UseClip(const GraphicsState& state) {
+    if (clipSet_ && clip_ == state.clip) return;
+    FlushText();
+    clip_ = state.clip;
+    clipSet_ = true;
+    penSet_ = false;
+    if (!clip_) {
+        painter_.setClipping(false);
+        return;
+    }
+    QPainterPath path;
+    for (const CRect& rect : clip_->Rects())
+        path.addRect(QRectF(rect.left, rect.top, rect.Width(), rect.Height()));
+    painter_.setClipPath(path);
+}
+
+void PageDevice::UsePen(const GraphicsState& state) {
+    const double width = PenWidthOf(state, hairline_);
+    const COLORREF color = InkOf(state, state.pen.lopnColor);
+    if (penSet_ && width == width_ && color == color_ && state.pen.lopnStyle == style_) return;
+    FlushLines();
+    width_ = width;
+    color_ = color;
+    style_ = state.pen.lopnStyle;
+    penSet_ = true;
+    QPen pen(ColorOf(color_), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    QList<qreal> pattern;  // in widths of the pen
+    for (const double length : DashesOf(state, width, pixel_)) pattern.append(length * pixel_ / width);
+    if (!pattern.isEmpty()) {
+        pen.setDashPattern(pattern);
+        pen.setCapStyle(Qt::FlatCap);
+    }
+    painter_.setPen(pen);
+}
+
+void PageDevice::FlushLines() {
+    if (lines_.isEmpty()) return;
+    painter_.drawPath(lines_);
+    lines_.clear();
+}
+
+void PageDevice::FlushText() {
+    FlushLines();
+    if (texts_.IsEmpty()) return;
+    texts_.Draw(painter_);
+    penSet_ = false;
+}
+
+void PageDevice::FlushTextBelow(const QRectF& shape, double reach) {
+    if (texts_.Touches(shape.adjusted(-reach, -reach, reach, reach))) FlushText();
+}
+
+void PageDevice::Paint(const GraphicsState& state, const QPainterPath& path) {
+    FlushLines();
+    FlushTextBelow(path.boundingRect(), PenWidthOf(state, hairline_));
+    if (state.brush.lbStyle == BS_SOLID) painter_.fillPath(path, ColorOf(InkOf(state, state.brush.lbColor)));
+    if (state.brush.lbStyle == BS_HATCHED) DrawHatch(state, path);
+    if (state.pen.lopnStyle == PS_NULL) return;
+    UsePen(state);
+    painter_.strokePath(path, painter_.pen());
+}
+
+void PageDevice::DrawHatch(const GraphicsState& state, const QPainterPath& path) {
+    painter_.save();
+    if (state.backgroundMode == OPAQUE) painter_.fillPath(path, ColorOf(state.backgroundColor));
+    painter_.setClipPath(path, Qt::IntersectClip);
+    painter_.setPen(QPen(ColorOf(state.brush.lbColor), hairline_ * 4));
+    for (const QLineF& line : HatchLines(state.brush.lbHatch, path.boundingRect(), kHatchPixels * pixel_))
+        painter_.drawLine(line);
+    painter_.restore();
+}
+
+}  // namespace zel::qt

@@ -1,0 +1,68 @@
+// Pages drawn as vectors and text.
+#pragma once
+
+#include "backends/qt/FileDevices.h"
+#include "backends/qt/TextBatch.h"
+
+#include <QPagedPaintDevice>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPolygonF>
+
+namespace zel::qt {
+
+// Draws pages on what Qt can paint pages on: a PDF file, a printer. Raster operations do not exist on paper.
+class PageDevice : public MeasuringDevice {
+  public:
+    PageDevice(const FileDeviceOptions& options, const SurfaceCaps& caps);
+
+    void NewPage() override;
+    void Finish() override;
+    int Caps(int index) const override { return caps_.Answer(index); }
+    void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
+    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
+                  std::span<const int> counts) override;
+    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
+                  DWORD operation) override;
+    void Ellipse(const GraphicsState& state, const CRect& rect) override;
+    void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
+
+  protected:
+    const FileDeviceOptions& Options() const { return options_; }
+    void Begin(QPagedPaintDevice& pages);
+    // Ends the painting of pages that nobody wants any more.
+    void End() { painter_.end(); }
+    // Throws when something could not be written; `written` is what Qt said.
+    virtual void Check(bool written) = 0;
+
+  private:
+    QPointF At(const GraphicsState& state, const CPoint& p) const;
+    void FillPage();
+    void UseClip(const GraphicsState& state);
+    void UsePen(const GraphicsState& state);
+    void Paint(const GraphicsState& state, const QPainterPath& path);
+    void FlushLines();
+    void FlushText();
+    void FlushTextBelow(const QRectF& shape, double reach);
+    void DrawHatch(const GraphicsState& state, const QPainterPath& path);
+
+    FileDeviceOptions options_;
+    SurfaceCaps caps_;
+    double hairline_;  // a line of width 0: the thinnest that prints well
+    double pixel_;     // of a screen
+    QPagedPaintDevice* pages_ = nullptr;
+    QPainter painter_;
+    QPolygonF line_;
+    // Held back as long as nothing is drawn over them, to be described in one piece. Lines that were drawn
+    // before a held text, or beside it, go before it.
+    TextBatch texts_;
+    QPainterPath lines_;  // short ones, with the painter's pen
+    std::shared_ptr<const Region> clip_;
+    bool clipSet_ = false;
+    bool penSet_ = false;
+    double width_ = 0;
+    COLORREF color_ = 0;
+    UINT style_ = 0;
+};
+
+}  // namespace zel::qt

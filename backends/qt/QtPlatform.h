@@ -1,0 +1,16 @@
+// The platform of programs that draw through Qt.
+#pragma once
+
+#include <zel/platform/Platform.h>
+
+namespace zel::qt {
+
+// Images, PDF and SVG files, and texts measured with Qt's fonts.
+class QtPlatform : public Platform {
+  public:
+    std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice() override;
+    double UnitsPerInch(const FileDeviceOptions& options) override;
+    std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options) override;
+};
+
+}  // namespace zel::qt

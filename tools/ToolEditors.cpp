@@ -1,0 +1,6 @@
+#include <zel/ToolEditors.h>
+
+zel::ToolEditors& zel::TheToolEditors() {
+    static ToolEditors editors;
+    return editors;
+}
