@@ -10,7 +10,9 @@ namespace zel {
 namespace {
 
 constexpr std::uint8_t kMagic[8] = {0x89, 'Z', 'E', 'L', '\r', '\n', 0x1A, '\n'};
+constexpr std::size_t kDialectAt = 28;
 constexpr std::size_t kChecksumAt = 36;
+constexpr std::uint32_t kCompleteDialect = 0;
 
 template <class T>
 void Put(DocumentHeader::Bytes& bytes, std::size_t at, T value) {
@@ -41,6 +43,7 @@ DocumentHeader::Bytes DocumentHeader::Encode() const {
     Put<std::uint32_t>(bytes, 12, rules == ZelRules::EXACT ? 1 : 0);
     Put<std::uint64_t>(bytes, 16, contentLength);
     Put<std::uint32_t>(bytes, 24, contentChecksum);
+    Put<std::uint32_t>(bytes, kDialectAt, kCompleteDialect);
     Put<std::uint32_t>(bytes, kChecksumAt, HeaderChecksum(bytes));
     return bytes;
 }
@@ -57,6 +60,11 @@ DocumentHeader DocumentHeader::Decode(const Bytes& bytes, const std::string& sou
     }
     if (Take<std::uint32_t>(bytes, kChecksumAt) != HeaderChecksum(bytes)) {
         Refuse(CArchiveException::genericException, source, "its header is damaged (the checksum differs)");
+    }
+    if (const auto dialect = Take<std::uint32_t>(bytes, kDialectAt); dialect != kCompleteDialect) {
+        Refuse(CArchiveException::badSchema, source,
+               "its content is in dialect " + std::to_string(dialect) + ", and documents are in dialect " +
+                   std::to_string(kCompleteDialect));
     }
     DocumentHeader header;
     header.rules = Take<std::uint32_t>(bytes, 12) == 1 ? ZelRules::EXACT : ZelRules::CLASSIC;

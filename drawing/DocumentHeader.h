@@ -15,7 +15,8 @@ namespace zel {
 //  12  4  rule set: 0 classic, 1 exact
 //  16  8  length of the content that follows the header, in bytes
 //  24  4  CRC-32 of the content
-//  28  8  reserved, 0
+//  28  4  dialect of the content: 0, the complete one
+//  32  4  reserved, 0
 //  36  4  CRC-32 of the 36 bytes before
 struct DocumentHeader {
     static constexpr std::size_t kSize = 40;
