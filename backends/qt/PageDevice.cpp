@@ -3,6 +3,7 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/RunThinner.h"
 
 #include <algorithm>
 
@@ -48,9 +49,13 @@ void PageDevice::Finish() {
 void PageDevice::Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) {
     if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
     UseClip(state);
+    mapped_.clear();
+    for (std::size_t i = 0; i < count; ++i) mapped_.push_back(state.map.ToDevice(points[i]));
+    if (count > kShortLine && !options_.keepAllPoints && DashesOf(state, 0, pixel_).empty())
+        ThinRuns(mapped_);
     line_.clear();
-    line_.reserve(static_cast<qsizetype>(count));
-    for (std::size_t i = 0; i < count; ++i) line_.append(At(state, points[i]));
+    line_.reserve(static_cast<qsizetype>(mapped_.size()));
+    for (const CPoint& p : mapped_) line_.append(Near(p));
     FlushTextBelow(line_.boundingRect(), PenWidthOf(state, hairline_));
     UsePen(state);
     if (count > kShortLine) {
@@ -119,10 +124,13 @@ void PageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> 
     texts_.Add(state, spans);
 }
 
+QPointF PageDevice::Near(const CPoint& p) {
+    return {std::clamp<double>(p.x, -kFarOutside, kFarOutside),
+            std::clamp<double>(p.y, -kFarOutside, kFarOutside)};
+}
+
 QPointF PageDevice::At(const GraphicsState& state, const CPoint& p) const {
-    const CPoint at = state.map.ToDevice(p);
-    return {std::clamp<double>(at.x, -kFarOutside, kFarOutside),
-            std::clamp<double>(at.y, -kFarOutside, kFarOutside)};
+    return Near(state.map.ToDevice(p));
 }
 
 void PageDevice::FillPage() {

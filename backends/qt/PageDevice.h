@@ -36,6 +36,8 @@ class PageDevice : public MeasuringDevice {
     virtual void Check(bool written) = 0;
 
   private:
+    // Within what coordinates of a page can be.
+    static QPointF Near(const CPoint& p);
     QPointF At(const GraphicsState& state, const CPoint& p) const;
     void FillPage();
     void UseClip(const GraphicsState& state);
@@ -52,6 +54,7 @@ class PageDevice : public MeasuringDevice {
     double pixel_;     // of a screen
     QPagedPaintDevice* pages_ = nullptr;
     QPainter painter_;
+    std::vector<CPoint> mapped_;
     QPolygonF line_;
     // Held back as long as nothing is drawn over them, to be described in one piece. Lines that were drawn
     // before a held text, or beside it, go before it.

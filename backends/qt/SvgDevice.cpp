@@ -4,6 +4,7 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/RunThinner.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
@@ -75,8 +76,11 @@ class SvgDevice : public MeasuringDevice {
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
         UseClip(state);
+        mapped_.clear();
+        for (std::size_t i = 0; i < count; ++i) mapped_.push_back(state.map.ToDevice(points[i]));
+        if (!options_.keepAllPoints && DashesOf(state, 0, kPixel).empty()) ThinRuns(mapped_);
         xml_.writeEmptyElement("polyline");
-        xml_.writeAttribute("points", PointsText(state, {points, count}));
+        xml_.writeAttribute("points", PointsText(mapped_));
         xml_.writeAttribute("fill", "none");
         WriteStroke(state);
     }
@@ -151,10 +155,15 @@ class SvgDevice : public MeasuringDevice {
     }
 
   private:
-    QString PointsText(const GraphicsState& state, std::span<const CPoint> points) const {
+    QString PointsText(const GraphicsState& state, std::span<const CPoint> points) {
+        mapped_.clear();
+        for (const CPoint& p : points) mapped_.push_back(state.map.ToDevice(p));
+        return PointsText(mapped_);
+    }
+
+    static QString PointsText(std::span<const CPoint> points) {
         QString text;
-        for (const CPoint& p : points) {
-            const CPoint at = state.map.ToDevice(p);
+        for (const CPoint& at : points) {
             if (!text.isEmpty()) text += ' ';
             text += QString::number(at.x) + ',' + QString::number(at.y);
         }
@@ -279,6 +288,7 @@ class SvgDevice : public MeasuringDevice {
     SafeFile file_;
     FileSink sink_;
     QXmlStreamWriter xml_;
+    std::vector<CPoint> mapped_;
     std::shared_ptr<const Region> clip_;
     int lastId_ = 0;
 };

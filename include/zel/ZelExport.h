@@ -22,7 +22,10 @@ struct ExportOptions {
     bool transparent = false;   // no background, where the format can
     bool printerTools = false;  // the tools' printer colours instead of those for the screen
     int quality = 90;           // of a JPEG
-    std::string title;          // for formats that keep one
+    // PDF and SVG leave out points of solid lines that lie on the line through others, at 1200 and 1440 units
+    // to an inch: nothing that is seen changes. True keeps every point, for programs that read them back.
+    bool keepAllPoints = false;
+    std::string title;  // for formats that keep one
 };
 
 // Sets a paper by its name ("A5" to "A2", "letter", "legal"), upright or lying; false for an unknown name.

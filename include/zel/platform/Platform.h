@@ -22,6 +22,8 @@ struct FileDeviceOptions {
     COLORREF background = RGB(255, 255, 255);
     int quality = 90;   // of a JPEG, 0 to 100
     std::string title;  // document title, for formats that keep one
+    // Formats of vectors leave out points of lines that make no difference at the device's resolution.
+    bool keepAllPoints = false;
 };
 
 // Makes devices (and, with the window layer, windows). The base class is what a program without a back end

@@ -10,6 +10,7 @@
 #include <clocale>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
 
 namespace {
 
@@ -325,6 +326,42 @@ TEST_F(Files, PdfKeepsTheOrderOfWhatOverlaps) {
     EXPECT_GT(count(120, 0xFF000000), 20) << "the text covers the line";
     EXPECT_GT(count(120, 0xFF0000FF), 20);
     EXPECT_EQ(count(176, 0xFF008000), 150);
+}
+
+// A dense curve is written as what can be told apart, and looks the same.
+TEST_F(Files, VectorsLeaveOutWhatCannotBeSeen) {
+    auto* points = new Zel2PointArray;
+    std::mt19937 random(2);
+    std::normal_distribution<double> step(0, 0.002);
+    double y = 0.5;
+    for (int i = 0; i < 200'000; ++i)
+        points->Append(i / 20'000.0, y = std::clamp(y + step(random), 0.0, 1.0));
+    points->SetPen(0);
+    graph_->AddIn(points);
+    zel::ExportOptions all;
+    all.keepAllPoints = true;
+    for (const char* format : {"pdf", "svg"}) {
+        const std::string thin = Written((std::string("thin.") + format).c_str());
+        const std::string whole = Written((std::string("whole.") + format).c_str(), all);
+        EXPECT_LT(3 * Content(thin).size(), Content(whole).size()) << format;
+        QImage images[2];
+        for (const std::string& file : {thin, whole}) {
+            const std::string picture = file + ".png";
+            const auto reader = RunProgram(std::string(format) == "pdf"
+                                               ? "pdftoppm -r 200 -png -singlefile " + file + " " + file
+                                               : "rsvg-convert -d 200 -p 200 " + file + " -o " + picture);
+            ASSERT_EQ(reader.code, 0) << reader.text;
+            images[file == thin].load(QString::fromStdString(picture));
+        }
+        ASSERT_FALSE(images[0].isNull());
+        int differing = 0;
+        for (int row = 0; row < images[0].height(); ++row) {
+            for (int x = 0; x < images[0].width(); ++x)
+                differing +=
+                    std::abs(qGray(images[0].pixel(x, row)) - qGray(images[1].pixel(x, row))) > 24 ? 1 : 0;
+        }
+        EXPECT_LT(differing, images[0].width() * images[0].height() / 2000) << format;
+    }
 }
 
 TEST(HostApplication, MayEndBeforeTheLibrary) {
