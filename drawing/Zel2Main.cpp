@@ -50,6 +50,11 @@ ZelRules Zel2Main::Rules() {
     return rules_;
 }
 
+int Zel2Main::OnNotify(Zel2* sender, long code) {
+    if (code == EDITED && editHandler_) editHandler_(sender);
+    return Zel2Tools::OnNotify(sender, code);
+}
+
 void Zel2Main::OnLeave(Zel2* object) {
     if (leaveHandler_) leaveHandler_(object);
     Zel2Tools::OnLeave(object);

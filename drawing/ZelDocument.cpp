@@ -111,6 +111,19 @@ void SaveDocument(Zel2Main& drawing, const char* path) {
     target.Commit();
 }
 
+std::vector<std::uint8_t> DocumentBytes(Zel2Main& drawing) {
+    CMemFile content(1 << 16);
+    StoreComplete(content, drawing);
+    DocumentHeader header;
+    header.rules = drawing.Rules();
+    header.contentLength = content.GetLength();
+    header.contentChecksum = AddToChecksum(0, content.GetData(), content.GetLength());
+    const DocumentHeader::Bytes begin = header.Encode();
+    std::vector<std::uint8_t> bytes(begin.begin(), begin.end());
+    bytes.insert(bytes.end(), content.GetData(), content.GetData() + content.GetLength());
+    return bytes;
+}
+
 std::unique_ptr<Zel2Main> LoadDocument(const char* path) {
     CFile file(path, CFile::modeRead);
     return Load(file, path);

@@ -2,7 +2,9 @@
 #include "graphs/GraphPainter.h"
 
 #include <zel/DrawPen.h>
+#include <zel/Mapping.h>
 #include <zel/Zel2Graph.h>
+#include <zel/Zel2Selection.h>
 #include <zel/platform/DC.h>
 
 IMPLEMENT_SERIAL(Zel2Graph, Zel2Set, 0)
@@ -11,6 +13,7 @@ namespace {
 
 constexpr int kDefaultIntervals = 8;
 constexpr int kDefaultMargin = 800;
+constexpr int kCorners = 4;
 constexpr CSize kDefaultSize(5000, 4000);
 
 // How a printed page counts graphs of some styles: their top margin is shared.
@@ -222,6 +225,27 @@ void Zel2Graph::OnDraw() {
     PrepareMapping();
     if (DC() && Map()) GraphPainter(*this).Draw();
     Zel2Set::OnDraw();
+    if (IsExact() && Selected()) DrawCPT();
+}
+
+unsigned int Zel2Graph::nCpt() {
+    return IsExact() ? kCorners : Zel2Set::nCpt();
+}
+
+CPoint Zel2Graph::Cpt(int i) {
+    if (!IsExact()) return Zel2Set::Cpt(i);
+    const CRect box = AbsRect();
+    return {i == 0 || i == 1 ? box.left : box.right, i == 0 || i == 2 ? box.top : box.bottom};
+}
+
+void Zel2Graph::Drag(int corner, CPoint pt) {
+    if (!IsExact() || !Map() || corner < 0 || corner >= kCorners) return;
+    const CSize to = Map()->FromDevice(pt) - ParentOrigin();
+    CRect box(Origin(), Size() - CSize(1, 1));
+    (corner < 2 ? box.left : box.right) = to.cx;
+    (corner % 2 == 0 ? box.top : box.bottom) = to.cy;
+    box.NormalizeRect();
+    MoveTo(box);
 }
 
 void Zel2Graph::OnPrint(CDC*, CPrintInfo*) {
@@ -230,8 +254,17 @@ void Zel2Graph::OnPrint(CDC*, CPrintInfo*) {
 
 MouseAction Zel2Graph::OnMouse(const MouseStatus& ms) {
     inner_.Select(1);
-    const MouseAction action = inner_.OnMouse(ms);
-    return action.object ? action : Zel2Set::OnMouse(ms);
+    MouseAction action = inner_.OnMouse(ms);
+    if (!action.object) action = Zel2Set::OnMouse(ms);
+    return action.object || !IsExact() ? action : Zel2::OnMouse(ms);
+}
+
+Zel2* Zel2Graph::GetSelectableAt(const CPoint& pt) {
+    Zel2* hit = Zel2Set::GetSelectableAt(pt);
+    if (hit || !IsExact()) return hit;
+    Zel2Selection plotted;
+    inner_.SelectAt(pt, &plotted);
+    return plotted.GetSize() > 0 ? plotted[0] : Zel2::GetSelectableAt(pt);
 }
 
 void Zel2Graph::ExchangeCorners(CArchive& ar, Corners& corners) {

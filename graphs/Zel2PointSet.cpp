@@ -4,11 +4,13 @@
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
+#include <zel/Mapping.h>
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2PointSet.h>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 IMPLEMENT_SERIAL(Zel2PointSet, Zel2, 0)
 IMPLEMENT_SERIAL(Zel2PointArray, Zel2PointSet, 0)
@@ -19,6 +21,23 @@ constexpr std::size_t kBlock = 1024;  // points handed on at once by a series th
 
 Zel2Graph* GraphAround(const Zel2& object) {
     return dynamic_cast<Zel2Graph*>(object.GetParentClass(Zel2::CLASS_GRAPH));
+}
+
+constexpr int kHitReach = 3;  // pixels
+
+// Where a point of the graph lies, counted from `at`, in logical units.
+zel::WorldPoint PixelAway(const WorldFrame& frame, double x, double y, const CSize& at) {
+    const double width = static_cast<double>(frame.upper.x) - frame.lower.x;
+    const double height = static_cast<double>(frame.upper.y) - frame.lower.y;
+    return {frame.lower.x + (x - frame.xmin) / (frame.xmax - frame.xmin) * width - at.cx,
+            frame.lower.y + (y - frame.ymin) / (frame.ymax - frame.ymin) * height - at.cy};
+}
+
+double DistanceFromOrigin(const zel::WorldPoint& a, const zel::WorldPoint& b) {
+    const double dx = b.x - a.x, dy = b.y - a.y;
+    const double length = dx * dx + dy * dy;
+    const double nearest = length > 0 ? std::clamp(-(a.x * dx + a.y * dy) / length, 0.0, 1.0) : 0.0;
+    return std::hypot(a.x + nearest * dx, a.y + nearest * dy);
 }
 
 // A graph's range widened by values; begins afresh where the range was not set yet.
@@ -90,6 +109,45 @@ CPoint Zel2PointSet::Cpt(int i) {
 }
 MouseAction Zel2PointSet::OnMouse(const MouseStatus& ms) {
     return Zel2::OnMouse(ms);
+}
+
+int Zel2PointSet::SymbolReach() {
+    const int index = pointSymbols_.GetSize() > 0 ? static_cast<int>(pointSymbols_.GetAt(0)) : symbol_;
+    DrawSymbol* const symbol = index >= 0 ? Symbol(index) : nullptr;
+    if (!symbol) return -1;
+    const CSize size = Map()->ToDevice(symbol->Size());
+    return std::max(std::abs(size.cx), std::abs(size.cy)) / 2;
+}
+
+int Zel2PointSet::IsIn(const CPoint& pt) {
+    const WorldFrame* frame = GraphFrame();
+    if (!IsExact() || !Map() || !frame) return Zel2::IsIn(pt);
+    CPoint origin;
+    CSize extent;
+    Map()->GetDevice(origin, extent);
+    const CSize at = pt - origin;
+    CRect plot(frame->lower, frame->upper);
+    plot.NormalizeRect();
+    plot.InflateRect(kHitReach, kHitReach);
+    if (!plot.PtInRect(CPoint(at.cx, at.cy))) return 0;
+
+    const int symbols = SymbolReach();
+    const bool line = pen_ >= 0;
+    zel::WorldPoint last{};
+    bool joined = false;  // whether a line leads from the last point
+    for (unsigned int i = 0; i < NPoints(); ++i) {
+        const double x = X(i), y = Y(i);
+        if (!std::isfinite(x) || !std::isfinite(y)) {
+            joined = false;
+            continue;
+        }
+        const zel::WorldPoint here = PixelAway(*frame, x, y, at);
+        if (symbols >= 0 && std::max(std::abs(here.x), std::abs(here.y)) <= symbols + kHitReach) return 1;
+        if (line && joined && DistanceFromOrigin(last, here) <= kHitReach) return 1;
+        last = here;
+        joined = true;
+    }
+    return 0;
 }
 
 void Zel2PointSet::OnPrint(CDC*, CPrintInfo*) {

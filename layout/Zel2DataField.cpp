@@ -108,7 +108,10 @@ void Zel2DataField::OnResize() {
 }
 
 int Zel2DataField::Select(int on) {
-    if (!GetStatus(PROPAGATE)) return value_->Select(on);
+    if (!GetStatus(PROPAGATE)) {
+        if (IsExact()) Zel2Rect::Select(on);
+        return value_->Select(on);
+    }
     if (on != Selected()) {
         SetStatus(SELECTED, on);
         UpdateWindow();

@@ -2,6 +2,7 @@
 
 #include <zel/DrawFont.h>
 #include <zel/Mapping.h>
+#include <zel/Zel2Edit.h>
 #include <zel/Zel2TRect.h>
 
 #include <cstdarg>
@@ -13,23 +14,71 @@ namespace {
 
 constexpr int kUnitsPerInch = 1000;
 constexpr int kPointsPerInch = 72;
+constexpr UINT kEditorId = 3000;
+
+DWORD EditorStyle(int wrap, int alignment) {
+    const auto format = static_cast<unsigned>(alignment);
+    DWORD style = WS_CHILD | WS_VISIBLE;
+    style |= wrap ? ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN : ES_AUTOHSCROLL;
+    if (format & DT_CENTER) style |= ES_CENTER;
+    if (format & DT_RIGHT) style |= ES_RIGHT;
+    return style;
+}
 
 }  // namespace
 
+Zel2TRect::Zel2TRect() = default;
+
 Zel2TRect::Zel2TRect(const CRect& r, const char* text, int pen, int color)
     : Zel2Rect(r, pen, color, RECTANGLE, -1), text_(text) {}
+
+Zel2TRect::Zel2TRect(const Zel2TRect& other) : Zel2Rect(other) {
+    *this = other;
+}
+
+Zel2TRect& Zel2TRect::operator=(const Zel2TRect& other) {
+    if (this == &other) return *this;
+    Zel2Rect::operator=(other);
+    text_ = other.text_;
+    if (other.IsEditing()) other.editor_->GetWindowText(text_);
+    font_ = other.font_;
+    border_ = other.border_;
+    format_ = other.format_;
+    wrap_ = other.wrap_;
+    return *this;
+}
+
+Zel2TRect::~Zel2TRect() = default;
+
+// Shows a new text where it is shown now: in the editor, or in the drawing.
+void Zel2TRect::ShowText() {
+    if (IsEditing()) {
+        editor_->SetWindowText(text_);
+    } else {
+        UpdateWindow();
+    }
+}
+
+bool Zel2TRect::IsEditing() const {
+    return editor_ && editor_->Peer();
+}
+
+CString Zel2TRect::GetText() {
+    if (editor_) editor_->Store();
+    return text_;
+}
 
 void Zel2TRect::SetText(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     text_.FormatMessageV(format, &arguments);
     va_end(arguments);
-    UpdateWindow();
+    ShowText();
 }
 
 void Zel2TRect::SetPlainText(const char* text) {
     text_ = text;
-    UpdateWindow();
+    ShowText();
 }
 
 void Zel2TRect::SetStyle(int wrap, int format) {
@@ -59,6 +108,11 @@ void Zel2TRect::InflateRect(CRect& r) {
 
 void Zel2TRect::OnDraw() {
     Zel2Rect::OnDraw();
+    DrawContent();
+    PlaceEditor();
+}
+
+void Zel2TRect::DrawContent() {
     DrawFont* font = Ready() ? Font(font_) : nullptr;
     if (!font) return;
     CRect box = Map()->ToLogical(AbsRect());
@@ -67,12 +121,71 @@ void Zel2TRect::OnDraw() {
     font->DrawText(text_, &box, static_cast<unsigned>(format_) | (wrap_ ? DT_WORDBREAK : 0));
 }
 
+// Scrolling and zooming move the box under the editor: each draw brings it back.
+void Zel2TRect::PlaceEditor() {
+    if (!IsEditing() || !Window()) return;
+    GiveEditorItsFont();
+    const CRect area = EditorArea();
+    editor_->MoveWindow(area.left, area.top, area.Width(), area.Height(), TRUE);
+}
+
+CRect Zel2TRect::EditorArea() {
+    CRect area = Map()->ToDevice(AbsRect());
+    area.NormalizeRect();
+    InflateRect(area);
+    return area;
+}
+
+void Zel2TRect::GiveEditorItsFont() {
+    DrawFont* const font = Font(font_);
+    if (!font) return;
+    CClientDC dc(Window());
+    std::unique_ptr<CFont> made(font->GetFont(&dc));
+    editor_->SetFont(made.get());
+    editFont_ = std::move(made);
+}
+
+void Zel2TRect::OpenEditor() {
+    CWnd* const window = Window();
+    if (!window || !window->Peer() || !Map()) return;
+    if (!editor_) textBefore_ = text_;
+    editor_ = std::make_unique<CZel2Edit>(&text_);
+    if (!editor_->Create(EditorStyle(wrap_, format_), EditorArea(), window, kEditorId)) {
+        editor_.reset();
+        return;
+    }
+    GiveEditorItsFont();
+    editor_->SetWindowText(text_);
+    editor_->SetFocus();
+}
+
+void Zel2TRect::CloseEditor() {
+    editor_->Store();
+    // The field loses the focus while it goes, and must not come here again.
+    const std::unique_ptr<CZel2Edit> closed = std::move(editor_);
+    closed->DestroyWindow();
+    editFont_.reset();
+    if (text_ != textBefore_ && GetParent()) GetParent()->OnNotify(this, EDITED);
+}
+
 int Zel2TRect::Select(int on) {
-    if (GetStatus(PROPAGATE) && on != Selected()) {
+    if ((GetStatus(PROPAGATE) || IsExact()) && on != Selected()) {
         SetStatus(SELECTED, on);
         UpdateWindow();
     }
+    if (!on && editor_) CloseEditor();
+    if (on && !IsEditing()) OpenEditor();
     return 1;
+}
+
+void Zel2TRect::OnResize() {
+    Zel2Rect::OnResize();
+    if (!Selected() || !IsEditing()) return;
+    int begin = 0, end = 0;
+    editor_->GetSel(begin, end);
+    Select(0);
+    Select(1);
+    if (editor_) editor_->SetSel(begin, end);
 }
 
 void Zel2TRect::Serialize(CArchive& ar) {

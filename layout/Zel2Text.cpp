@@ -5,8 +5,13 @@
 #include <zel/Mapping.h>
 #include <zel/Zel2Rect.h>
 #include <zel/Zel2Text.h>
+#include <zel/platform/DC.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdarg>
+#include <numbers>
+#include <string>
 
 IMPLEMENT_SERIAL(Zel2Text, Zel2, 0)
 
@@ -97,9 +102,36 @@ void Zel2Text::OnDraw() {
             font->Print(text_, box, format_);
         } else {
             font->Print(text_, Map()->ToLogical(at), angle_, format_);
+            MeasureLines();
         }
     }
     DrawRule(box);
+}
+
+// The font of the text is still selected.
+void Zel2Text::MeasureLines() {
+    CDC* const dc = DC();
+    if (!dc || !IsExact()) return;
+    drawn_ = CSize();
+    const std::string text = text_.GetString();
+    for (std::size_t begin = 0; begin <= text.size();) {
+        const std::size_t end = std::min(text.find('\n', begin), text.size());
+        const CSize line = dc->GetTextExtent(text.substr(begin, end - begin).c_str());
+        drawn_ = CSize(std::max(drawn_.cx, line.cx), zel::Add(drawn_.cy, line.cy));
+        begin = end + 1;
+    }
+}
+
+int Zel2Text::IsIn(const CPoint& pt) {
+    if (size_.cx > 0 || !IsExact() || !Map()) return Zel2::IsIn(pt);
+    // Turned back about the point, the text lies level.
+    const CSize away = pt - Map()->ToDevice(AbsOrigin());
+    const double angle = angle_ * std::numbers::pi / 1800;
+    const double along = away.cx * std::cos(angle) - away.cy * std::sin(angle);
+    const double down = away.cx * std::sin(angle) + away.cy * std::cos(angle);
+    const double left = format_ & DT_CENTER ? -drawn_.cx / 2.0 : format_ & DT_RIGHT ? -drawn_.cx : 0;
+    const double top = format_ & DT_VCENTER ? -drawn_.cy / 2.0 : format_ & DT_BOTTOM ? -drawn_.cy : 0;
+    return along >= left && along < left + drawn_.cx && down >= top && down < top + drawn_.cy ? 1 : 0;
 }
 
 void Zel2Text::OnPrint(CDC*, CPrintInfo*) {

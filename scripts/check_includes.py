@@ -13,6 +13,7 @@ ALLOWED["backends/odbc"] = ["backends/odbc"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]
 ALLOWED["backends/widgets"] = ["backends/qt", "backends/widgets"]
 ALLOWED["apps/zel"] = ["apps/zel"]
+ALLOWED["apps/zelview"] = ["apps/zelview", "apps/zel"]
 ALLOWED["examples"] = ["examples", "apps/zel"]
 ALLOWED["tests/database"] = []
 ALLOWED["bench"] = ["tests/database"]  # for its server
@@ -21,7 +22,7 @@ FRAMEWORK = ("platform/", "include/zel/platform/")
 BACKENDS = ("qt", "widgets", "sqlite", "odbc")
 PROGRAMS = ("apps/", "examples/", "bench/", "tests/")
 # Headers from outside that only one back end may see.
-FOREIGN = {r"Q[A-Z]": ("backends/qt/", "backends/widgets/"), r"sqlite3": ("backends/sqlite/",), r"(sql(ext|ucode|types)?|odbcinst)\.h": ("backends/odbc/",)}
+FOREIGN = {r"Q[A-Z]": ("backends/qt/", "backends/widgets/", "apps/zelview/"), r"sqlite3": ("backends/sqlite/",), r"(sql(ext|ucode|types)?|odbcinst)\.h": ("backends/odbc/",)}
 
 
 def folder_of(path):

@@ -226,16 +226,20 @@ void ZelViewer::OnLButtonUp(unsigned flags, CPoint pt) {
     corner_ = pt;
     dragRectangle_ = CRect(std::min(anchor_.x, corner_.x), std::max(anchor_.y, corner_.y),
                            std::max(anchor_.x, corner_.x), std::min(anchor_.y, corner_.y));
+    const bool moved = !(pt == anchor_);
     if (mode_ == MODE_DRAG_PART) {
+        const bool sized = moved && dragObject_;
         if (dragObject_) {
             dragObject_->Drag(dragPart_, pt);
             dragObject_->EndDrag(dragPart_);
         }
         dragObject_ = nullptr;
         SetMode(MODE_SELECT);
+        if (sized) TellEdit(zel::ViewerEdit::RESIZE);
     } else if (mode_ == MODE_DRAG_SELECTION) {
         ReleaseSelection(pt);
         SetMode(MODE_SELECT);
+        if (moved && selection_.GetSize() > 0) TellEdit(zel::ViewerEdit::MOVE);
     }
 }
 

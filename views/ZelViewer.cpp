@@ -17,10 +17,12 @@ ZelViewer::ZelViewer(CScrollView* view) : view_(view) {
     RegisterZoomCursor();
     zel::InstallToolDialogs();
     root_.SetLeaveHandler([this](Zel2* object) { OnObjectLeaves(object); });
+    root_.SetEditHandler([this](Zel2*) { TellEdit(zel::ViewerEdit::TEXT); });
 }
 
 ZelViewer::~ZelViewer() {
     root_.SetLeaveHandler(nullptr);
+    root_.SetEditHandler(nullptr);
 }
 
 Zel2Tools* ZelViewer::Drawing() {
@@ -367,7 +369,9 @@ void ZelViewer::OnEndPrinting(CDC*, CPrintInfo*) {
 
 template <class Table>
 void ZelViewer::EditTable(Table* table) {
-    if (table && table->Edit()) view_->Invalidate();
+    if (!table || !table->Edit()) return;
+    view_->Invalidate();
+    TellEdit(zel::ViewerEdit::TABLE);
 }
 
 void ZelViewer::OnTestColorTable() {

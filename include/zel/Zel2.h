@@ -61,7 +61,10 @@ class Zel2 : public CObject {
         bool empty;  // whether nothing stands on the page in hand
     };
     // Codes of OnNotify.
-    enum Notification : long { RESIZED = 1 };
+    enum Notification : long {
+        RESIZED = 1,
+        EDITED = 2  // the user has changed the object's text in place
+    };
 
     Zel2() = default;
     // Stores the four values as given. The object does not add itself to the parent: the parent's Add does.

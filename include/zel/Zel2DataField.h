@@ -45,7 +45,8 @@ class Zel2DataField : public Zel2Rect {
     void OpenOn(CDC* dc, int scale) override;
     void OnDraw() override;
     void OnResize() override;
-    // The selection bit while the propagate bit is set, else the value is selected; answers 1.
+    // While the propagate bit is set only the selection bit follows `on`; else the value is selected, which
+    // opens its editor, and with exact rules the field with it, to be moved and sized. Answers 1.
     int Select(int on) override;
 
   private:

@@ -113,7 +113,15 @@ class Zel2Graph : public Zel2Set {
     int PrintedHeight() override;
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
+    // With exact rules the handles are the graph's corners, and dragging one sizes the graph.
+    unsigned int nCpt() override;
+    CPoint Cpt(int i) override;
+    void Drag(int corner, CPoint pt) override;
+    // With exact rules what is neither a series nor another child is the graph itself.
     MouseAction OnMouse(const MouseStatus& ms) override;
+
+  protected:
+    Zel2* GetSelectableAt(const CPoint& pt) override;
 
   private:
     friend class GraphPainter;

@@ -33,6 +33,8 @@ class Zel2Main : public Zel2Tools {
     // Is called with each object that leaves the drawing, with all that stands in it, while it is still
     // there: for who keeps pointers to objects. Not copied or stored.
     void SetLeaveHandler(std::function<void(Zel2*)> handler) { leaveHandler_ = std::move(handler); }
+    // Is called with each object whose text the user has changed in place. Not copied or stored.
+    void SetEditHandler(std::function<void(Zel2*)> handler) { editHandler_ = std::move(handler); }
     // The rule set of the drawing; stored in documents, not in classic archives.
     void SetRules(ZelRules rules) { rules_ = rules; }
 
@@ -44,6 +46,7 @@ class Zel2Main : public Zel2Tools {
     int IsPrinting() override;
     ZelRules Rules() override;
     void OnLeave(Zel2* object) override;
+    int OnNotify(Zel2* sender, long code) override;
     // Pushes and pops a clip level during an output pass; outside of one both do nothing. Classic rules keep
     // the stack but leave the context unclipped; exact rules clip to the intersection of all levels (device
     // units).
@@ -82,6 +85,7 @@ class Zel2Main : public Zel2Tools {
     CWnd* window_ = nullptr;
     CDC* dc_ = nullptr;
     std::function<void(Zel2*)> leaveHandler_;
+    std::function<void(Zel2*)> editHandler_;
     std::vector<HRGN> clipLevels_;
     ZelRules rules_ = ZelRules::CLASSIC;
 };

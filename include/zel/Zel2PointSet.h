@@ -76,6 +76,8 @@ class Zel2PointSet : public Zel2 {
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
     MouseAction OnMouse(const MouseStatus& ms) override;
+    // With exact rules 1 within 3 pixels of the line or of a symbol, inside the graph.
+    int IsIn(const CPoint& pt) override;
 
     virtual unsigned int NPoints();
     virtual double X(long i);
@@ -87,6 +89,8 @@ class Zel2PointSet : public Zel2 {
 
   private:
     void PlotPointSymbols();
+    // How far a symbol reaches from its point, in logical units; -1 when there are none.
+    int SymbolReach();
     void LineThroughPoints(DrawPen& pen, const WorldFrame& frame);
     void CopyFields(const Zel2PointSet& other);
     // The enclosing graph's frame; null outside a graph.

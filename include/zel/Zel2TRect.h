@@ -4,11 +4,21 @@
 #include <zel/Zel2Rect.h>
 #include <zel/platform/String.h>
 
-// A rectangle that holds a text, laid into it within a margin. Text in UTF-8, lines end with "\n".
+#include <memory>
+
+class CFont;
+class CZel2Edit;
+
+// A rectangle that holds a text, laid into it within a margin. Text in UTF-8, lines end with "\n". Selecting
+// it in a window opens an editor over the text, deselecting it takes over what was typed.
 class Zel2TRect : public Zel2Rect {
     DECLARE_SERIAL(Zel2TRect)
   public:
-    Zel2TRect() = default;
+    Zel2TRect();
+    // Copies the text as it stands in an open editor, not the editor.
+    Zel2TRect(const Zel2TRect& other);
+    Zel2TRect& operator=(const Zel2TRect& other);
+    ~Zel2TRect() override;
     // A text in the box that both corners of `r` belong to. `pen` and `color` as those of a rectangle; the
     // font is still to be set.
     Zel2TRect(const CRect& r, const char* text, int pen, int color);
@@ -17,7 +27,10 @@ class Zel2TRect : public Zel2Rect {
     void SetText(const char* format, ...);
     // Replaces the text as it is and redraws.
     void SetPlainText(const char* text);
-    CString GetText() { return text_; }
+    // What stands in the editor while one is open.
+    CString GetText();
+    // The open editor; null when there is none.
+    CZel2Edit* Editor() { return editor_.get(); }
 
     // The index of the font, -1 for none: then only the box is drawn.
     virtual void SetFont(int font) { font_ = font; }
@@ -32,16 +45,34 @@ class Zel2TRect : public Zel2Rect {
 
     void Serialize(CArchive& ar) override;
     void OnDraw() override;
-    // While the propagate bit is set the selection bit follows `on`; answers 1.
+    // Opens the editor where there is a window, or closes it and takes its text; the parent is notified of a
+    // change (EDITED). The selection bit follows `on` while the propagate bit is set, with exact rules
+    // always. Answers 1.
     int Select(int on) override;
+    // An open editor follows, with what is selected in it.
+    void OnResize() override;
     // Also stores the answered index as the text's own font, -1 without a parent.
     int RegisterFont(const char* name, const char* face, int ptSize10, int bold, int italic, int underline,
                      int strikeOut, unsigned long screen, unsigned long printer) override;
 
   private:
+    // The box less the margin, with ordered corners, in device pixels.
+    CRect EditorArea();
+    void GiveEditorItsFont();
+    // Whether the editor is there and its window too, which the user may have closed.
+    bool IsEditing() const;
+    void DrawContent();
+    void PlaceEditor();
+    void OpenEditor();
+    void CloseEditor();
+    void ShowText();
+
     CString text_;
+    CString textBefore_;  // when the editor was opened
     int font_ = -1;
     CSize border_{3, 3};
     int format_ = 0;
     int wrap_ = 1;
+    std::unique_ptr<CFont> editFont_;
+    std::unique_ptr<CZel2Edit> editor_;  // goes first: it writes into the text
 };

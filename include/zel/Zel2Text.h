@@ -38,8 +38,11 @@ class Zel2Text : public Zel2 {
     void SetSize(const CSize& size) override { size_ = size; }
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
+    // With exact rules also a text at a point is hit, by the extent that it was last drawn with.
+    int IsIn(const CPoint& pt) override;
 
   private:
+    void MeasureLines();
     void DrawBackground();
     void DrawRule(CRect box);
 
@@ -51,4 +54,5 @@ class Zel2Text : public Zel2 {
     int frame_ = -1;
     int angle_ = 0;
     Rule rule_{-1, 0.0F};
+    CSize drawn_;  // the lines of a text at a point, in logical units before they are turned
 };

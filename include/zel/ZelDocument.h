@@ -4,7 +4,9 @@
 #include <zel/Zel2Main.h>
 #include <zel/platform/Archive.h>
 
+#include <cstdint>
 #include <memory>
+#include <vector>
 
 namespace zel {
 
@@ -15,6 +17,9 @@ inline constexpr int kDocumentVersion = 1;
 // to disk and renamed over it: an existing file stays whole until then. Throws CFileException* or
 // CArchiveException*.
 void SaveDocument(Zel2Main& drawing, const char* path);
+
+// The bytes that SaveDocument would write: for undo, clipboards and programs that keep documents elsewhere.
+std::vector<std::uint8_t> DocumentBytes(Zel2Main& drawing);
 
 // Reads a document whole or not at all. Throws CFileException* when the file cannot be read,
 // CArchiveException* when it is no document, of a newer version, cut short or damaged.

@@ -6,9 +6,16 @@
 #include <zel/Zel2Selection.h>
 #include <zel/platform/View.h>
 
+#include <functional>
+#include <utility>
 #include <vector>
 
 class CCmdUI;
+
+namespace zel {
+// What a user has done to a drawing.
+enum class ViewerEdit { MOVE, RESIZE, TEXT, TABLE };
+}  // namespace zel
 
 // Shows a drawing in a scroll view and lets the user select, move and resize its objects and zoom. It is no
 // window: the host view calls its handlers from its own. The drawing stands in a root of the viewer's own,
@@ -47,6 +54,10 @@ class ZelViewer {
     Zel2Tools* Drawing();
     Zel2Main& Root() { return root_; }
     Zel2Selection& Selection() { return selection_; }
+
+    // Is called after each edit that the user has made, with the drawing as it is then: for undo, and for who
+    // asks before losing changes.
+    void SetEditHandler(std::function<void(zel::ViewerEdit)> handler) { editHandler_ = std::move(handler); }
 
     int GetMode() const { return mode_; }
     void SetMode(int mode);
@@ -141,6 +152,9 @@ class ZelViewer {
     void ScrollToWorld(const CPoint& world);
     CPoint ShownCorner(const CPoint& at, int enlarge);
     void ZoomBy(int numerator, int denominator);
+    void TellEdit(zel::ViewerEdit edit) {
+        if (editHandler_) editHandler_(edit);
+    }
     void OnObjectLeaves(const Zel2* object);
     template <class Table>
     void EditTable(Table* table);
@@ -173,4 +187,5 @@ class ZelViewer {
     Zel2* dragObject_ = nullptr;
     int dragPart_ = 0;
     bool sizing_ = false;
+    std::function<void(zel::ViewerEdit)> editHandler_;
 };

@@ -1,0 +1,94 @@
+#include "apps/zelview/DrawingView.h"
+
+namespace zel::view {
+namespace {
+
+// Calls `visit` with every object that stands in `set`, outer ones first.
+void Walk(Zel2Set& set, const std::function<void(Zel2&)>& visit) {
+    for (int i = 0; i < set.GetCount(); ++i) {
+        Zel2* const child = set[i];
+        if (!child) continue;
+        visit(*child);
+        if (auto* inner = dynamic_cast<Zel2Set*>(child)) Walk(*inner, visit);
+    }
+}
+
+bool IsIn(const WorldFrame& frame, const CPoint& logical) {
+    CRect plot(frame.lower, frame.upper);
+    plot.NormalizeRect();
+    return !plot.IsRectEmpty() && plot.PtInRect(logical);
+}
+
+Position::Values ValuesAt(const WorldFrame& frame, const CPoint& logical) {
+    const auto value = [](int at, int from, int to, double min, double max) {
+        return min + (max - min) * (at - from) / (static_cast<double>(to) - from);
+    };
+    return {value(logical.x, frame.lower.x, frame.upper.x, frame.xmin, frame.xmax),
+            value(logical.y, frame.lower.y, frame.upper.y, frame.ymin, frame.ymax)};
+}
+
+}  // namespace
+
+Zel2Main* DrawingView::Drawing() const {
+    return Viewer() ? dynamic_cast<Zel2Main*>(Viewer()->Drawing()) : nullptr;
+}
+
+Zel2Report* DrawingView::Report() const {
+    Zel2Main* const drawing = Drawing();
+    Zel2Report* found = nullptr;
+    if (!drawing) return nullptr;
+    Walk(*drawing, [&](Zel2& object) {
+        if (!found) found = dynamic_cast<Zel2Report*>(&object);
+    });
+    return found;
+}
+
+void DrawingView::ShowAsPrinted(bool on) {
+    asPrinted_ = on;
+    Invalidate();
+}
+
+void DrawingView::OnDraw(CDC* dc) {
+    const BOOL printing = dc->m_bPrinting;
+    if (asPrinted_) dc->m_bPrinting = TRUE;
+    CZelView::OnDraw(dc);
+    dc->m_bPrinting = printing;
+}
+
+BOOL DrawingView::OnPreparePrinting(CPrintInfo* info) {
+    // The dialog offers as many pages as there are.
+    Zel2Report* const report = Report();
+    const int pages = report ? report->PageCount() : 0;
+    if (pages < 1) return CZelView::OnPreparePrinting(info);
+    info->SetMaxPage(static_cast<UINT>(pages));
+    return Viewer()->OnPreparePrinting(info);
+}
+
+Position DrawingView::At(const CPoint& pixel) const {
+    Mapping& map = *Viewer()->Root().Map();
+    Position position{map.FromDevice(pixel), {}};
+    CPoint origin;
+    CSize extent;
+    map.GetDevice(origin, extent);
+    const CSize from = pixel - origin;
+    const CPoint logical(from.cx, from.cy);
+    if (Zel2Main* const drawing = Drawing()) {
+        Walk(*drawing, [&](Zel2& object) {
+            const WorldFrame* const frame = object.Frame();
+            if (frame && IsIn(*frame, logical)) position.graph = ValuesAt(*frame, logical);
+        });
+    }
+    return position;
+}
+
+LRESULT DrawingView::WindowProc(UINT message, WPARAM wParam, LPARAM lParam) {
+    const LRESULT result = CZelView::WindowProc(message, wParam, lParam);
+    const bool mouse = message == WM_MOUSEMOVE || message == WM_LBUTTONDOWN || message == WM_LBUTTONUP;
+    if (mouse && onMouse_ && Viewer()) {
+        onMouse_(At(CPoint(static_cast<short>(LOWORD(static_cast<WPARAM>(lParam))),
+                           static_cast<short>(HIWORD(static_cast<WPARAM>(lParam))))));
+    }
+    return result;
+}
+
+}  // namespace zel::view

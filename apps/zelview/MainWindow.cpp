@@ -1,0 +1,427 @@
+#include "apps/zelview/MainWindow.h"
+
+#include "apps/zel/Csv.h"
+#include "apps/zel/Figure.h"
+#include "apps/zelview/Editing.h"
+
+#include <zel/platform/Exception.h>
+#include <zel/widgets/Widgets.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QCloseEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressDialog>
+#include <QSettings>
+#include <QStatusBar>
+#include <QUuid>
+
+namespace zel::view {
+namespace {
+
+constexpr int kCopyInterval = 20000;  // milliseconds between copies of unsaved work
+constexpr int kCheckDelay = 300;      // until another program has finished writing
+constexpr int kPatience = 1000;       // until a progress bar appears
+constexpr const char* kObjects = "application/x-zel-objects";
+constexpr const char* kOrigin = "application/x-zel-origin";
+
+QString Quoted(const QString& path) {
+    return "\"" + path + "\"";
+}
+
+std::string Native(const QString& path) {
+    return QFile::encodeName(path).toStdString();
+}
+
+QString NameOf(ViewerEdit edit) {
+    switch (edit) {
+        case ViewerEdit::MOVE:
+            return "Move";
+        case ViewerEdit::RESIZE:
+            return "Resize";
+        case ViewerEdit::TEXT:
+            return "Typing";
+        case ViewerEdit::TABLE:
+            return "Change of Tools";
+    }
+    return {};
+}
+
+// Every column against the first.
+std::unique_ptr<Zel2Main> FigureOf(const QString& path) {
+    const cli::CsvTable table = cli::CsvTable::Read(Native(path));
+    const std::vector<std::string>& names = table.Names();
+    cli::FigureOptions options;
+    options.title = QFileInfo(path).completeBaseName().toStdString();
+    options.xTitle = names.front();
+    std::vector<cli::Series> series;
+    QString refused;
+    const std::vector<double> x = table.Column(names.front());
+    for (std::size_t i = 1; i < names.size(); ++i) {
+        try {
+            series.push_back({names[i], x, table.Column(names[i]), nullptr});
+        } catch (const cli::Error& e) {
+            refused = e.what();  // a column of words
+        }
+    }
+    if (series.empty())
+        throw cli::Error(refused.isEmpty() ? "it has only one column" : refused.toStdString());
+    return cli::MakeFigure(series, options);
+}
+
+}  // namespace
+
+MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), view_(new DrawingView) {
+    viewWidget_ = widgets::Embed(view_, this);
+    setCentralWidget(viewWidget_);
+    setAcceptDrops(true);
+    setWindowTitle("[*]Untitled");
+    resize(1000, 750);
+    position_ = new QLabel(this);
+    values_ = new QLabel(this);
+    page_ = new QLabel(this);
+    for (QLabel* label : {page_, values_, position_}) statusBar()->addPermanentWidget(label);
+    MakeMenus();
+    view_->SetMouseHandler([this](const Position& position) {
+        ShowPosition(position);
+        UpdateActions();
+    });
+    view_->Viewer()->SetEditHandler([this](ViewerEdit edit) { Edited(NameOf(edit)); });
+    QObject::connect(&copyTimer_, &QTimer::timeout, this, [this] { KeepCopy(); });
+    copyTimer_.start(kCopyInterval);
+    checkTimer_.setSingleShot(true);
+    QObject::connect(&checkTimer_, &QTimer::timeout, this, [this] { CheckFile(); });
+    const auto changed = [this] { checkTimer_.start(kCheckDelay); };
+    QObject::connect(&watcher_, &QFileSystemWatcher::fileChanged, this, changed);
+    QObject::connect(&watcher_, &QFileSystemWatcher::directoryChanged, this, changed);
+    auto empty = std::make_unique<Zel2Main>();
+    empty->SetRules(ZelRules::EXACT);
+    Show(std::move(empty), true);
+}
+
+// The view goes with its widget; nothing may come back here from it.
+MainWindow::~MainWindow() {
+    view_->SetMouseHandler({});
+    view_->Viewer()->SetEditHandler({});
+}
+
+// Failures
+
+bool MainWindow::Say(const QString& what, const QString& why) {
+    QMessageBox::warning(this, "Zel", what + "\n\n" + why);
+    return false;
+}
+
+bool MainWindow::Try(const QString& what, const std::function<void()>& work) {
+    try {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        work();
+        QApplication::restoreOverrideCursor();
+        return true;
+    } catch (CException* e) {
+        QApplication::restoreOverrideCursor();
+        return Say(what, QString::fromStdString(TakeMessage(e)));
+    } catch (const std::exception& e) {
+        QApplication::restoreOverrideCursor();
+        return Say(what, e.what());
+    }
+}
+
+// Documents
+
+void MainWindow::Show(std::unique_ptr<Zel2Main> drawing, bool saved) {
+    ZelViewer& viewer = *view_->Viewer();
+    Zel2Main& shown = *drawing;
+    view_->SetDrawing(drawing.release());
+    history_.Reset(StateOf(shown, viewer.Selection()), saved);
+    drawingId_ = QUuid::createUuid().toString();
+    Command(ID_ZEL_FIT_WINDOW);
+    setWindowTitle("[*]" + file_.Name());
+    Watch();
+    UpdateActions();
+}
+
+bool MainWindow::Open(const QString& path) {
+    if (path.endsWith(".csv", Qt::CaseInsensitive)) return OpenCsv(path);
+    std::unique_ptr<Zel2Main> drawing;
+    if (!Try("Cannot open " + Quoted(path) + ".", [&] { drawing = LoadDocument(Native(path).c_str()); }))
+        return false;
+    file_.DropCopy();
+    file_.Attach(path);
+    Show(std::move(drawing), true);
+    Remember(file_.Path());
+    if (file_.IsOpenElsewhere()) statusBar()->showMessage(file_.Name() + " is open in another program, too.");
+    OfferCopy();
+    return true;
+}
+
+bool MainWindow::OpenCsv(const QString& path) {
+    std::unique_ptr<Zel2Main> drawing;
+    if (!Try("Cannot make a drawing of " + Quoted(path) + ".", [&] { drawing = FigureOf(path); }))
+        return false;
+    file_.DropCopy();
+    file_.Attach({});
+    Show(std::move(drawing), false);
+    return true;
+}
+
+void MainWindow::OfferUntitledCopy() {
+    OfferCopy();
+}
+
+void MainWindow::OfferCopy() {
+    const QString copy = file_.CopyLeft();
+    if (copy.isEmpty()) return;
+    const auto answer = QMessageBox::question(
+        this, "Zel",
+        "The program ended before changes to " + Quoted(file_.Name()) + " were saved.\nRecover them?");
+    std::unique_ptr<Zel2Main> drawing;
+    if (answer == QMessageBox::Yes &&
+        Try("Cannot recover the changes.", [&] { drawing = LoadDocument(Native(copy).c_str()); })) {
+        Show(std::move(drawing), false);
+        return;
+    }
+    if (answer == QMessageBox::No) file_.DropCopy();
+}
+
+bool MainWindow::Save() {
+    if (file_.Path().isEmpty()) return AskSaveAs();
+    if (file_.HasChanged() && QFileInfo::exists(file_.Path()) &&
+        QMessageBox::question(this, "Zel",
+                              "Another program has changed " + Quoted(file_.Name()) +
+                                  " since it was opened.\nReplace its work by yours?") != QMessageBox::Yes)
+        return false;
+    const bool saved = Try("Cannot save " + Quoted(file_.Path()) + ".", [&] {
+        // What is being typed belongs to the document.
+        view_->Viewer()->Selection().RemoveAll();
+        watcher_.removePaths(watcher_.files());
+        file_.Save(history_.Present());
+    });
+    if (saved) history_.MarkSaved();
+    Watch();
+    UpdateActions();
+    return saved;
+}
+
+bool MainWindow::SaveAs(const QString& path) {
+    view_->Viewer()->Selection().RemoveAll();
+    const auto write = [&] {
+        DocumentFile target;
+        target.Attach(path);
+        if (target.IsOpenElsewhere() && target.Path() != file_.Path())
+            throw std::runtime_error("It is open in another program.");
+        target.Save(history_.Present());
+    };
+    if (!Try("Cannot save " + Quoted(path) + ".", write)) return false;
+    file_.DropCopy();
+    file_.Attach(path);
+    history_.MarkSaved();
+    setWindowTitle("[*]" + file_.Name());
+    Remember(file_.Path());
+    Watch();
+    UpdateActions();
+    return true;
+}
+
+bool MainWindow::MayLose() {
+    view_->Viewer()->Selection().RemoveAll();
+    if (!history_.IsModified()) return true;
+    const auto answer =
+        QMessageBox::question(this, "Zel", "Save the changes to " + Quoted(file_.Name()) + "?",
+                              QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    if (answer == QMessageBox::Save) return Save();
+    return answer == QMessageBox::Discard;
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (!MayLose()) {
+        event->ignore();
+        return;
+    }
+    file_.DropCopy();
+    event->accept();
+}
+
+void MainWindow::KeepCopy() {
+    if (!history_.IsModified()) return;
+    try {
+        file_.KeepCopy(history_.Present(), history_.PresentNumber());
+    } catch (CException* e) {
+        // No reason to interrupt anybody's work.
+        statusBar()->showMessage("Unsaved work cannot be kept: " + QString::fromStdString(TakeMessage(e)));
+    }
+}
+
+// Other programs
+
+void MainWindow::Watch() {
+    const QStringList before = watcher_.files() + watcher_.directories();
+    if (!before.isEmpty()) watcher_.removePaths(before);
+    if (file_.Path().isEmpty()) return;
+    watcher_.addPath(file_.Path());
+    // A file that is replaced is a new one.
+    watcher_.addPath(QFileInfo(file_.Path()).absolutePath());
+}
+
+void MainWindow::CheckFile() {
+    if (asking_ || !file_.HasNews()) return;
+    asking_ = true;
+    if (!QFileInfo::exists(file_.Path())) {
+        statusBar()->showMessage(file_.Name() + " is gone; saving writes it anew.");
+    } else {
+        const QString loss = history_.IsModified() ? "\nYour changes would be lost." : "";
+        const auto answer = QMessageBox::question(
+            this, "Zel", "Another program has changed " + Quoted(file_.Name()) + ".\nLoad it anew?" + loss);
+        std::unique_ptr<Zel2Main> drawing;
+        const auto load = [&] { drawing = LoadDocument(Native(file_.Path()).c_str()); };
+        // After a refusal saving asks once more.
+        if (answer == QMessageBox::Yes && Try("Cannot open " + Quoted(file_.Path()) + ".", load)) {
+            file_.Acknowledge();
+            Show(std::move(drawing), true);
+        }
+    }
+    asking_ = false;
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+    if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+    const QString path = event->mimeData()->urls().value(0).toLocalFile();
+    if (path.isEmpty()) return;
+    event->acceptProposedAction();
+    if (MayLose()) Open(path);
+}
+
+// Edits
+
+void MainWindow::Record(const QString& edit) {
+    if (Zel2Main* const drawing = view_->Drawing())
+        history_.Push(StateOf(*drawing, view_->Viewer()->Selection()), edit.toStdString());
+}
+
+void MainWindow::Edited(const QString& edit) {
+    Record(edit);
+    UpdateActions();
+}
+
+void MainWindow::ShowState(const Bytes& state) {
+    const int page = view_->Report() ? view_->Report()->SelectedPage() : 0;
+    if (Try("Cannot go back.",
+            [&] { view_->SetDrawing(LoadDocument(state.data(), state.size(), "the history").release()); })) {
+        if (view_->Report()) GoToPage(page);
+    }
+    UpdateActions();
+}
+
+void MainWindow::Copy() {
+    Zel2Main* const drawing = view_->Drawing();
+    const Bytes copied = CopySelected(*drawing, view_->Viewer()->Selection());
+    if (copied.empty()) return;
+    auto* const objects = new QMimeData;
+    objects->setData(kObjects, QByteArray(reinterpret_cast<const char*>(copied.data()),
+                                          static_cast<qsizetype>(copied.size())));
+    objects->setData(kOrigin, drawingId_.toUtf8());
+    QApplication::clipboard()->setMimeData(objects);
+    UpdateActions();
+}
+
+void MainWindow::PasteClipboard() {
+    const QMimeData* const offered = QApplication::clipboard()->mimeData();
+    Zel2Main& drawing = *view_->Drawing();
+    Zel2Selection& selection = view_->Viewer()->Selection();
+    int pasted = 0;
+    if (offered && offered->hasFormat(kObjects)) {
+        const QByteArray bytes = offered->data(kObjects);
+        Try("Cannot paste.", [&] {
+            pasted = Paste(drawing, selection, Bytes(bytes.begin(), bytes.end()),
+                           offered->data(kOrigin) == drawingId_.toUtf8());
+        });
+    } else if (offered && offered->hasText() && !offered->text().isEmpty()) {
+        const CSize size = view_->Viewer()->Root().Size();
+        PasteText(drawing, selection, offered->text().toStdString(), CPoint(size.cx / 3, size.cy / 2));
+        pasted = 1;
+    }
+    if (pasted == 0) {
+        statusBar()->showMessage("The clipboard holds nothing that can stand in this drawing.");
+        return;
+    }
+    view_->Invalidate();
+    Edited("Paste");
+}
+
+// Exports go from a copy, which the window's painting does not touch.
+void MainWindow::ExportNow(const QString& path) {
+    const Bytes& state = history_.Present();
+    const std::unique_ptr<Zel2Main> drawing = LoadDocument(state.data(), state.size(), "the drawing");
+    Zel2Report* report = nullptr;
+    for (int i = 0; i < drawing->GetCount() && !report; ++i)
+        report = dynamic_cast<Zel2Report*>((*drawing)[i]);
+    ExportOptions options;
+    options.title = file_.Name().toStdString();
+    if (!report) {
+        zel::Export(*drawing, Native(path).c_str(), options);
+        return;
+    }
+    QProgressDialog progress("Writing pages…", "Cancel", 0, 0, this);
+    progress.setWindowModality(Qt::WindowModal);
+    progress.setMinimumDuration(kPatience);
+    const bool complete =
+        ExportReport(*drawing, *report, Native(path).c_str(), options, [&](int done, int all) {
+            progress.setMaximum(all);
+            progress.setValue(done);
+            return !progress.wasCanceled();
+        });
+    if (!complete) throw std::runtime_error("It was cancelled; no file was left.");
+}
+
+bool MainWindow::Export(const QString& path) {
+    view_->Viewer()->Selection().RemoveAll();
+    const bool written = Try("Cannot export to " + Quoted(path) + ".", [&] { ExportNow(path); });
+    if (written) statusBar()->showMessage("Written: " + path, 5000);
+    return written;
+}
+
+// The view
+
+void MainWindow::Command(UINT id) {
+    view_->SendMessage(WM_COMMAND, id);
+    UpdateActions();
+}
+
+void MainWindow::Zoom(int direction) {
+    CRect client;
+    view_->GetClientRect(&client);
+    view_->Viewer()->ZoomAbout(CPoint(client.Width() / 2, client.Height() / 2), direction);
+}
+
+void MainWindow::GoToPage(int page) {
+    Zel2Report* const report = view_->Report();
+    if (!report || page < 0 || page >= report->PageCount()) return;
+    view_->Viewer()->Selection().RemoveAll();
+    report->SelectPage(page);
+    view_->Invalidate();
+    UpdateActions();
+}
+
+QString MainWindow::Formatted(int thousandths) const {
+    return QString::number(millimetres_ ? thousandths * 0.0254 : thousandths / 1000.0, 'f',
+                           millimetres_ ? 1 : 3);
+}
+
+void MainWindow::ShowPosition(const Position& position) {
+    lastPosition_ = position;
+    position_->setText(Formatted(position.world.x) + ", " + Formatted(position.world.y) +
+                       (millimetres_ ? " mm" : " in"));
+    values_->setText(
+        position.graph
+            ? QString("x = %1, y = %2").arg(position.graph->x, 0, 'g', 6).arg(position.graph->y, 0, 'g', 6)
+            : QString());
+}
+
+}  // namespace zel::view

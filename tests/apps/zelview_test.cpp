@@ -1,0 +1,335 @@
+#include "Support.h"
+#include "apps/zelview/Editing.h"
+#include "apps/zelview/MainWindow.h"
+#include "backends/widgets/WidgetSupport.h"
+
+#include <zel/Zel2Edit.h>
+#include <zel/zel.h>
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSettings>
+#include <QStandardPaths>
+
+#include <filesystem>
+#include <fstream>
+
+namespace {
+
+namespace fs = std::filesystem;
+using zel::test::Content;
+using zel::test::OnWidgets;
+using zel::test::TemporaryFolder;
+using zel::view::History;
+using zel::view::MainWindow;
+
+// A window on a document with a rectangle, a graph and a data field.
+class Program : public OnWidgets {
+  protected:
+    static void SetUpTestSuite() {
+        QStandardPaths::setTestModeEnabled(true);
+        QCoreApplication::setApplicationName("zelview-test");
+        static const TemporaryFolder kSettings;
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
+                           QString::fromStdString(kSettings / ""));
+        OnWidgets::SetUpTestSuite();
+    }
+    Program() : path_((folder_ / "drawing.zel")) {
+        Zel2Main drawing;
+        drawing.SetRules(ZelRules::EXACT);
+        const int red = drawing.RegisterColor("Red", RGB(200, 0, 0), RGB(0, 0, 0));
+        drawing.Add(new Zel2Rect(CRect(1000, 1000, 1999, 1999), -1, red, Zel2Rect::RECTANGLE, -1));
+        auto* graph = new Zel2Graph;
+        graph->SetGraphSize(CSize(3000, 2000));
+        graph->SetCoord(0, 0, 10, 10);
+        drawing.Add(graph);
+        graph->Origin(CPoint(3000, 0));
+        auto* series = new Zel2PointArray;
+        for (const double x : {0.0, 10.0}) series->Append(x, x);
+        graph->AddIn(series);
+        drawing.Add(new Zel2DataField(CRect(0, 3000, 1999, 3799), "value", "label", -1, -1, -1));
+        zel::SaveDocument(drawing, path_.c_str());
+        EXPECT_TRUE(window_.Open(QString::fromStdString(path_)));
+        Show(window_);
+    }
+    ~Program() override {
+        Do("deselect");
+        zel::view::DocumentFile file;
+        file.DropCopy();
+    }
+    void Do(const char* action) {
+        window_.Action(action)->setEnabled(true);
+        window_.Action(action)->trigger();
+        Settle();
+    }
+    Zel2Main& Drawing() { return *window_.View().Drawing(); }
+    Zel2Selection& Selection() { return window_.View().Viewer()->Selection(); }
+    QWidget* Area() {
+        return zel::widgets::WidgetOf(window_.View())->findChild<QWidget*>("qt_scrollarea_viewport");
+    }
+    QPoint At(int x, int y) {
+        const CPoint pixel = window_.View().Viewer()->Root().Map()->ToDevice(CPoint(x, y));
+        const double factor = window_.devicePixelRatioF();
+        return {static_cast<int>(pixel.x / factor), static_cast<int>(pixel.y / factor)};
+    }
+    void Move(const QPoint& to, Qt::MouseButtons buttons) {
+        QMouseEvent move(QEvent::MouseMove, to, Area()->mapToGlobal(to), Qt::NoButton, buttons, {});
+        QApplication::sendEvent(Area(), &move);
+    }
+    void Click(const QPoint& at) {
+        Move(at, {});
+        Soon([=, this] { return QTest::mouseRelease(Area(), Qt::LeftButton, {}, at), true; });
+        QTest::mousePress(Area(), Qt::LeftButton, {}, at);
+        Settle();
+    }
+    void Drag(const QPoint& from, const QPoint& to) {
+        Move(from, {});
+        QTest::mousePress(Area(), Qt::LeftButton, {}, from);
+        Move(to, Qt::LeftButton);
+        QTest::mouseRelease(Area(), Qt::LeftButton, {}, to);
+        Settle();
+    }
+    static void Answer(QMessageBox::StandardButton button) {
+        Soon([=] {
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            if (!box || !box->button(button)) return false;
+            box->button(button)->click();
+            return true;
+        });
+    }
+    zel::view::Bytes State() { return zel::view::StateOf(Drawing(), Selection()); }
+
+    TemporaryFolder folder_;
+    std::string path_;
+    MainWindow window_;
+};
+
+TEST_F(Program, UndoesEveryEditAndSavesTheResult) {
+    const auto before = window_.Steps().Present();
+    Click(At(1500, 1500));
+    ASSERT_EQ(Selection().GetSize(), 1);
+    EXPECT_FALSE(window_.isWindowModified()) << "selecting changes nothing";
+    Drag(At(1500, 1500), At(1700, 1500));
+    EXPECT_TRUE(window_.isWindowModified());
+    EXPECT_EQ(window_.Steps().UndoName(), "Move");
+    Drag(At(2200, 2000), At(2500, 2300));
+    EXPECT_EQ(window_.Steps().UndoName(), "Resize");
+    EXPECT_GT(Drawing()[0]->Size().cx, 1200);
+    Do("move_Right");
+    EXPECT_EQ(window_.Steps().UndoName(), "Move");
+    Do("copy");
+    Do("paste");
+    ASSERT_EQ(Drawing().GetCount(), 4);
+    EXPECT_EQ(Drawing()[3]->Origin(), Drawing()[0]->Origin() + CSize(200, -200));
+    Do("delete");
+    EXPECT_EQ(Drawing()[3], nullptr);
+    Click(At(1000, 3200));
+    auto* field = dynamic_cast<Zel2DataField*>(Drawing()[2]);
+    ASSERT_TRUE(field->Value()->Editor());
+    Area()->findChild<QLineEdit*>()->setText("typed");
+    Do("deselect");
+    EXPECT_EQ(window_.Steps().UndoName(), "Typing");
+    const auto after = window_.Steps().Present();
+    for (int i = 0; i < 6; ++i) Do("undo");
+    EXPECT_FALSE(window_.Steps().CanUndo());
+    EXPECT_EQ(window_.Steps().Present(), before);
+    EXPECT_FALSE(window_.isWindowModified()) << "back at what is saved";
+    for (int i = 0; i < 6; ++i) Do("redo");
+    EXPECT_EQ(window_.Steps().Present(), after);
+    ASSERT_TRUE(window_.Save());
+    EXPECT_FALSE(window_.isWindowModified());
+    const std::string saved = Content(path_);
+    EXPECT_EQ(saved, std::string(after.begin(), after.end()));
+    MainWindow again;
+    ASSERT_TRUE(again.Open(QString::fromStdString(path_)));
+    EXPECT_EQ(again.Steps().Present(), after) << "reopened, the same document";
+    EXPECT_EQ(dynamic_cast<Zel2DataField*>((*again.View().Drawing())[2])->GetText(), "typed");
+}
+
+TEST_F(Program, PastesBetweenDrawingsAndRefusesForeignData) {
+    Click(At(1500, 1500));
+    Do("copy");
+    MainWindow other;
+    other.Action("paste")->trigger();
+    Zel2Main& target = *other.View().Drawing();
+    ASSERT_EQ(target.GetCount(), 1);
+    auto* registry = dynamic_cast<Zel2Tools*>(target[0]);
+    ASSERT_TRUE(registry) << "with the tools of its own";
+    EXPECT_EQ((*registry)[0]->Color(0)->ScrColor(), RGB(200, 0, 0));
+    other.Steps().MarkSaved();
+    auto* garbage = new QMimeData;
+    garbage->setData("application/x-zel-objects", "no document");
+    QApplication::clipboard()->setMimeData(garbage);
+    Answer(QMessageBox::Ok);
+    Do("paste");
+    EXPECT_EQ(Drawing().GetCount(), 3);
+    auto* picture = new QMimeData;
+    picture->setData("image/png", "x");
+    QApplication::clipboard()->setMimeData(picture);
+    Do("paste");
+    EXPECT_EQ(Drawing().GetCount(), 3);
+    EXPECT_FALSE(window_.isWindowModified());
+    QApplication::clipboard()->setText("a text");
+    Do("paste");
+    EXPECT_EQ(dynamic_cast<Zel2TRect*>(Drawing()[3])->GetText(), "a text");
+}
+
+TEST_F(Program, AsksBeforeItLosesChanges) {
+    Do("select_all");
+    Do("delete");
+    Answer(QMessageBox::Cancel);
+    EXPECT_FALSE(window_.close());
+    EXPECT_TRUE(window_.isVisible());
+    const std::string before = Content(path_);
+    Answer(QMessageBox::Discard);
+    EXPECT_TRUE(window_.close());
+    EXPECT_EQ(Content(path_), before);
+}
+
+TEST_F(Program, RecoversUnsavedWork) {
+    Click(At(1500, 1500));
+    Do("move_Up");
+    window_.KeepCopy();
+    const std::string copy = zel::view::DocumentFile::CopyPath(QString::fromStdString(path_)).toStdString();
+    ASSERT_TRUE(fs::exists(copy));
+    // A second program does not take it for the work of one that has ended.
+    MainWindow second;
+    ASSERT_TRUE(second.Open(QString::fromStdString(path_)));
+    EXPECT_FALSE(second.isWindowModified());
+    const std::string crashed = (folder_ / "crashed.zel");
+    fs::copy_file(path_, crashed);
+    fs::copy_file(copy, zel::view::DocumentFile::CopyPath(QString::fromStdString(crashed)).toStdString());
+    MainWindow after;
+    Answer(QMessageBox::Yes);
+    ASSERT_TRUE(after.Open(QString::fromStdString(crashed)));
+    EXPECT_TRUE(after.isWindowModified());
+    EXPECT_EQ(after.Steps().Present(), window_.Steps().Present());
+    ASSERT_TRUE(after.Save());
+    EXPECT_FALSE(fs::exists((folder_ / ".crashed.zel.unsaved")));
+    window_.Steps().MarkSaved();
+}
+
+TEST_F(Program, NoticesWhatOtherProgramsDo) {
+    Zel2Main changed;
+    changed.Add(new Zel2Rect(CRect(0, 0, 99, 99), -1, -1, Zel2Rect::RECTANGLE, -1));
+    zel::SaveDocument(changed, path_.c_str());
+    Answer(QMessageBox::No);
+    window_.CheckFile();
+    window_.CheckFile();  // asks once
+    EXPECT_EQ(Drawing().GetCount(), 3);
+    Answer(QMessageBox::No);
+    EXPECT_FALSE(window_.Save());
+    zel::SaveDocument(changed, path_.c_str());
+    fs::last_write_time(path_, fs::file_time_type::clock::now() + std::chrono::seconds(5));
+    Answer(QMessageBox::Yes);
+    window_.CheckFile();
+    EXPECT_EQ(Drawing().GetCount(), 1);
+    fs::remove(path_);
+    window_.CheckFile();
+    EXPECT_TRUE(window_.Save()) << "what is gone is written anew";
+    EXPECT_TRUE(fs::exists(path_));
+}
+
+TEST_F(Program, KeepsItsDrawingWhenAFileIsBad) {
+    const std::string cut = (folder_ / "cut.zel");
+    std::ofstream(cut) << Content(path_).substr(0, 100);
+    const std::string words = (folder_ / "words.csv");
+    std::ofstream(words) << "a,b\nx,y\n";
+    for (const std::string& bad : {cut, words, (folder_ / "none.zel")}) {
+        Answer(QMessageBox::Ok);
+        EXPECT_FALSE(window_.Open(QString::fromStdString(bad))) << bad;
+        EXPECT_EQ(Drawing().GetCount(), 3);
+    }
+    Answer(QMessageBox::Ok);
+    EXPECT_FALSE(window_.SaveAs("/proc/drawing.zel"));
+    Answer(QMessageBox::Ok);
+    EXPECT_FALSE(window_.Export(QString::fromStdString((folder_ / "picture.xyz"))));
+    EXPECT_EQ(window_.Path().toStdString(), path_);
+}
+
+TEST_F(Program, MakesADrawingOfATableAndExportsIt) {
+    const std::string table = (folder_ / "table.csv");
+    std::ofstream(table) << "x,y,name\n1,2,a\n2,4,b\n3,8,c\n";
+    ASSERT_TRUE(window_.Open(QString::fromStdString(table)));
+    EXPECT_TRUE(window_.isWindowModified());
+    EXPECT_TRUE(window_.Path().isEmpty());
+    for (const char* ending : {"pdf", "png", "jpg", "svg", "wmf"}) {
+        const std::string target = (folder_ / "picture") + "." + ending;
+        EXPECT_TRUE(window_.Export(QString::fromStdString(target)));
+        EXPECT_GT(fs::file_size(target), 100U) << target;
+    }
+    window_.Steps().MarkSaved();
+}
+
+TEST_F(Program, TurnsThePagesOfAReport) {
+    Zel2Main drawing;
+    drawing.SetRules(ZelRules::EXACT);
+    auto* report = new Zel2Report;
+    drawing.Add(report);
+    report->SetPaper({});
+    for (int i = 0; i < 5; ++i) {
+        auto* box = new Zel2Rect(CRect(0, 0, 3000, 4000), -1, -1, Zel2Rect::RECTANGLE, -1);
+        report->Append(box);
+    }
+    const int pages = report->MakePages();
+    ASSERT_GT(pages, 2);
+    const std::string path = (folder_ / "report.zel");
+    zel::SaveDocument(drawing, path.c_str());
+    ASSERT_TRUE(window_.Open(QString::fromStdString(path)));
+    EXPECT_FALSE(window_.Action("page_previous")->isEnabled());
+    Do("page_next");
+    EXPECT_EQ(window_.View().Report()->SelectedPage(), 1);
+    window_.Action("page_last")->trigger();
+    EXPECT_FALSE(window_.Action("page_next")->isEnabled());
+    EXPECT_EQ(window_.View().Report()->SelectedPage(), pages - 1);
+    EXPECT_TRUE(window_.Export(QString::fromStdString((folder_ / "report.pdf"))));
+}
+
+TEST_F(Program, ShowsWhereThePointerIs) {
+    std::optional<zel::view::Position> seen;
+    window_.View().SetMouseHandler([&](const zel::view::Position& position) { seen = position; });
+    Move(At(4500, 1000), {});
+    ASSERT_TRUE(seen && seen->graph);
+    EXPECT_NEAR(seen->world.x, 4500, 20);
+    EXPECT_NEAR(seen->graph->x, 5, 0.2);
+    EXPECT_NEAR(seen->graph->y, 5, 0.4);
+    Move(At(500, 500), {});
+    EXPECT_FALSE(seen->graph);
+}
+
+// Every action that people reach by the keyboard alone, once in each state.
+TEST_F(Program, EveryActionCanBeChosen) {
+    for (const char* state : {"select_all", "deselect"}) {
+        for (QAction* action : window_.findChildren<QAction*>()) {
+            const QString name = action->objectName();
+            const bool opens = name.isEmpty() || action->text().endsWith("…") || name == "about" ||
+                               name == "quit" || name == "save" || name == "redo";
+            if (opens) continue;
+            Do(state);
+            action->trigger();
+            Settle();
+        }
+    }
+    window_.Steps().MarkSaved();
+}
+
+TEST(Steps, AreBounded) {
+    History history;
+    history.Reset({0}, true);
+    for (int i = 1; i <= 300; ++i) history.Push({static_cast<std::uint8_t>(i)}, "edit");
+    std::size_t steps = 0;
+    while (history.CanUndo()) {
+        history.Undo();
+        ++steps;
+    }
+    EXPECT_EQ(steps, History::kMostSteps);
+    EXPECT_TRUE(history.IsModified()) << "what is saved cannot be reached any more";
+    history.Push({1}, "new");
+    EXPECT_FALSE(history.CanRedo());
+}
+
+}  // namespace
