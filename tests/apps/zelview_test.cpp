@@ -251,6 +251,18 @@ TEST_F(Program, KeepsItsDrawingWhenAFileIsBad) {
     Answer(QMessageBox::Ok);
     EXPECT_FALSE(window_.Export(QString::fromStdString(folder_ / "picture.xyz")));
     EXPECT_EQ(window_.Path().toStdString(), path_);
+    Click(At(1500, 1500));
+    Do("move_Up");
+    const std::string before = Content(path_);
+    {
+        const zel::test::FullDisk disk(100);
+        Answer(QMessageBox::Ok);
+        EXPECT_FALSE(window_.Save());
+    }
+    EXPECT_EQ(Content(path_), before) << "the old file stays";
+    EXPECT_TRUE(window_.isWindowModified()) << "and the work stays in the program";
+    EXPECT_TRUE(window_.Save());
+    EXPECT_NE(Content(path_), before);
 }
 
 TEST_F(Program, MakesADrawingOfATableAndExportsIt) {
