@@ -138,7 +138,13 @@ void MainWindow::AddMoves(QMenu* menu) {
             const bool size = way.size;
             Add(menu, (QString(size ? "size_" : "move_") + keys).toUtf8(),
                 QString(way.text).arg(direction.key), QKeySequence(keys), [this, by, size] {
-                    if (Nudge(view_->Viewer()->Selection(), by, size)) Edited(size ? "Resize" : "Move");
+                    if (Nudge(view_->Viewer()->Selection(), by, size)) {
+                        Edited(size ? "Resize" : "Move");
+                    } else {
+                        // With nothing selected the arrows scroll.
+                        view_->ScrollToDevicePosition(view_->GetDeviceScrollPosition() +
+                                                      CSize(by.cx, -by.cy));
+                    }
                 });
         }
     }
