@@ -74,6 +74,7 @@ void DrawReport(const std::string& data, const fs::path& out) {
     zel::ExportOptions options;
     options.title = "Weather in Seattle";
     Timed(out / "report.pdf", [&](const char* path) { zel::ExportReport(drawing, report, path, options); });
+    Timed(out / "report.zel", [&](const char* path) { zel::SaveDocument(drawing, path); });
     fs::create_directories(out / "report");
     options.dotsPerInch = 50;
     zel::ExportReport(drawing, report, (out / "report/page.png").c_str(), options);

@@ -3,6 +3,8 @@
 namespace zel::view {
 namespace {
 
+constexpr COLORREF kDesk = RGB(222, 225, 230);
+
 // Calls `visit` with every object that stands in `set`, outer ones first.
 void Walk(Zel2Set& set, const std::function<void(Zel2&)>& visit) {
     for (int i = 0; i < set.GetCount(); ++i) {
@@ -48,7 +50,22 @@ void DrawingView::ShowAsPrinted(bool on) {
     Invalidate();
 }
 
+// What lies beside the drawing, so that its edges can be seen.
+void DrawingView::DrawDesk(CDC& dc) {
+    CRect client;
+    GetClientRect(&client);
+    const CSize drawing = Viewer()->GetLgGraphsSize();
+    const CPoint scrolled = GetDeviceScrollPosition();
+    const int right = scrolled.x + client.Width(), bottom = scrolled.y + client.Height();
+    const CRect beside(drawing.cx, scrolled.y, right, bottom);
+    const CRect below(scrolled.x, drawing.cy, drawing.cx, bottom);
+    for (const CRect& desk : {beside, below}) {
+        if (!desk.IsRectEmpty()) dc.FillSolidRect(&desk, kDesk);
+    }
+}
+
 void DrawingView::OnDraw(CDC* dc) {
+    if (Viewer() && Drawing() && Drawing()->GetCount() > 0) DrawDesk(*dc);
     const BOOL printing = dc->m_bPrinting;
     if (asPrinted_) dc->m_bPrinting = TRUE;
     CZelView::OnDraw(dc);

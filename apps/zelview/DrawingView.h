@@ -38,6 +38,7 @@ class DrawingView : public CZelView {
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:
+    void DrawDesk(CDC& dc);
     Position At(const CPoint& pixel) const;
 
     std::function<void(const Position&)> onMouse_;

@@ -11,6 +11,7 @@ constexpr CSize kTextSize(2000, 500);
 
 std::vector<Zel2*> Members(const Zel2Selection& selection) {
     std::vector<Zel2*> members;
+    members.reserve(static_cast<std::size_t>(selection.GetSize()));
     for (int i = 0; i < static_cast<int>(selection.GetSize()); ++i) members.push_back(selection[i]);
     return members;
 }

@@ -84,7 +84,10 @@ MainWindow::MainWindow(QWidget* parent) : QMainWindow(parent), view_(new Drawing
     position_ = new QLabel(this);
     values_ = new QLabel(this);
     page_ = new QLabel(this);
-    for (QLabel* label : {page_, values_, position_}) statusBar()->addPermanentWidget(label);
+    for (QLabel* label : {page_, values_, position_}) {
+        label->setContentsMargins(12, 0, 0, 0);
+        statusBar()->addPermanentWidget(label);
+    }
     MakeMenus();
     view_->SetMouseHandler([this](const Position& position) {
         ShowPosition(position);

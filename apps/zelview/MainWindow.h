@@ -86,6 +86,8 @@ class MainWindow : public QMainWindow {
     void Zoom(int direction);
     void Command(UINT id);
     void GoToPage(int page);
+    // Opens the drawing after (`by` 1) or before (-1) this one in its folder, round and round.
+    void OpenNeighbour(int by);
     void Copy();
     void PasteClipboard();
     void ShowPosition(const Position& position);

@@ -5,7 +5,9 @@
 
 #include <QAction>
 #include <QActionGroup>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
@@ -136,7 +138,13 @@ void MainWindow::AddMoves(QMenu* menu) {
             const bool size = way.size;
             Add(menu, (QString(size ? "size_" : "move_") + keys).toUtf8(),
                 QString(way.text).arg(direction.key), QKeySequence(keys), [this, by, size] {
-                    if (Nudge(view_->Viewer()->Selection(), by, size)) Edited(size ? "Resize" : "Move");
+                    if (Nudge(view_->Viewer()->Selection(), by, size)) {
+                        Edited(size ? "Resize" : "Move");
+                    } else {
+                        // With nothing selected the arrows scroll.
+                        view_->ScrollToDevicePosition(view_->GetDeviceScrollPosition() +
+                                                      CSize(by.cx, -by.cy));
+                    }
                 });
         }
     }
@@ -174,6 +182,11 @@ void MainWindow::MakePageMenu() {
     Add(menu, "page_first", "&First", QKeySequence("Ctrl+Home"), [this] { GoToPage(0); });
     Add(menu, "page_last", "&Last", QKeySequence("Ctrl+End"),
         [this] { GoToPage(view_->Report() ? view_->Report()->PageCount() - 1 : 0); });
+    menu->addSeparator();
+    Add(menu, "drawing_previous", "Pre&vious Drawing in the Folder", QKeySequence("Alt+PgUp"),
+        [this] { OpenNeighbour(-1); });
+    Add(menu, "drawing_next", "Next &Drawing in the Folder", QKeySequence("Alt+PgDown"),
+        [this] { OpenNeighbour(1); });
 }
 
 void MainWindow::MakeHelpMenu() {
@@ -211,6 +224,7 @@ void MainWindow::UpdateActions() {
     const int page = report ? report->SelectedPage() : 0;
     for (const char* name : {"page_previous", "page_first"}) Action(name)->setEnabled(pages > 0 && page > 0);
     for (const char* name : {"page_next", "page_last"}) Action(name)->setEnabled(page + 1 < pages);
+    for (const char* name : {"drawing_previous", "drawing_next"}) Action(name)->setEnabled(!Path().isEmpty());
     page_->setText(pages > 0 ? QString("Page %1 of %2").arg(page + 1).arg(pages) : QString());
     setWindowModified(history_.IsModified());
 }
@@ -234,6 +248,16 @@ void MainWindow::ShowRecent() {
     }
     recent_->setDisabled(false);
     if (recent_->isEmpty()) recent_->addAction("None yet")->setEnabled(false);
+}
+
+void MainWindow::OpenNeighbour(int by) {
+    const QFileInfo present(Path());
+    const QDir folder = present.absoluteDir();
+    const QStringList names = folder.entryList({"*.zel"}, QDir::Files, QDir::Name);
+    const qsizetype count = names.size();
+    if (Path().isEmpty() || count == 0 || !MayLose()) return;
+    const qsizetype at = names.indexOf(present.fileName());
+    Open(folder.filePath(names[(at + by + count) % count]));
 }
 
 void MainWindow::AskOpen() {

@@ -4,6 +4,7 @@
 #include "backends/widgets/WidgetSupport.h"
 
 #include <zel/Zel2Edit.h>
+#include <zel/platform/Platform.h>
 #include <zel/zel.h>
 
 #include <QAbstractButton>
@@ -12,6 +13,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QProcess>
 #include <QSettings>
 #include <QStandardPaths>
 
@@ -38,7 +40,7 @@ class Program : public OnWidgets {
                            QString::fromStdString(kSettings / ""));
         OnWidgets::SetUpTestSuite();
     }
-    Program() : path_((folder_ / "drawing.zel")) {
+    Program() : path_(folder_ / "drawing.zel") {
         Zel2Main drawing;
         drawing.SetRules(ZelRules::EXACT);
         const int red = drawing.RegisterColor("Red", RGB(200, 0, 0), RGB(0, 0, 0));
@@ -200,7 +202,7 @@ TEST_F(Program, RecoversUnsavedWork) {
     MainWindow second;
     ASSERT_TRUE(second.Open(QString::fromStdString(path_)));
     EXPECT_FALSE(second.isWindowModified());
-    const std::string crashed = (folder_ / "crashed.zel");
+    const std::string crashed = folder_ / "crashed.zel";
     fs::copy_file(path_, crashed);
     fs::copy_file(copy, zel::view::DocumentFile::CopyPath(QString::fromStdString(crashed)).toStdString());
     MainWindow after;
@@ -209,7 +211,7 @@ TEST_F(Program, RecoversUnsavedWork) {
     EXPECT_TRUE(after.isWindowModified());
     EXPECT_EQ(after.Steps().Present(), window_.Steps().Present());
     ASSERT_TRUE(after.Save());
-    EXPECT_FALSE(fs::exists((folder_ / ".crashed.zel.unsaved")));
+    EXPECT_FALSE(fs::exists(folder_ / ".crashed.zel.unsaved"));
     window_.Steps().MarkSaved();
 }
 
@@ -235,9 +237,9 @@ TEST_F(Program, NoticesWhatOtherProgramsDo) {
 }
 
 TEST_F(Program, KeepsItsDrawingWhenAFileIsBad) {
-    const std::string cut = (folder_ / "cut.zel");
+    const std::string cut = folder_ / "cut.zel";
     std::ofstream(cut) << Content(path_).substr(0, 100);
-    const std::string words = (folder_ / "words.csv");
+    const std::string words = folder_ / "words.csv";
     std::ofstream(words) << "a,b\nx,y\n";
     for (const std::string& bad : {cut, words, (folder_ / "none.zel")}) {
         Answer(QMessageBox::Ok);
@@ -247,12 +249,24 @@ TEST_F(Program, KeepsItsDrawingWhenAFileIsBad) {
     Answer(QMessageBox::Ok);
     EXPECT_FALSE(window_.SaveAs("/proc/drawing.zel"));
     Answer(QMessageBox::Ok);
-    EXPECT_FALSE(window_.Export(QString::fromStdString((folder_ / "picture.xyz"))));
+    EXPECT_FALSE(window_.Export(QString::fromStdString(folder_ / "picture.xyz")));
     EXPECT_EQ(window_.Path().toStdString(), path_);
+    Click(At(1500, 1500));
+    Do("move_Up");
+    const std::string before = Content(path_);
+    {
+        const zel::test::FullDisk disk(100);
+        Answer(QMessageBox::Ok);
+        EXPECT_FALSE(window_.Save());
+    }
+    EXPECT_EQ(Content(path_), before) << "the old file stays";
+    EXPECT_TRUE(window_.isWindowModified()) << "and the work stays in the program";
+    EXPECT_TRUE(window_.Save());
+    EXPECT_NE(Content(path_), before);
 }
 
 TEST_F(Program, MakesADrawingOfATableAndExportsIt) {
-    const std::string table = (folder_ / "table.csv");
+    const std::string table = folder_ / "table.csv";
     std::ofstream(table) << "x,y,name\n1,2,a\n2,4,b\n3,8,c\n";
     ASSERT_TRUE(window_.Open(QString::fromStdString(table)));
     EXPECT_TRUE(window_.isWindowModified());
@@ -272,12 +286,13 @@ TEST_F(Program, TurnsThePagesOfAReport) {
     drawing.Add(report);
     report->SetPaper({});
     for (int i = 0; i < 5; ++i) {
-        auto* box = new Zel2Rect(CRect(0, 0, 3000, 4000), -1, -1, Zel2Rect::RECTANGLE, -1);
+        auto* box = new Zel2TRect(CRect(0, 0, 3000, 4000), ("box" + std::to_string(i)).c_str(), -1, -1);
         report->Append(box);
+        box->RegisterFont("f", "Arial", 100, 0, 0, 0, 0, 0, 0);
     }
     const int pages = report->MakePages();
     ASSERT_GT(pages, 2);
-    const std::string path = (folder_ / "report.zel");
+    const std::string path = folder_ / "report.zel";
     zel::SaveDocument(drawing, path.c_str());
     ASSERT_TRUE(window_.Open(QString::fromStdString(path)));
     EXPECT_FALSE(window_.Action("page_previous")->isEnabled());
@@ -286,7 +301,19 @@ TEST_F(Program, TurnsThePagesOfAReport) {
     window_.Action("page_last")->trigger();
     EXPECT_FALSE(window_.Action("page_next")->isEnabled());
     EXPECT_EQ(window_.View().Report()->SelectedPage(), pages - 1);
-    EXPECT_TRUE(window_.Export(QString::fromStdString((folder_ / "report.pdf"))));
+    EXPECT_TRUE(window_.Export(QString::fromStdString(folder_ / "report.pdf")));
+    const std::string printed = folder_ / "printed.pdf";
+    auto paper = zel::Platform::Get().CreateFileDevice(
+        {.path = printed, .format = "pdf", .width = 8.27, .height = 11.69, .title = {}});
+    window_.View().PrintTo(*paper);
+    for (const std::string& file : {folder_ / "report.pdf", printed}) {
+        QProcess reader;
+        reader.start("pdftotext", {QString::fromStdString(file), "-"});
+        ASSERT_TRUE(reader.waitForFinished());
+        const QString text = reader.readAllStandardOutput();
+        EXPECT_EQ(text.count('\f'), pages) << file;
+        for (const char* box : {"box0", "box4"}) EXPECT_EQ(text.count(box), 1) << file;
+    }
 }
 
 TEST_F(Program, ShowsWhereThePointerIs) {
@@ -306,8 +333,9 @@ TEST_F(Program, EveryActionCanBeChosen) {
     for (const char* state : {"select_all", "deselect"}) {
         for (QAction* action : window_.findChildren<QAction*>()) {
             const QString name = action->objectName();
-            const bool opens = name.isEmpty() || action->text().endsWith("…") || name == "about" ||
-                               name == "quit" || name == "save" || name == "redo";
+            const bool opens = name.isEmpty() || name.startsWith("drawing_") ||
+                               action->text().endsWith("…") || name == "about" || name == "quit" ||
+                               name == "save" || name == "redo";
             if (opens) continue;
             Do(state);
             action->trigger();
