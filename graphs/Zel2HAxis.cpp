@@ -18,7 +18,7 @@ namespace {
 constexpr int kMostIntervals = 8;
 constexpr int kHeightPerInterval = 200;  // world units
 constexpr int kLabelGap = 30;            // world units
-constexpr CSize kDefaultMarginsSize(800, 0);
+constexpr int kDefaultLeftMargin = 800;
 constexpr unsigned long kGrey = 0xC0C0C0;
 
 // Up to four significant digits, whatever the process's locale.
@@ -279,7 +279,7 @@ void Zel2VAxis::SetMargins(int left, int above, int below) {
 }
 
 CRect Zel2VAxis::LogicalBox() {
-    if (!marginsSet_) SetMargins(kDefaultMarginsSize.cx, kDefaultMarginsSize.cy, kDefaultMarginsSize.cy);
+    if (!marginsSet_) SetMargins(kDefaultLeftMargin, 0, 0);
     CRect box = AbsRect();
     box.left = zel::Subtract(box.left, margins_.left);
     box.top = zel::Subtract(box.top, margins_.below);

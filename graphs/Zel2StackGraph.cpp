@@ -24,10 +24,10 @@ Zel2StackGraph::Zel2StackGraph()
 }
 
 Zel2StackGraph::Zel2StackGraph(const CRect& r, int pen, int color) : Zel2StackGraph() {
-    const Zel2Rect box(r, pen, color, Zel2Rect::RECTANGLE, -1);
+    Zel2Rect box(r, pen, color, Zel2Rect::RECTANGLE, -1);
     background_->SetPen(pen);
     background_->SetColor(color);
-    background_->SetSize(const_cast<Zel2Rect&>(box).Size());
+    background_->SetSize(box.Size());
     Origin(box.Origin());
 }
 

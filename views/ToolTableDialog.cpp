@@ -167,17 +167,11 @@ void CColorTableDlg::PaintSamples(CDC& dc) {
 }
 
 void CColorTableDlg::OnChangeScreen() {
-    DrawColor* color = edited_(Current());
-    if (!color) return;
-    COLORREF value = color->ScrColor();
-    if (PickColor("Screen Color", value)) color->ScrColor(value);
+    ChangeScreenColor(edited_(Current()));
 }
 
 void CColorTableDlg::OnChangePrint() {
-    DrawColor* color = edited_(Current());
-    if (!color) return;
-    COLORREF value = color->PrnColor();
-    if (PickColor("Print Color", value)) color->PrnColor(value);
+    ChangePrintColor(edited_(Current()));
 }
 
 void CColorTableDlg::Accept() {
@@ -245,10 +239,7 @@ void FontTblDlg::OnChangeFont() {
 }
 
 void FontTblDlg::OnChangePrint() {
-    DrawFont* font = edited_(Current());
-    if (!font) return;
-    COLORREF value = font->PrnColor();
-    if (PickColor("Print Color", value)) font->PrnColor(value);
+    ChangePrintColor(edited_(Current()));
 }
 
 void FontTblDlg::Accept() {
@@ -377,17 +368,11 @@ void PenTabDlg::OnField() {
 }
 
 void PenTabDlg::OnChangeScreen() {
-    DrawPen* pen = edited_(Current());
-    if (!pen) return;
-    COLORREF value = pen->ScrColor();
-    if (PickColor("Screen Color", value)) pen->ScrColor(value);
+    ChangeScreenColor(edited_(Current()));
 }
 
 void PenTabDlg::OnChangePrint() {
-    DrawPen* pen = edited_(Current());
-    if (!pen) return;
-    COLORREF value = pen->PrnColor();
-    if (PickColor("Print Color", value)) pen->PrnColor(value);
+    ChangePrintColor(edited_(Current()));
 }
 
 // The line as it is drawn, in both variants.

@@ -42,6 +42,17 @@ class ToolTableDialog : public CDialog {
     void PaintSwatch(CDC& dc, int row, COLORREF color) const;
     // Lets the user change a colour; true when he did.
     bool PickColor(const char* caption, COLORREF& color);
+    // Lets the user choose the screen or the printer colour of a tool; null for none.
+    template <class Tool>
+    void ChangeScreenColor(Tool* tool) {
+        COLORREF value = tool ? tool->ScrColor() : 0;
+        if (tool && PickColor("Screen Color", value)) tool->ScrColor(value);
+    }
+    template <class Tool>
+    void ChangePrintColor(Tool* tool) {
+        COLORREF value = tool ? tool->PrnColor() : 0;
+        if (tool && PickColor("Print Color", value)) tool->PrnColor(value);
+    }
     // Where the samples are, in device pixels.
     CRect SampleArea() const { return FromDialogUnits(sample_); }
     DECLARE_MESSAGE_MAP()

@@ -100,7 +100,6 @@ class Zel2ScaleAxis : public Zel2Rect {
 
     int F2ROffset(double v);
     int LabelAngle() const { return labelAngle_; }
-    const Ends& LogicalEnds() const { return ends_; }
 
   private:
     enum ToolKind { LINES_PEN, TICKS_PEN, LABEL_FONT, TITLE_FONT, TOOL_COUNT };
