@@ -150,6 +150,7 @@ class Output {
         device.opaqueBackground = !options.transparent;
         device.background = options.background;
         device.quality = options.quality;
+        device.everyPoint = options.everyPoint;
         device.title = options.title;
         natural_ = Platform::Get().UnitsPerInch(device);
         if (placement_.scale != 1) device.unitsPerInch = natural_ * placement_.scale;

@@ -5,9 +5,37 @@
 #include <zel/platform/Exception.h>
 #include <zel/qt/ImageDevice.h>
 
+#include <algorithm>
 #include <cmath>
 
 namespace zel::qt {
+
+namespace {
+
+// Shortens a stretch of points in one column to those that count, in their order.
+void AppendStretch(std::vector<CPoint>& line, std::span<const CPoint> stretch) {
+    const auto lower = [](const CPoint& a, const CPoint& b) { return a.y < b.y; };
+    auto [low, high] = std::minmax_element(stretch.begin(), stretch.end(), lower);
+    if (high < low) std::swap(low, high);
+    for (const CPoint& p : {stretch.front(), *low, *high, stretch.back()})
+        if (line.empty() || !(line.back() == p)) line.push_back(p);
+}
+
+}  // namespace
+
+std::vector<CPoint> MeasuringDevice::Mapped(const GraphicsState& state,
+                                            std::span<const CPoint> points) const {
+    std::vector<CPoint> mapped;
+    mapped.reserve(points.size());
+    for (const CPoint& p : points) mapped.push_back(state.map.ToDevice(p));
+    if (!inCurve_ || mapped.size() < 4) return mapped;
+    std::vector<CPoint> line;
+    for (std::size_t begin = 0, end = 0; begin < mapped.size(); begin = end) {
+        for (end = begin; end < mapped.size() && mapped[end].x == mapped[begin].x;) ++end;
+        AppendStretch(line, std::span(mapped).subspan(begin, end - begin));
+    }
+    return line.size() > 1 ? line : mapped;
+}
 
 SurfaceCaps CapsOf(const FileDeviceOptions& options, int technology, int unitsPerInch) {
     const auto units = [=](double inches) { return static_cast<int>(std::lround(inches * unitsPerInch)); };

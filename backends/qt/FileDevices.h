@@ -5,6 +5,8 @@
 #include <zel/platform/SurfaceCaps.h>
 
 #include <memory>
+#include <span>
+#include <vector>
 
 namespace zel::qt {
 
@@ -25,6 +27,16 @@ class MeasuringDevice : public DocumentDevice {
     std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
                                    std::span<const std::size_t> ends) override;
     TEXTMETRIC TextMetrics(const GraphicsState& state) override;
+    void BeginCurve() override { inCurve_ = true; }
+    void EndCurve() override { inCurve_ = false; }
+
+  protected:
+    // The points of a line in device units: inside a curve only the first, lowest, highest and last of those
+    // in one column of units.
+    std::vector<CPoint> Mapped(const GraphicsState& state, std::span<const CPoint> points) const;
+
+  private:
+    bool inCurve_ = false;
 };
 
 }  // namespace zel::qt

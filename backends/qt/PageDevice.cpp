@@ -49,11 +49,12 @@ void PageDevice::Polyline(const GraphicsState& state, const CPoint* points, std:
     if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
     UseClip(state);
     line_.clear();
-    line_.reserve(static_cast<qsizetype>(count));
-    for (std::size_t i = 0; i < count; ++i) line_.append(At(state, points[i]));
+    const std::vector<CPoint> mapped = Mapped(state, {points, count});
+    line_.reserve(static_cast<qsizetype>(mapped.size()));
+    for (const CPoint& p : mapped) line_.append(Near(p));
     FlushTextBelow(line_.boundingRect(), PenWidthOf(state, hairline_));
     UsePen(state);
-    if (count > kShortLine) {
+    if (mapped.size() > kShortLine) {
         FlushLines();
         painter_.drawPolyline(line_);
         return;
@@ -119,8 +120,7 @@ void PageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> 
     texts_.Add(state, spans);
 }
 
-QPointF PageDevice::At(const GraphicsState& state, const CPoint& p) const {
-    const CPoint at = state.map.ToDevice(p);
+QPointF PageDevice::Near(const CPoint& at) {
     return {std::clamp<double>(at.x, -kFarOutside, kFarOutside),
             std::clamp<double>(at.y, -kFarOutside, kFarOutside)};
 }

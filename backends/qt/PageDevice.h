@@ -19,6 +19,7 @@ class PageDevice : public MeasuringDevice {
     void NewPage() override;
     void Finish() override;
     int Caps(int index) const override { return caps_.Answer(index); }
+    int CurveColumn(const GraphicsState&) const override { return options_.everyPoint ? 0 : 1; }
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                   std::span<const int> counts) override;
@@ -36,7 +37,8 @@ class PageDevice : public MeasuringDevice {
     virtual void Check(bool written) = 0;
 
   private:
-    QPointF At(const GraphicsState& state, const CPoint& p) const;
+    QPointF At(const GraphicsState& state, const CPoint& p) const { return Near(state.map.ToDevice(p)); }
+    static QPointF Near(const CPoint& at);
     void FillPage();
     void UseClip(const GraphicsState& state);
     void UsePen(const GraphicsState& state);

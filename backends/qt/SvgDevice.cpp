@@ -72,6 +72,7 @@ class SvgDevice : public MeasuringDevice {
 
     int Caps(int index) const override { return caps_.Answer(index); }
 
+    int CurveColumn(const GraphicsState&) const override { return options_.everyPoint ? 0 : 1; }
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
         UseClip(state);
@@ -153,8 +154,7 @@ class SvgDevice : public MeasuringDevice {
   private:
     QString PointsText(const GraphicsState& state, std::span<const CPoint> points) const {
         QString text;
-        for (const CPoint& p : points) {
-            const CPoint at = state.map.ToDevice(p);
+        for (const CPoint& at : Mapped(state, points)) {
             if (!text.isEmpty()) text += ' ';
             text += QString::number(at.x) + ',' + QString::number(at.y);
         }

@@ -129,7 +129,6 @@ class Zel2PointArray : public Zel2PointSet {
   public:
     Zel2PointArray();
     Zel2PointArray(const Zel2PointArray& other);
-    Zel2PointArray(Zel2PointArray&&) = delete;
     Zel2PointArray& operator=(const Zel2PointArray& other);
     ~Zel2PointArray() override;
 

@@ -21,8 +21,11 @@ struct ExportOptions {
     COLORREF background = RGB(255, 255, 255);
     bool transparent = false;   // no background, where the format can
     bool printerTools = false;  // the tools' printer colours instead of those for the screen
-    int quality = 90;           // of a JPEG
-    std::string title;          // for formats that keep one
+    // PDF and SVG leave out the points of series that cannot be seen at 1200 dots per inch; with this they
+    // keep each.
+    bool everyPoint = false;
+    int quality = 90;   // of a JPEG
+    std::string title;  // for formats that keep one
 };
 
 // Sets a paper by its name ("A5" to "A2", "letter", "legal"), upright or lying; false for an unknown name.

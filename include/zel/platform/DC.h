@@ -100,7 +100,7 @@ class CDC : public CObject {
     // more than the first, lowest, highest and last of consecutive points; 0 when it looks at each.
     // Each of the rectangles' ellipses.
     void Ellipses(std::span<const CRect> rects) { Device().Ellipses(State(), rects); }
-    int CurveColumn() { return Device().CurveColumn(State()); }
+    int CurveColumn() const { return zel::CurveColumnOf(m_hDC); }
     void BeginCurve() { Device().BeginCurve(); }
     void EndCurve() { Device().EndCurve(); }
     BOOL Polygon(const POINT* points, int count);

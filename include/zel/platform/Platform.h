@@ -20,6 +20,9 @@ struct FileDeviceOptions {
     double unitsPerInch = 0;  // device units that the device reports per inch; 0: the format's own choice
     bool opaqueBackground = true;
     COLORREF background = RGB(255, 255, 255);
+    // Vector formats leave out the points of long series that lie within a device unit of a line that is
+    // drawn (a 1200th of an inch in PDF, a 1440th in SVG, before scaling); with this they write each.
+    bool everyPoint = false;
     int quality = 90;   // of a JPEG, 0 to 100
     std::string title;  // document title, for formats that keep one
 };

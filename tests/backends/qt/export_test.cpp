@@ -8,6 +8,7 @@
 #include <QXmlStreamReader>
 
 #include <clocale>
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -61,6 +62,23 @@ TEST_F(Files, PdfTextIsFoundAndItsFontsAreEmbedded) {
     EXPECT_THAT(RunProgram("pdfimages -list " + path).text, testing::Not(testing::HasSubstr("image")))
         << "all vectors";
     EXPECT_FALSE(zel::SetPaper(options, "A17", false));
+}
+
+// Files of vectors do not grow with the number of points, unless each is asked for.
+TEST_F(Files, VectorsLeaveOutWhatCannotBeSeen) {
+    auto* points = new Zel2PointArray;
+    for (int i = 0; i < 300000; ++i)
+        points->Append(i / 30000.0, 0.5 + 0.4 * std::sin(i * 0.7) * std::cos(i / 3e4));
+    points->SetPen(0);
+    graph_->AddIn(points);
+    const std::size_t size = Content(Written("a.svg")).size();
+    EXPECT_LT(size, 400000U);
+    EXPECT_LT(Content(Written("a.pdf")).size(), 400000U);
+    for (int i = 0; i < 300000; ++i) points->Append(10, 0.5);
+    EXPECT_LT(Content(Written("a.svg")).size(), size + 1000) << "more points in the last column";
+    zel::ExportOptions whole;
+    whole.everyPoint = true;
+    EXPECT_GT(Content(Written("b.svg", whole)).size(), 2000000U);
 }
 
 TEST_F(Files, SvgKeepsTextAndLines) {
