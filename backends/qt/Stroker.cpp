@@ -164,8 +164,12 @@ void Stroker::AddRows(int x, int y, const std::uint64_t* coverage, int rows) {
     for (int row = first; row <= last; ++row) {
         // The bytes in memory are the pixels from the left.
         Bytes added{}, present;
-        std::memcpy(&added, reinterpret_cast<const std::uint8_t*>(coverage + (row - y)) + cut,
-                    static_cast<std::size_t>(shown));
+        if (shown == kWord) {
+            std::memcpy(&added, coverage + (row - y), kWord);  // nearly always, and of a fixed size
+        } else {
+            std::memcpy(&added, reinterpret_cast<const std::uint8_t*>(coverage + (row - y)) + cut,
+                        static_cast<std::size_t>(shown));
+        }
         std::uint8_t* const at = mask_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + left;
         std::memcpy(&present, at, sizeof present);
         const Bytes larger = added > present ? added : present;
