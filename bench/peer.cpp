@@ -186,6 +186,8 @@ int Run(int argc, char** argv) {
     if (work == "scatter") plot.UseDiscs();
     plot.SetRange(work == "zoom" ? 0.495 : 0, work == "zoom" ? 0.505 : 1, series.lo, series.hi);
     plot.Points().SetPoints(std::move(series.x), std::move(series.y));
+    if (std::string(argv[6]) == "plain")
+        plot.Points().GetXVec();  // a series that it was handed out of has no index
     zel::qt::ImageDevice image(kWidth, kHeight, kDotsPerInch);
     Repeat(std::atoi(argv[3]), [&] {
         image.Clear(kWhite);

@@ -75,9 +75,12 @@ void Zel2DaoPointSet::ReadPoints(CDaoRecordset& records, const char* xVar, const
     const DBField xField = FieldOf(records, xVar, 0, gaps);
     const DBField yField = FieldOf(records, yVar, 1, gaps);
     const bool years = dates_ == Dates::YEARS && xField.Type() == dbDate;
+    std::vector<double>& xs = *GetXVec();
+    std::vector<double>& ys = *GetYVec();
+    PointsChanged();  // nothing is drawn before all is read
     while (!records.IsEOF()) {
         // Runs of plain numbers need no fields; they are most of what series are made of.
-        records.ReadNumbers(xField.Ordinal(), yField.Ordinal(), *GetXVec(), *GetYVec());
+        records.ReadNumbers(xField.Ordinal(), yField.Ordinal(), xs, ys);
         if (records.IsEOF()) break;
         const double x = xField;
         const double y = yField;

@@ -60,7 +60,7 @@ WorldPoint ExtensionPoint(unsigned int code, const WorldFrame& frame, const Worl
     }
 }
 
-FillOutline OutlineOfFill(const WorldFrame& frame, const std::vector<double>& x, const std::vector<double>& y,
+FillOutline OutlineOfFill(const WorldFrame& frame, std::span<const double> x, std::span<const double> y,
                           unsigned int start, unsigned int end) {
     const std::size_t n = std::min(x.size(), y.size());
     Outline outline(n + 10);

@@ -3,6 +3,7 @@
 
 #include <zel/WorldFrame.h>
 
+#include <span>
 #include <vector>
 
 namespace zel {
@@ -27,7 +28,7 @@ struct FillOutline {
     std::vector<double> x;
     std::vector<double> y;
 };
-FillOutline OutlineOfFill(const WorldFrame& frame, const std::vector<double>& x, const std::vector<double>& y,
+FillOutline OutlineOfFill(const WorldFrame& frame, std::span<const double> x, std::span<const double> y,
                           unsigned int start, unsigned int end);
 
 }  // namespace zel

@@ -1,5 +1,6 @@
 #include "core/ArchiveFields.h"
 #include "graphs/SeriesFill.h"
+#include "tools/SeriesIndex.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
@@ -7,6 +8,7 @@
 #include <zel/Mapping.h>
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2PointSet.h>
+#include <zel/platform/DC.h>
 
 #include <algorithm>
 #include <cmath>
@@ -98,6 +100,12 @@ std::vector<double>* Zel2PointSet::GetXVec() {
 }
 std::vector<double>* Zel2PointSet::GetYVec() {
     return nullptr;
+}
+Zel2PointSet::Arrays Zel2PointSet::PointArrays() {
+    const std::vector<double>* xs = GetXVec();
+    const std::vector<double>* ys = GetYVec();
+    if (!xs || !ys) return {};
+    return {xs->data(), ys->data(), std::min(xs->size(), ys->size()), nullptr};
 }
 
 // A series is picked through its graph; it has no handles of its own.
@@ -195,20 +203,31 @@ void Zel2PointSet::PlotPointSymbols() {
 void Zel2PointSet::Plot(DrawSymbol* symbol) {
     const WorldFrame* frame = GraphFrame();
     if (!symbol || !frame) return;
-    for (unsigned int i = symbolOnFirst_ ? 0 : 1; i < NPoints(); ++i) {
-        const double x = X(i);
-        const double y = Y(i);
-        if (frame->Contains(x, y)) symbol->PlotOn(this, F2L(x, y));
+    const unsigned int n = NPoints();
+    const Arrays arrays = PointArrays();
+    const bool direct = arrays.x && arrays.n == n;
+    CDC* const figure = symbol->IsPlainDisc(this) ? DC() : nullptr;
+    std::vector<CPoint> points;
+    points.reserve(std::min<std::size_t>(n, kBlock));
+    if (figure) figure->BeginCurve();
+    for (unsigned int i = symbolOnFirst_ ? 0 : 1; i < n; ++i) {
+        const double x = direct ? arrays.x[i] : X(i);
+        const double y = direct ? arrays.y[i] : Y(i);
+        if (frame->Contains(x, y)) points.push_back(direct ? frame->ToLogical(x, y) : F2L(x, y));
+        if (points.size() < kBlock) continue;
+        symbol->PlotOn(this, points);
+        points.clear();
     }
+    if (!points.empty()) symbol->PlotOn(this, points);
+    if (figure) figure->EndCurve();
 }
 
 // Everything but the first and last extension. A series with arrays is drawn in one go.
 void Zel2PointSet::LineThroughPoints(DrawPen& pen, const WorldFrame& frame) {
     const std::size_t n = NPoints();
-    const std::vector<double>* xs = GetXVec();
-    const std::vector<double>* ys = GetYVec();
-    if (xs && ys && xs->size() >= n && ys->size() >= n) {
-        pen.LineTo(frame, xs->data(), ys->data(), n);
+    const Arrays arrays = PointArrays();
+    if (arrays.x && arrays.n >= n) {
+        pen.LineTo(frame, arrays.x, arrays.y, n, arrays.n == n ? arrays.index : nullptr);
         return;
     }
     double x[kBlock];
@@ -240,10 +259,10 @@ void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {
 
 void Zel2PointSet::Plot(DrawColor* color, unsigned int start, unsigned int end) {
     const WorldFrame* frame = GraphFrame();
-    const std::vector<double>* xs = GetXVec();
-    const std::vector<double>* ys = GetYVec();
-    if (NPoints() == 0 || !color || !frame || !xs || !ys) return;
-    zel::FillOutline outline = zel::OutlineOfFill(*frame, *xs, *ys, start, end);
+    const Arrays arrays = PointArrays();
+    if (NPoints() == 0 || !color || !frame || !arrays.x) return;
+    zel::FillOutline outline =
+        zel::OutlineOfFill(*frame, {arrays.x, arrays.n}, {arrays.y, arrays.n}, start, end);
     color->Polygon(this, outline.x.data(), outline.y.data(), static_cast<int>(outline.x.size()));
 }
 
@@ -256,27 +275,71 @@ void Zel2PointSet::Serialize(CArchive& ar) {
     }
 }
 
+Zel2PointArray::Zel2PointArray() = default;
+Zel2PointArray::~Zel2PointArray() = default;
+
+Zel2PointArray::Zel2PointArray(const Zel2PointArray& other)
+    : Zel2PointSet(other), xs_(other.xs_), ys_(other.ys_) {}
+
+Zel2PointArray& Zel2PointArray::operator=(const Zel2PointArray& other) {
+    if (this == &other) return *this;
+    Zel2PointSet::operator=(other);
+    xs_ = other.xs_;
+    ys_ = other.ys_;
+    index_.reset();  // whoever holds pointers to the arrays may still write through them
+    return *this;
+}
+
+std::vector<double>* Zel2PointArray::GetXVec() {
+    index_.reset();
+    handedOut_ = true;
+    return &xs_;
+}
+
+std::vector<double>* Zel2PointArray::GetYVec() {
+    index_.reset();
+    handedOut_ = true;
+    return &ys_;
+}
+
+void Zel2PointArray::PointsChanged() {
+    index_.reset();
+    handedOut_ = false;
+}
+
+Zel2PointSet::Arrays Zel2PointArray::PointArrays() {
+    const std::size_t n = std::min(xs_.size(), ys_.size());
+    if (handedOut_ || n < zel::SeriesIndex::kLeastPoints) return {xs_.data(), ys_.data(), n, nullptr};
+    if (!index_) index_ = std::make_unique<zel::SeriesIndex>();
+    index_->Extend(xs_.data(), ys_.data(), n);
+    return {xs_.data(), ys_.data(), n, index_.get()};
+}
+
 void Zel2PointArray::Append(double x, double y) {
     xs_.push_back(x);
     ys_.push_back(y);
 }
 
 void Zel2PointArray::Clear() {
+    PointsChanged();
     xs_.clear();
     ys_.clear();
 }
 
 void Zel2PointArray::SetPoints(const std::vector<double>& xs, const std::vector<double>& ys) {
+    PointsChanged();
     xs_ = xs;
     ys_ = ys;
 }
 
 void Zel2PointArray::SetPoints(std::vector<double>&& xs, std::vector<double>&& ys) {
+    PointsChanged();
     xs_ = std::move(xs);
     ys_ = std::move(ys);
 }
 
 void Zel2PointArray::Assign(std::vector<float>& xs, std::vector<float>& ys) {
+    PointsChanged();
     xs_.assign(xs.begin(), xs.end());
     ys_.assign(ys.begin(), ys.end());
 }
@@ -288,6 +351,7 @@ unsigned int Zel2PointArray::NPoints() {
 
 void Zel2PointArray::Serialize(CArchive& ar) {
     Zel2PointSet::Serialize(ar);
+    if (ar.IsLoading()) PointsChanged();
     zel::ExchangeList(ar, xs_);
     zel::ExchangeList(ar, ys_);
 }

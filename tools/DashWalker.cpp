@@ -8,6 +8,7 @@ namespace {
 
 // Lines longer than this are walked only where they can be seen.
 constexpr int kLongLine = 1 << 17;
+constexpr std::int64_t kEndless = INT64_MAX / 2;
 
 struct Span {
     double begin = 0;
@@ -94,6 +95,11 @@ void DrawPen::DashWalker::LineTo(const CPoint& to) {
     }
     if (to == current_) return;
     if (!(position_ == current_)) Jump(current_);
+    if (solid_) {
+        Draw(to);
+        current_ = to;
+        return;
+    }
     const int length = LengthBetween(current_, to);
     if (length <= Remaining()) {
         Go(to);
@@ -114,7 +120,7 @@ void DrawPen::DashWalker::LineTo(const CPoint& to) {
 // length.
 void DrawPen::DashWalker::LinesTo(const int* x, const int* y, std::size_t n) {
     for (std::size_t i = 0; i < n;) {
-        const std::int64_t left = DashLeft();
+        const std::int64_t left = solid_ && position_ == current_ ? kEndless : DashLeft();
         std::int64_t used = 0;
         std::int64_t cx = current_.x, cy = current_.y;
         std::size_t length = runLength_;
@@ -132,7 +138,7 @@ void DrawPen::DashWalker::LinesTo(const int* x, const int* y, std::size_t n) {
         runLength_ = length;
         if (used > 0) {
             current_ = position_ = CPoint(static_cast<int>(cx), static_cast<int>(cy));
-            dashPosition_ += static_cast<int>(used);
+            if (!solid_) dashPosition_ += static_cast<int>(used);
         }
         if (i < n) LineTo(CPoint(x[i], y[i])), ++i;
     }

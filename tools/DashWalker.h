@@ -22,6 +22,13 @@ class DrawPen::DashWalker {
     // `n` lines one after another.
     void LinesTo(const int* x, const int* y, std::size_t n);
     const CPoint& Current() const { return current_; }
+    // Whether the pattern is a single dash: what it draws is one line, whatever its length.
+    bool IsSolid() const { return elementCount_ == 1 && Advances(); }
+    // From here on lines are drawn without the walk, which cuts a solid line where its dash begins anew, and
+    // leave the dash state as it is. Only for a solid pen.
+    void DrawSolid() { solid_ = true; }
+    // Hands on what was drawn.
+    void FlushRun();
 
   private:
     // Lengths in logical units of one pattern element, as the walk uses them.
@@ -55,7 +62,6 @@ class DrawPen::DashWalker {
         dc_.MoveTo(to.x, to.y);
         position_ = to;
     }
-    void FlushRun();
 
     DrawPen& pen_;
     CDC& dc_;
@@ -64,6 +70,7 @@ class DrawPen::DashWalker {
     int dashIndex_;
     std::array<Element, kPatternSize> elements_{};
     int elementCount_ = 0;
+    bool solid_ = false;
     std::int64_t cycle_ = 0;  // the sum of all elements in the loop
     CPoint position_;         // where the context's position is, or will be after the run
     std::array<CPoint, 1024> run_;

@@ -1,5 +1,6 @@
 #include "core/ArchiveFields.h"
 #include "tools/DashWalker.h"
+#include "tools/SeriesLine.h"
 
 #include <zel/DrawPen.h>
 #include <zel/ToolEditors.h>
@@ -240,12 +241,11 @@ void DrawPen::DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* ob
 
 namespace {
 
-constexpr std::size_t kBlock = 256;
-
 // One axis of a block of points on its way from world to logical coordinates.
+template <std::size_t N>
 struct AxisBlock {
-    std::array<double, kBlock> fraction;  // of the way from one end of the world range to the other
-    std::array<int, kBlock> logical;
+    std::array<double, N> fraction;  // of the way from one end of the world range to the other
+    std::array<int, N> logical;
 
     void SetFractions(const double* values, std::size_t n, double low, double high) {
         const double range = high - low;
@@ -255,7 +255,7 @@ struct AxisBlock {
     // halves of the fractions' bits, which are in order: above that of 0 and below that of 1.
     bool AllInside(std::size_t n) const {
         constexpr std::int64_t kBelowOne = 0x3FEFFFFF;
-        std::array<std::uint64_t, kBlock> bits;
+        std::array<std::uint64_t, N> bits;
         std::memcpy(bits.data(), fraction.data(), n * sizeof(double));
         std::int64_t outside = 0;
         for (std::size_t i = 0; i < n; ++i) {
@@ -273,17 +273,15 @@ struct AxisBlock {
 
 }  // namespace
 
-void DrawPen::LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n) {
+void DrawPen::LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n,
+                     const zel::SeriesIndex* index) {
     if (n == 0) return;
     if (!Dc()) {
         world_ = {x[n - 1], y[n - 1]};
         return;
     }
     const Selected selected(*this, *Dc());
-    DashWalker walker(*this, *Dc());
-    for (std::size_t begin = 0; begin < n; begin += kBlock) {
-        DrawBlock(walker, frame, x + begin, y + begin, std::min(kBlock, n - begin));
-    }
+    SeriesLine(*this, *Dc(), frame, x, y, n).Draw(index);
 }
 
 // Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the
@@ -292,7 +290,7 @@ void DrawPen::DrawBlock(DashWalker& walker, const WorldFrame& frame, const doubl
                         std::size_t n) {
     const bool joins =
         frame.ContainsStrictly(world_.x, world_.y) && frame.ToLogical(world_.x, world_.y) == walker.Current();
-    AxisBlock xs, ys;
+    AxisBlock<kBlockPoints> xs, ys;
     xs.SetFractions(x, n, frame.xmin, frame.xmax);
     ys.SetFractions(y, n, frame.ymin, frame.ymax);
     if (joins && xs.AllInside(n) && ys.AllInside(n)) {

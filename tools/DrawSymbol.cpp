@@ -313,6 +313,24 @@ void DrawSymbol::PlotOn(Zel2* obj, CPoint pt) {
     font->Print(text_, box, DT_CENTER | DT_VCENTER);
 }
 
+bool DrawSymbol::IsPlainDisc(Zel2* obj) {
+    SetDefaults(obj);
+    return type_ == zel::SYMBOL_CIRCLE && !HasLabel() && !obj->Pen(penIndex_) && obj->Color(colorIndex_);
+}
+
+void DrawSymbol::PlotOn(Zel2* obj, std::span<const CPoint> points) {
+    if (!IsPlainDisc(obj)) {
+        for (const CPoint& pt : points) PlotOn(obj, pt);
+        return;
+    }
+    const CRect box = RectAround(obj, CPoint(0, 0));
+    std::vector<CRect> boxes;
+    boxes.reserve(points.size());
+    for (const CPoint& pt : points)
+        boxes.push_back({CPoint(zel::Add(pt.x, box.left), zel::Add(pt.y, box.top)), box.Size()});
+    obj->Color(colorIndex_)->Ellipses(boxes);
+}
+
 void DrawSymbol::PlotOn(Zel2* obj, double x, double y) {
     const WorldFrame* limits = obj->EnclosingFrame();
     if (limits && limits->Contains(x, y)) PlotOn(obj, obj->F2L(x, y));

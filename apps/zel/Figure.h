@@ -18,8 +18,8 @@ struct Series {
     // Has the points instead of `x` and `y` when they come from a database.
     std::shared_ptr<Zel2DaoPointSet> source;
 
-    const std::vector<double>& X() const { return source ? *source->GetXVec() : x; }
-    const std::vector<double>& Y() const { return source ? *source->GetYVec() : y; }
+    const std::vector<double>& X() const { return source ? source->XValues() : x; }
+    const std::vector<double>& Y() const { return source ? source->YValues() : y; }
 };
 
 struct FigureOptions {

@@ -1,4 +1,6 @@
 #include "backends/qt/Application.h"
+#include "backends/qt/ColumnThinner.h"
+#include "backends/qt/DiscSprites.h"
 #include "backends/qt/FileSink.h"
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
@@ -80,62 +82,6 @@ QPainter::CompositionMode CompositionOf(int rasterMode) {
     }
 }
 
-// Draws a long line as what can be seen of it. Consecutive points in one column of pixels are a run. A run
-// that goes one way is a segment, so that dense smooth curves keep their slant; one that turns back is an
-// upright bar from its lowest to its highest point. Runs are joined by segments, but for bars side by side
-// that touch already. Only a run's first, last, lowest and highest points matter: leaving out the others
-// changes no pixel.
-template <int kShift>
-class ColumnThinner {
-  public:
-    ColumnThinner(Stroker& stroker, double halfWidth) : stroker_(stroker), half_(halfWidth) {}
-
-    void Draw(std::span<const CPoint> points) {
-        std::size_t i = 0;
-        while (i < points.size()) {
-            const CPoint first = points[i];
-            const LONG column = first.x >> kShift;
-            LONG low = first.y, high = first.y;
-            for (++i; i < points.size() && points[i].x >> kShift == column; ++i) {
-                low = std::min(low, points[i].y);
-                high = std::max(high, points[i].y);
-            }
-            Finish({first, points[i - 1], low, high, column, false});
-        }
-    }
-
-  private:
-    struct Run {
-        CPoint first, last;
-        LONG low, high, column;
-        bool bar;
-    };
-
-    void Finish(Run run) {
-        run.bar = run.low < std::min(run.first.y, run.last.y) || run.high > std::max(run.first.y, run.last.y);
-        if (any_ && !Touch(last_, run)) Segment(last_.last, run.first);
-        if (run.bar) {
-            stroker_.AddBar(run.column, CentreOf(run.low), CentreOf(run.high), half_);
-        } else if (!(run.first == run.last)) {
-            Segment(run.first, run.last);
-        }
-        last_ = run;
-        any_ = true;
-    }
-    static bool Touch(const Run& a, const Run& b) {
-        return a.bar && b.bar && std::abs(a.column - b.column) == 1 && a.low <= b.high && b.low <= a.high;
-    }
-    static double CentreOf(LONG unit) { return (unit + 0.5) / (1 << kShift); }
-    void Segment(const CPoint& a, const CPoint& b) {
-        stroker_.Add({CentreOf(a.x), CentreOf(a.y)}, {CentreOf(b.x), CentreOf(b.y)}, half_);
-    }
-
-    Stroker& stroker_;
-    double half_;
-    Run last_{};
-    bool any_ = false;
-};
-
 }  // namespace
 
 class ImageDevice::Impl {
@@ -154,6 +100,8 @@ class ImageDevice::Impl {
           image(reinterpret_cast<uchar*>(pixels.data()), width, height, width * 4,
                 QImage::Format_ARGB32_Premultiplied),
           stroker(width, height),
+          thinner(stroker, shift),
+          discs(width, height, shift),
           painter(&image) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::TextAntialiasing);
@@ -166,6 +114,7 @@ class ImageDevice::Impl {
     // Makes the clip of `state` that of painter and strokes.
     void UseClip(const GraphicsState& state) {
         if (clipSet && state.clip == clip) return;
+        FinishCurve();
         clip = state.clip;
         clipSet = true;
         clips.clear();
@@ -206,12 +155,33 @@ class ImageDevice::Impl {
     }
 
     void DrawSmooth(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
-        if (shift == 0) {
-            ColumnThinner<0>(stroker, penWidth / 2).Draw({points, count});
-        } else {
-            ColumnThinner<ShiftOf(Grid::SIXTEENTHS)>(stroker, penWidth / 2).Draw({points, count});
-        }
-        stroker.Blend({pixels.data(), width, height}, color, clips);
+        AddToCurve(points, count, penWidth, color);
+        FinishCurve();
+    }
+
+    // Adds a line to a figure that is blended when it is complete.
+    void AddToCurve(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
+        if (penWidth != curveWidth || color != curveColor) FinishCurve();
+        curveWidth = penWidth;
+        curveColor = color;
+        if (!thinner.IsEmpty() && !(thinner.Last() == points[0])) EndLine();
+        thinner.Add({points, count}, penWidth / 2);
+    }
+    void EndLine() {
+        thinner.End(steps);
+        if (!steps.empty()) DrawCrisp(steps.data(), steps.size(), curveWidth, curveColor);
+    }
+    void FinishCurve() {
+        EndLine();
+        stroker.Blend({pixels.data(), width, height}, curveColor, clips);
+        discs.Clear();
+    }
+
+    // Adds a disc to the figure; false for one that is drawn by the painter instead.
+    bool AddDisc(const CRect& box, std::uint32_t color) {
+        if (color != curveColor) FinishCurve();
+        curveColor = color;
+        return discs.Add(stroker, box);
     }
 
     // A wide pen that goes nowhere leaves a disc: dots of a dashed line may be as short as that.
@@ -272,13 +242,13 @@ class ImageDevice::Impl {
     void StrokeEllipse(const GraphicsState& state, const QRectF& shape) {
         const double half = PenWidth(state) / 2;
         const double radius = std::max({shape.width(), shape.height(), 2.0}) / 2;
-        const int steps = std::clamp(static_cast<int>(8 * std::sqrt(radius)), 12, 2000);
+        const int sides = std::clamp(static_cast<int>(8 * std::sqrt(radius)), 12, 2000);
         const auto at = [&](int step) {
-            const double angle = 2 * std::numbers::pi * step / steps;
+            const double angle = 2 * std::numbers::pi * step / sides;
             return PointF{shape.center().x() + shape.width() / 2 * std::cos(angle),
                           shape.center().y() + shape.height() / 2 * std::sin(angle)};
         };
-        for (int i = 0; i < steps; ++i) stroker.Add(at(i), at(i + 1), half);
+        for (int i = 0; i < sides; ++i) stroker.Add(at(i), at(i + 1), half);
         stroker.Blend({pixels.data(), width, height}, PixelValue(state.pen.lopnColor), clips);
     }
 
@@ -340,6 +310,12 @@ class ImageDevice::Impl {
     std::vector<std::uint32_t> pixels;
     QImage image;
     Stroker stroker;
+    ColumnThinner thinner;
+    DiscSprites discs;
+    bool inCurve = false;
+    double curveWidth = 0;
+    std::uint32_t curveColor = 0;
+    std::vector<CPoint> steps;
     QPainter painter;
     std::shared_ptr<const Region> clip;
     bool clipSet = false;
@@ -445,7 +421,9 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
     const double penWidth = impl.PenWidth(state);
     const std::uint32_t color = PixelValue(state.pen.lopnColor);
-    if (state.rasterMode != R2_COPYPEN || !solid) {
+    if (impl.inCurve && CurveColumn(state) > 0) {
+        impl.AddToCurve(points, count, penWidth, color);
+    } else if (state.rasterMode != R2_COPYPEN || !solid) {
         impl.DrawPlain(state, points, count);
     } else if (impl.shift == 0 && penWidth > 1 && std::equal(points + 1, points + count, points)) {
         impl.DrawDot(points[0], penWidth, color);
@@ -454,6 +432,20 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     } else {
         impl.DrawSmooth(points, count, penWidth, color);
     }
+}
+
+int ImageDevice::CurveColumn(const GraphicsState& state) const {
+    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    return solid && state.rasterMode == R2_COPYPEN ? impl_->sub : 0;
+}
+
+void ImageDevice::BeginCurve() {
+    impl_->inCurve = true;
+}
+
+void ImageDevice::EndCurve() {
+    impl_->inCurve = false;
+    impl_->FinishCurve();
 }
 
 void ImageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points,
@@ -508,6 +500,20 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     GraphicsState outline = state;
     outline.brush.lbStyle = BS_NULL;
     GraphicsDevice::Ellipse(outline, rect);
+}
+
+// Plain discs are symbols of series, and many.
+void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CRect> rects) {
+    const bool plain =
+        state.pen.lopnStyle == PS_NULL && state.rasterMode == R2_COPYPEN && state.brush.lbStyle == BS_SOLID;
+    impl_->UseClip(state);
+    for (const CRect& rect : rects) {
+        CRect box = state.map.ToDevice(rect);
+        box.NormalizeRect();
+        if (plain && impl_->AddDisc(box, PixelValue(state.brush.lbColor))) continue;
+        Ellipse(state, rect);
+    }
+    if (!impl_->inCurve) impl_->FinishCurve();
 }
 
 void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {

@@ -58,7 +58,7 @@ void PageDevice::Polyline(const GraphicsState& state, const CPoint* points, std:
     for (const CPoint& p : mapped_) line_.append(Near(p));
     FlushTextBelow(line_.boundingRect(), PenWidthOf(state, hairline_));
     UsePen(state);
-    if (count > kShortLine) {
+    if (mapped_.size() > kShortLine) {
         FlushLines();
         painter_.drawPolyline(line_);
         return;

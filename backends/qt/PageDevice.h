@@ -19,6 +19,7 @@ class PageDevice : public MeasuringDevice {
     void NewPage() override;
     void Finish() override;
     int Caps(int index) const override { return caps_.Answer(index); }
+    int CurveColumn(const GraphicsState&) const override { return options_.keepAllPoints ? 0 : 1; }
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                   std::span<const int> counts) override;

@@ -154,6 +154,32 @@ void Stroker::AddBar(int column, double low, double high, double halfWidth) {
     bottom_ = std::max(bottom_, last);
 }
 
+void Stroker::AddRows(int x, int y, const std::uint64_t* coverage, int rows) {
+    if (x <= -kWord || x >= width_) return;
+    const int first = std::max(y, 0), last = std::min(y + rows, height_) - 1;
+    if (first > last) return;
+    const int left = std::max(x, 0), cut = left - x;
+    const int shown = std::min(kWord - cut, width_ - left);
+    using Bytes = std::uint8_t __attribute__((vector_size(kWord)));
+    for (int row = first; row <= last; ++row) {
+        // The bytes in memory are the pixels from the left.
+        Bytes added{}, present;
+        if (shown == kWord) {
+            std::memcpy(&added, coverage + (row - y), kWord);  // nearly always, and of a fixed size
+        } else {
+            std::memcpy(&added, reinterpret_cast<const std::uint8_t*>(coverage + (row - y)) + cut,
+                        static_cast<std::size_t>(shown));
+        }
+        std::uint8_t* const at = mask_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + left;
+        std::memcpy(&present, at, sizeof present);
+        const Bytes larger = added > present ? added : present;
+        std::memcpy(at, &larger, sizeof larger);
+        Touch(row, left, left + shown - 1);
+    }
+    top_ = std::min(top_, first);
+    bottom_ = std::max(bottom_, last);
+}
+
 // Walks along the longer axis (y when steep). "Major" is along it, "minor" across.
 template <bool kSteep>
 void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {

@@ -32,6 +32,9 @@ class Stroker {
     void Add(PointF a, PointF b, double halfWidth);
     // Adds an upright bar along the middle of a column, its axis from `low` down to `high`.
     void AddBar(int column, double low, double high, double halfWidth);
+    // Adds coverage given as `rows` rows of eight bytes, the first at the pixel (x, y). What lies outside the
+    // buffer is left out.
+    void AddRows(int x, int y, const std::uint64_t* coverage, int rows);
     // Blends the mask into the buffer within `clips` (pixels), and clears it.
     void Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips);
 

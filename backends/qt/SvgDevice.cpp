@@ -73,6 +73,7 @@ class SvgDevice : public MeasuringDevice {
 
     int Caps(int index) const override { return caps_.Answer(index); }
 
+    int CurveColumn(const GraphicsState&) const override { return options_.keepAllPoints ? 0 : 1; }
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
         if (count < 2 || state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
         UseClip(state);

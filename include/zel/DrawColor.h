@@ -6,6 +6,7 @@
 #include <zel/platform/Geometry.h>
 
 #include <memory>
+#include <span>
 
 class Zel2;
 
@@ -49,6 +50,8 @@ class DrawColor : public DrawTool {
     // `corner` is the width and height of the ellipse of the corners.
     void RoundRect(const CRect& rect, const CSize& corner);
     void Ellipse(const CRect& rect);
+    // Many at once, as one figure where the device can: it is not denser where they overlap.
+    void Ellipses(std::span<const CRect> rects);
     void Polygon(CPoint* points, int n);
     void PolyPolygon(CPoint* points, int* counts, int nPolys);
     // Several rings in one run of points, each closed by repeating its first point; what follows the last

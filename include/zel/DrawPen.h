@@ -12,6 +12,9 @@
 #include <memory>
 
 class Zel2;
+namespace zel {
+class SeriesIndex;
+}
 
 // A line style: a dash pattern and a width in tenths of a millimetre, and a screen and a printer colour.
 //
@@ -78,8 +81,11 @@ class DrawPen : public DrawTool {
     void MoveTo(Zel2* obj, double x, double y);
     void LineTo(Zel2* obj, double x, double y);
     // `n` lines in graph coordinates at once: what LineTo(obj, x[i], y[i]) one after another would draw for
-    // an object that is mapped by `frame`, at a fraction of the cost.
-    void LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n);
+    // an object that is mapped by `frame`, at a fraction of the cost. Devices of pixels get a solid line as
+    // what can be seen of it, in one piece: it is not darker where it crosses itself. `index` tells what
+    // stretches of the points cover; it may be null.
+    void LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n,
+                const zel::SeriesIndex* index = nullptr);
     // Sets the point from which the next line in graph coordinates starts, and the current point, without the
     // clipping of a line.
     void SetWorldPoint(Zel2* obj, double x, double y);
@@ -103,6 +109,8 @@ class DrawPen : public DrawTool {
   private:
     class Selected;
     class DashWalker;
+    class SeriesLine;
+    static constexpr std::size_t kBlockPoints = 256;
 
     // The estimate without the limits of an int; 13/10 rounded to the nearest, halves up, as MulDiv does.
     static std::int64_t LengthOf(std::int64_t dx, std::int64_t dy) {

@@ -5,6 +5,7 @@
 #include <zel/ToolTableOf.h>
 #include <zel/platform/Geometry.h>
 
+#include <span>
 #include <vector>
 
 class DrawColor;
@@ -63,6 +64,10 @@ class DrawSymbol : public DrawTool {
     void SetDefaults(Zel2* obj);
     // Draws centred on a logical point.
     void PlotOn(Zel2* obj, CPoint pt);
+    // Whether the symbol is a filled circle without outline and label in the drawing of `obj`.
+    bool IsPlainDisc(Zel2* obj);
+    // Draws centred on each point, in order; plain discs as one figure (DrawColor::Ellipses).
+    void PlotOn(Zel2* obj, std::span<const CPoint> points);
     // Draws at a point of the graph that `obj` stands in, if the graph's range contains it (limits included).
     void PlotOn(Zel2* obj, double x, double y);
     // Takes over shape, size, label, colours, border and face, not the name or the pen width. The tools are

@@ -4,11 +4,15 @@
 #include <zel/Zel2.h>
 #include <zel/platform/Collections.h>
 
+#include <memory>
 #include <vector>
 
 class DrawColor;
 class DrawPen;
 class DrawSymbol;
+namespace zel {
+class SeriesIndex;
+}
 
 // A data series: an area fill, a line and symbols through the points that a derived class supplies, mapped by
 // the graph that the series stands in (Zel2Graph::AddIn). A series without points of its own; see
@@ -87,6 +91,17 @@ class Zel2PointSet : public Zel2 {
     virtual std::vector<double>* GetXVec();
     virtual std::vector<double>* GetYVec();
 
+  protected:
+    // The points as they lie in memory, for drawing: as many as both arrays have. The default answers what
+    // GetXVec and GetYVec do, without an index.
+    struct Arrays {
+        const double* x = nullptr;
+        const double* y = nullptr;
+        std::size_t n = 0;
+        const zel::SeriesIndex* index = nullptr;
+    };
+    virtual Arrays PointArrays();
+
   private:
     void PlotPointSymbols();
     // How far a symbol reaches from its point, in logical units; -1 when there are none.
@@ -106,9 +121,21 @@ class Zel2PointSet : public Zel2 {
 };
 
 // A data series that holds its points.
+//
+// A long series keeps an index of what its stretches cover (2.3 % of the memory of its points), made when it
+// is first drawn and extended after Append: drawing it again costs as much as a short one. Handing out the
+// arrays for writing (GetXVec, GetYVec) drops the index and does without one, since nobody tells the series
+// about later writes through the pointer; SetPoints, Assign, Clear, loading and PointsChanged allow it again,
+// after which earlier pointers must not be written through without another PointsChanged. For reading there
+// are XValues and YValues.
 class Zel2PointArray : public Zel2PointSet {
     DECLARE_SERIAL(Zel2PointArray)
   public:
+    Zel2PointArray();
+    Zel2PointArray(const Zel2PointArray& other);
+    Zel2PointArray& operator=(const Zel2PointArray& other);
+    ~Zel2PointArray() override;
+
     void Append(double x, double y);
     void Clear();
     // Copies both arrays; they should be of one length: the shorter one counts.
@@ -121,10 +148,19 @@ class Zel2PointArray : public Zel2PointSet {
     unsigned int NPoints() override;
     double X(long i) override { return xs_[static_cast<std::size_t>(i)]; }
     double Y(long i) override { return ys_[static_cast<std::size_t>(i)]; }
-    std::vector<double>* GetXVec() override { return &xs_; }
-    std::vector<double>* GetYVec() override { return &ys_; }
+    std::vector<double>* GetXVec() override;
+    std::vector<double>* GetYVec() override;
+    const std::vector<double>& XValues() const { return xs_; }
+    const std::vector<double>& YValues() const { return ys_; }
+    // Tells that the host has written through the pointers of GetXVec or GetYVec and is done with it.
+    void PointsChanged();
+
+  protected:
+    Arrays PointArrays() override;
 
   private:
+    std::unique_ptr<zel::SeriesIndex> index_;  // null until it is needed
+    bool handedOut_ = false;
     std::vector<double> xs_;
     std::vector<double> ys_;
 };

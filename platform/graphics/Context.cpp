@@ -77,6 +77,9 @@ GraphicsDevice& DeviceOf(HDC dc) {
 const GraphicsState& StateOf(HDC dc) {
     return dc->now.graphics;
 }
+int CurveColumnOf(HDC dc) {
+    return dc->device->CurveColumn(dc->now.graphics);
+}
 void FlushContext(HDC dc) {
     dc->Draw().Flush();
 }

@@ -156,6 +156,16 @@ std::vector<int> GraphicsDevice::PrefixExtents(const GraphicsState& state, std::
 COLORREF GraphicsDevice::GetPixel(const CPoint&) {
     return CLR_INVALID;
 }
+int GraphicsDevice::CurveColumn(const GraphicsState&) const {
+    return 0;
+}
+void GraphicsDevice::Ellipses(const GraphicsState& state, std::span<const CRect> rects) {
+    for (const CRect& rect : rects) Ellipse(state, rect);
+}
+
+void GraphicsDevice::BeginCurve() {}
+void GraphicsDevice::EndCurve() {}
+
 void GraphicsDevice::Flush() {}
 
 }  // namespace zel

@@ -50,6 +50,8 @@ HDC CreateDeviceContext(GraphicsDevice& device);
 HDC CreateDeviceContext(std::unique_ptr<GraphicsDevice> device);
 GraphicsDevice& DeviceOf(HDC dc);
 const GraphicsState& StateOf(HDC dc);
+// GraphicsDevice::CurveColumn with the settings of now, without handing on gathered lines.
+int CurveColumnOf(HDC dc);
 // Hands gathered lines to the device, and lets it show what it has.
 void FlushContext(HDC dc);
 }  // namespace zel

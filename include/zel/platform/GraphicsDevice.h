@@ -60,6 +60,16 @@ class GraphicsDevice {
     // out by pens one pixel wide, as the platform does. Fewer than 2 points draw nothing.
     virtual void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) = 0;
 
+    // The width in device units of the columns within which a solid line with the settings of `state` counts
+    // only by the first, lowest, highest and last of consecutive points; 0, the default, when every point
+    // counts. Callers may then leave out the others between BeginCurve and EndCurve, and give the lowest and
+    // highest any place within the column.
+    virtual int CurveColumn(const GraphicsState& state) const;
+    // All polylines, or all ellipses of Ellipses, between the two are one figure, which is not darker where
+    // it covers itself.
+    virtual void BeginCurve();
+    virtual void EndCurve();
+
     // Fills one figure made of closed rings with the brush (the fill mode reaches across the rings) and
     // outlines each ring with the pen. `points` holds the rings one after another, `counts` their lengths.
     virtual void Polygons(const GraphicsState& state, std::span<const CPoint> points,
@@ -75,6 +85,8 @@ class GraphicsDevice {
     // `corner` is the full width and height of the ellipse of the corners.
     virtual void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner);
     virtual void Ellipse(const GraphicsState& state, const CRect& rect);
+    // Each of them with the same settings, in order.
+    virtual void Ellipses(const GraphicsState& state, std::span<const CRect> rects);
     // From the direction of `start` to that of `end`, both seen from the centre of `rect`.
     virtual void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
                      ArcKind kind);

@@ -44,11 +44,15 @@ class ImageDevice : public GraphicsDevice {
 
     int Caps(int index) const override;
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
+    int CurveColumn(const GraphicsState& state) const override;
+    void BeginCurve() override;
+    void EndCurve() override;
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                   std::span<const int> counts) override;
     void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                   DWORD operation) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
+    void Ellipses(const GraphicsState& state, std::span<const CRect> rects) override;
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
     CSize TextExtent(const GraphicsState& state, std::string_view text) override;
     std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,

@@ -344,6 +344,11 @@ TEST_F(Files, VectorsLeaveOutWhatCannotBeSeen) {
         const std::string thin = Written((std::string("thin.") + format).c_str());
         const std::string whole = Written((std::string("whole.") + format).c_str(), all);
         EXPECT_LT(3 * Content(thin).size(), Content(whole).size()) << format;
+        points->Append(10, y);
+        for (int i = 0; i < 100'000; ++i) points->Append(10, 0.5);
+        EXPECT_LT(Content(Written((std::string("more.") + format).c_str())).size(),
+                  Content(thin).size() + 1000)
+            << "more points in the last column";
         QImage images[2];
         for (const std::string& file : {thin, whole}) {
             const std::string picture = file + ".png";
