@@ -1,5 +1,6 @@
 #include "core/ArchiveFields.h"
 #include "graphs/SeriesFill.h"
+#include "graphs/SeriesHit.h"
 #include "tools/SeriesIndex.h"
 
 #include <zel/DrawColor.h>
@@ -13,6 +14,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
 IMPLEMENT_SERIAL(Zel2PointSet, Zel2, 0)
 IMPLEMENT_SERIAL(Zel2PointArray, Zel2PointSet, 0)
@@ -26,21 +28,6 @@ Zel2Graph* GraphAround(const Zel2& object) {
 }
 
 constexpr int kHitReach = 3;  // pixels
-
-// Where a point of the graph lies, counted from `at`, in logical units.
-zel::WorldPoint PixelAway(const WorldFrame& frame, double x, double y, const CSize& at) {
-    const double width = static_cast<double>(frame.upper.x) - frame.lower.x;
-    const double height = static_cast<double>(frame.upper.y) - frame.lower.y;
-    return {frame.lower.x + (x - frame.xmin) / (frame.xmax - frame.xmin) * width - at.cx,
-            frame.lower.y + (y - frame.ymin) / (frame.ymax - frame.ymin) * height - at.cy};
-}
-
-double DistanceFromOrigin(const zel::WorldPoint& a, const zel::WorldPoint& b) {
-    const double dx = b.x - a.x, dy = b.y - a.y;
-    const double length = dx * dx + dy * dy;
-    const double nearest = length > 0 ? std::clamp(-(a.x * dx + a.y * dy) / length, 0.0, 1.0) : 0.0;
-    return std::hypot(a.x + nearest * dx, a.y + nearest * dy);
-}
 
 // A graph's range widened by values; begins afresh where the range was not set yet.
 class Widened {
@@ -101,11 +88,47 @@ std::vector<double>* Zel2PointSet::GetXVec() {
 std::vector<double>* Zel2PointSet::GetYVec() {
     return nullptr;
 }
-Zel2PointSet::Arrays Zel2PointSet::PointArrays() {
+std::vector<zel::SeriesStretch> Zel2PointSet::Stretches() {
     const std::vector<double>* xs = GetXVec();
     const std::vector<double>* ys = GetYVec();
     if (!xs || !ys) return {};
-    return {xs->data(), ys->data(), std::min(xs->size(), ys->size()), nullptr};
+    return {
+        {zel::SeriesValues(xs->data()), zel::SeriesValues(ys->data()), 0, std::min(xs->size(), ys->size())}};
+}
+
+std::vector<zel::SeriesStretch> Zel2PointSet::StretchesFrom(unsigned int first) {
+    std::size_t left = NPoints(), skipped = first;
+    std::vector<zel::SeriesStretch> stretches = Stretches();
+    for (zel::SeriesStretch& stretch : stretches) {
+        stretch.end = stretch.begin + std::min(stretch.Size(), left);
+        left -= stretch.Size();
+        const std::size_t skip = std::min(stretch.Size(), skipped);
+        stretch.begin += skip;
+        skipped -= skip;
+    }
+    if (left > 0) stretches.clear();  // a derived class has more points than its arrays
+    return stretches;
+}
+
+// Hands the points on from number `first` on, as they lie in memory or copied a block at a time, until the
+// function answers false.
+template <class Function>
+void Zel2PointSet::ForStretches(Function function, unsigned int first) {
+    const std::vector<zel::SeriesStretch> stretches = StretchesFrom(first);
+    for (const zel::SeriesStretch& stretch : stretches)
+        if (!function(stretch)) return;
+    if (!stretches.empty()) return;
+    const std::size_t n = NPoints();
+    double x[kBlock];
+    double y[kBlock];
+    for (std::size_t begin = first; begin < n; begin += kBlock) {
+        const std::size_t count = std::min(kBlock, n - begin);
+        for (std::size_t i = 0; i < count; ++i) {
+            x[i] = X(static_cast<long>(begin + i));
+            y[i] = Y(static_cast<long>(begin + i));
+        }
+        if (!function({zel::SeriesValues(x), zel::SeriesValues(y), 0, count})) return;
+    }
 }
 
 // A series is picked through its graph; it has no handles of its own.
@@ -139,23 +162,10 @@ int Zel2PointSet::IsIn(const CPoint& pt) {
     plot.InflateRect(kHitReach, kHitReach);
     if (!plot.PtInRect(CPoint(at.cx, at.cy))) return 0;
 
-    const int symbols = SymbolReach();
-    const bool line = pen_ >= 0;
-    zel::WorldPoint last{};
-    bool joined = false;  // whether a line leads from the last point
-    for (unsigned int i = 0; i < NPoints(); ++i) {
-        const double x = X(i), y = Y(i);
-        if (!std::isfinite(x) || !std::isfinite(y)) {
-            joined = false;
-            continue;
-        }
-        const zel::WorldPoint here = PixelAway(*frame, x, y, at);
-        if (symbols >= 0 && std::max(std::abs(here.x), std::abs(here.y)) <= symbols + kHitReach) return 1;
-        if (line && joined && DistanceFromOrigin(last, here) <= kHitReach) return 1;
-        last = here;
-        joined = true;
-    }
-    return 0;
+    zel::SeriesHit hit(*frame, CSize(at.cx, at.cy), pen_ >= 0, SymbolReach(), kHitReach);
+    bool found = false;
+    ForStretches([&](const zel::SeriesStretch& stretch) { return !(found = hit.Test(stretch)); });
+    return found ? 1 : 0;
 }
 
 void Zel2PointSet::OnPrint(CDC*, CPrintInfo*) {
@@ -166,13 +176,34 @@ const WorldFrame* Zel2PointSet::GraphFrame() {
     return EnclosingFrame();
 }
 
+// Takes in the range of a coordinate of all points: `low` and `high` are its members of a span, `values` that
+// of a stretch.
+template <double zel::SeriesSpan::*low, double zel::SeriesSpan::*high>
+void TakeIn(Widened& range, const zel::SeriesStretch& stretch) {
+    zel::WalkSeries(
+        stretch,
+        [&](const zel::SeriesSpan& span, std::size_t, std::size_t) {
+            if (!std::isfinite(span.*low) || !std::isfinite(span.*high)) return false;
+            range.Add(span.*low);
+            range.Add(span.*high);
+            return true;
+        },
+        [&](const zel::SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
+            const double* const values = low == &zel::SeriesSpan::xmin ? x : y;
+            for (std::size_t i = 0; i < n; ++i) range.Add(values[i]);
+        });
+}
+
 void Zel2PointSet::AdjustXAxis(int n) {
     Zel2Graph* graph = GraphAround(*this);
     if (!graph) return;
     double x0, y0, x1, y1;
     graph->GetFloatRect(x0, y0, x1, y1);
     Widened range(x0, x1);
-    for (unsigned int i = 0; i < NPoints(); ++i) range.Add(X(i));
+    ForStretches([&](const zel::SeriesStretch& stretch) {
+        TakeIn<&zel::SeriesSpan::xmin, &zel::SeriesSpan::xmax>(range, stretch);
+        return true;
+    });
     if (range.IsSet()) graph->AdjustXAxis(range.Lo(), range.Hi(), n, 1);
 }
 
@@ -182,7 +213,10 @@ void Zel2PointSet::AdjustYAxis(int n) {
     double x0, y0, x1, y1;
     graph->GetFloatRect(x0, y0, x1, y1);
     Widened range(y0, y1);
-    for (unsigned int i = 0; i < NPoints(); ++i) range.Add(Y(i));
+    ForStretches([&](const zel::SeriesStretch& stretch) {
+        TakeIn<&zel::SeriesSpan::ymin, &zel::SeriesSpan::ymax>(range, stretch);
+        return true;
+    });
     if (range.IsSet()) graph->AdjustYAxis(range.Lo(), range.Hi(), n, 1);
 }
 
@@ -203,43 +237,31 @@ void Zel2PointSet::PlotPointSymbols() {
 void Zel2PointSet::Plot(DrawSymbol* symbol) {
     const WorldFrame* frame = GraphFrame();
     if (!symbol || !frame) return;
-    const unsigned int n = NPoints();
-    const Arrays arrays = PointArrays();
-    const bool direct = arrays.x && arrays.n == n;
     CDC* const figure = symbol->IsPlainDisc(this) ? DC() : nullptr;
-    std::vector<CPoint> points;
-    points.reserve(std::min<std::size_t>(n, kBlock));
     if (figure) figure->BeginCurve();
-    for (unsigned int i = symbolOnFirst_ ? 0 : 1; i < n; ++i) {
-        const double x = direct ? arrays.x[i] : X(i);
-        const double y = direct ? arrays.y[i] : Y(i);
-        if (frame->Contains(x, y)) points.push_back(direct ? frame->ToLogical(x, y) : F2L(x, y));
-        if (points.size() < kBlock) continue;
-        symbol->PlotOn(this, points);
-        points.clear();
-    }
-    if (!points.empty()) symbol->PlotOn(this, points);
+    std::vector<CPoint> places;
+    places.reserve(kBlock);
+    const auto plot = [&] {
+        if (!places.empty()) symbol->PlotOn(this, places);
+        places.clear();
+    };
+    const auto isOutside = [frame](const zel::SeriesSpan& span, std::size_t, std::size_t) {
+        return span.xmax < frame->xmin || span.xmin > frame->xmax || span.ymax < frame->ymin ||
+               span.ymin > frame->ymax;
+    };
+    const auto take = [&](const zel::SeriesStretch& stretch) {
+        zel::WalkSeries(
+            stretch, isOutside,
+            [&](const zel::SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
+                for (std::size_t i = 0; i < n; ++i)
+                    if (frame->Contains(x[i], y[i])) places.push_back(frame->ToLogical(x[i], y[i]));
+                if (places.size() >= kBlock) plot();
+            });
+        return true;
+    };
+    ForStretches(take, symbolOnFirst_ ? 0 : 1);
+    plot();
     if (figure) figure->EndCurve();
-}
-
-// Everything but the first and last extension. A series with arrays is drawn in one go.
-void Zel2PointSet::LineThroughPoints(DrawPen& pen, const WorldFrame& frame) {
-    const std::size_t n = NPoints();
-    const Arrays arrays = PointArrays();
-    if (arrays.x && arrays.n >= n) {
-        pen.LineTo(frame, arrays.x, arrays.y, n, arrays.n == n ? arrays.index : nullptr);
-        return;
-    }
-    double x[kBlock];
-    double y[kBlock];
-    for (std::size_t begin = 0; begin < n; begin += kBlock) {
-        const std::size_t count = std::min(kBlock, n - begin);
-        for (std::size_t i = 0; i < count; ++i) {
-            x[i] = X(static_cast<long>(begin + i));
-            y[i] = Y(static_cast<long>(begin + i));
-        }
-        pen.LineTo(frame, x, y, count);
-    }
 }
 
 void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {
@@ -250,7 +272,14 @@ void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {
     const bool extends = frame->ContainsStrictly(first.x, first.y);
     const zel::WorldPoint begin = extends ? zel::ExtensionPoint(start, *frame, first) : first;
     pen->SetWorldPoint(this, begin.x, begin.y);
-    LineThroughPoints(*pen, *frame);
+    if (const std::vector<zel::SeriesStretch> all = StretchesFrom(0); !all.empty()) {
+        pen->LineTo(*frame, all);  // in one piece
+    } else {
+        ForStretches([&](const zel::SeriesStretch& block) {
+            pen->LineTo(*frame, {&block, 1});
+            return true;
+        });
+    }
     const zel::WorldPoint last{X(static_cast<long>(n) - 1), Y(static_cast<long>(n) - 1)};
     const bool endExtends = zel::IsExtension(end) && frame->ContainsStrictly(last.x, last.y);
     const zel::WorldPoint finish = endExtends ? zel::ExtensionPoint(end, *frame, last) : last;
@@ -259,10 +288,14 @@ void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {
 
 void Zel2PointSet::Plot(DrawColor* color, unsigned int start, unsigned int end) {
     const WorldFrame* frame = GraphFrame();
-    const Arrays arrays = PointArrays();
-    if (NPoints() == 0 || !color || !frame || !arrays.x) return;
-    zel::FillOutline outline =
-        zel::OutlineOfFill(*frame, {arrays.x, arrays.n}, {arrays.y, arrays.n}, start, end);
+    const std::vector<zel::SeriesStretch> stretches = Stretches();
+    if (NPoints() == 0 || !color || !frame || stretches.empty()) return;
+    const int width = DC() ? DC()->CurveColumn() : 0;
+    std::optional<zel::DeviceColumns> columns;
+    if (width > 0) columns.emplace(*DC(), *frame, width);
+    zel::FillOutline outline(*frame, start, end, columns ? &*columns : nullptr);
+    for (const zel::SeriesStretch& stretch : stretches) outline.Add(stretch);
+    outline.Close();
     color->Polygon(this, outline.x.data(), outline.y.data(), static_cast<int>(outline.x.size()));
 }
 
@@ -307,12 +340,13 @@ void Zel2PointArray::PointsChanged() {
     handedOut_ = false;
 }
 
-Zel2PointSet::Arrays Zel2PointArray::PointArrays() {
+std::vector<zel::SeriesStretch> Zel2PointArray::Stretches() {
+    const zel::SeriesValues x(xs_.data()), y(ys_.data());
     const std::size_t n = std::min(xs_.size(), ys_.size());
-    if (handedOut_ || n < zel::SeriesIndex::kLeastPoints) return {xs_.data(), ys_.data(), n, nullptr};
+    if (handedOut_ || n < zel::SeriesIndex::kLeastPoints) return {{x, y, 0, n}};
     if (!index_) index_ = std::make_unique<zel::SeriesIndex>();
-    index_->Extend(xs_.data(), ys_.data(), n);
-    return {xs_.data(), ys_.data(), n, index_.get()};
+    index_->Extend(x, y, n);
+    return {{x, y, 0, n, index_.get()}};
 }
 
 void Zel2PointArray::Append(double x, double y) {

@@ -97,22 +97,8 @@ void DrawColor::Ellipse(const CRect& rect) {
     WithoutOutline([&](CDC& dc) { dc.Ellipse(GrownByDevicePixel(rect)); });
 }
 
-void DrawColor::Ellipses(std::span<const CRect> rects) {
-    WithoutOutline([&](CDC& dc) {
-        // Where a logical unit is a device unit the pixel goes to the same sides of all.
-        CPoint ends[2] = {CPoint(0, 0), CPoint(1 << 20, 1 << 20)};
-        dc.LPtoDP(ends, 2);
-        const CSize scaled = ends[1] - ends[0];
-        const bool same = std::abs(scaled.cx) == 1 << 20 && std::abs(scaled.cy) == 1 << 20;
-        const CSize size = rects.empty() ? CSize() : rects[0].Size();
-        const CRect model = GrownByDevicePixel(CRect(CPoint(0, 0), size));
-        std::vector<CRect> grown;
-        grown.reserve(rects.size());
-        for (const CRect& rect : rects) {
-            grown.push_back(same && rect.Size() == size ? model + rect.TopLeft() : GrownByDevicePixel(rect));
-        }
-        dc.Ellipses(grown);
-    });
+void DrawColor::Ellipses(std::span<const CPoint> places, const CRect& box) {
+    WithoutOutline([&](CDC& dc) { dc.Ellipses(places, GrownByDevicePixel(box)); });
 }
 
 void DrawColor::RoundRect(const CRect& rect, const CSize& corner) {

@@ -273,37 +273,36 @@ struct AxisBlock {
 
 }  // namespace
 
-void DrawPen::LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n,
-                     const zel::SeriesIndex* index) {
-    if (n == 0) return;
-    if (!Dc()) {
-        world_ = {x[n - 1], y[n - 1]};
-        return;
+void DrawPen::LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n) {
+    const zel::SeriesStretch stretch{zel::SeriesValues(x), zel::SeriesValues(y), 0, n};
+    LineTo(frame, {&stretch, 1});
+}
+
+void DrawPen::LineTo(const WorldFrame& frame, std::span<const zel::SeriesStretch> stretches) {
+    if (Dc()) {
+        const Selected selected(*this, *Dc());
+        SeriesLine(*this, *Dc(), frame).Draw(stretches);
     }
-    const Selected selected(*this, *Dc());
-    SeriesLine(*this, *Dc(), frame, x, y, n).Draw(index);
+    for (const zel::SeriesStretch& stretch : stretches)
+        if (stretch.Size() > 0) world_ = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
 }
 
 // Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the
-// pen stands.
-void DrawPen::DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
+// pen stands. False, with nothing drawn, when that is not so for all of the lines.
+bool DrawPen::DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
                         std::size_t n) {
-    const bool joins =
-        frame.ContainsStrictly(world_.x, world_.y) && frame.ToLogical(world_.x, world_.y) == walker.Current();
+    if (!frame.ContainsStrictly(world_.x, world_.y) ||
+        !(frame.ToLogical(world_.x, world_.y) == walker.Current()))
+        return false;
     AxisBlock<kBlockPoints> xs, ys;
     xs.SetFractions(x, n, frame.xmin, frame.xmax);
     ys.SetFractions(y, n, frame.ymin, frame.ymax);
-    if (joins && xs.AllInside(n) && ys.AllInside(n)) {
-        xs.SetLogical(n, frame.lower.x, frame.upper.x);
-        ys.SetLogical(n, frame.lower.y, frame.upper.y);
-        walker.LinesTo(xs.logical.data(), ys.logical.data(), n);
-        world_ = {x[n - 1], y[n - 1]};
-        return;
-    }
-    for (std::size_t i = 0; i < n; ++i) {
-        DrawClipped(walker, frame, nullptr, x[i], y[i]);
-        world_ = {x[i], y[i]};
-    }
+    if (!xs.AllInside(n) || !ys.AllInside(n)) return false;
+    xs.SetLogical(n, frame.lower.x, frame.upper.x);
+    ys.SetLogical(n, frame.lower.y, frame.upper.y);
+    walker.LinesTo(xs.logical.data(), ys.logical.data(), n);
+    world_ = {x[n - 1], y[n - 1]};
+    return true;
 }
 
 void DrawPen::Rect(const CRect& rect) {

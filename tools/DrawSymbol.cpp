@@ -319,16 +319,12 @@ bool DrawSymbol::IsPlainDisc(Zel2* obj) {
 }
 
 void DrawSymbol::PlotOn(Zel2* obj, std::span<const CPoint> points) {
-    if (!IsPlainDisc(obj)) {
+    // A device that looks at each figure gets each, where its rectangle is rounded to.
+    if (!IsPlainDisc(obj) || !obj->DC() || obj->DC()->CurveColumn() == 0) {
         for (const CPoint& pt : points) PlotOn(obj, pt);
         return;
     }
-    const CRect box = RectAround(obj, CPoint(0, 0));
-    std::vector<CRect> boxes;
-    boxes.reserve(points.size());
-    for (const CPoint& pt : points)
-        boxes.push_back({CPoint(zel::Add(pt.x, box.left), zel::Add(pt.y, box.top)), box.Size()});
-    obj->Color(colorIndex_)->Ellipses(boxes);
+    obj->Color(colorIndex_)->Ellipses(points, RectAround(obj, CPoint(0, 0)));
 }
 
 void DrawSymbol::PlotOn(Zel2* obj, double x, double y) {

@@ -1,111 +1,198 @@
 #include "tools/SeriesLine.h"
 
-#include <array>
 #include <cmath>
 
 namespace {
 
-constexpr std::size_t kSmallBlock = 32;  // points
-constexpr std::size_t kLargeBlock = 8 * kSmallBlock;
+constexpr std::size_t kDense = 32;  // points to a column from which on their columns are searched for
 
 }  // namespace
 
-DrawPen::SeriesLine::SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame, const double* x,
-                                const double* y, std::size_t n)
-    : pen_(pen), dc_(dc), frame_(frame), x_(x), y_(y), n_(n), walker_(pen, dc) {}
-
-void DrawPen::SeriesLine::Draw(const zel::SeriesIndex* index) {
-    const int column = walker_.IsSolid() ? dc_.CurveColumn() : 0;
-    if (column > 0 && !IsStepped()) {
-        column_ = column;
-        walker_.DrawSolid();
-        dc_.BeginCurve();
-    }
-    std::size_t done = 0;
-    for (std::size_t level = index ? index->Levels() : 0; level-- > 0;) {
-        const std::size_t points = zel::SeriesIndex::PointsOf(level);
-        for (std::size_t node = done / points; node < index->Level(level).size(); ++node) {
-            DrawNode(*index, level, node);
-            done = (node + 1) * points;
-        }
-    }
-    DrawBlocks(done, n_);
-    if (column_ == 0) return;
-    walker_.FlushRun();
-    dc_.EndCurve();
+DrawPen::SeriesLine::SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame)
+    : pen_(pen),
+      dc_(dc),
+      frame_(frame),
+      walker_(pen, dc),
+      columnWidth_(walker_.IsSolid() ? dc.CurveColumn() : 0),
+      columns_(dc, frame, std::max(1, columnWidth_)) {
+    CSize unit(1, 1);
+    dc.DPtoLP(&unit);
+    const int out = std::max<LONG>(1, unit.cy);
+    beyondTop_ = frame.upper.y < frame.lower.y ? -out : out;
 }
 
-// Lines along the axes lie on whole pixels where the device can tell that they are; a stretch of steps drawn
-// as its extremes would look slanted to it.
-bool DrawPen::SeriesLine::IsStepped() const {
-    for (std::size_t i = 1; i < n_; ++i) {
-        const bool slanted = x_[i] != x_[i - 1] && y_[i] != y_[i - 1];
-        if (slanted && std::isfinite(x_[i] + y_[i]) && std::isfinite(x_[i - 1] + y_[i - 1])) return false;
-    }
-    return true;
-}
-
-void DrawPen::SeriesLine::DrawBlocks(std::size_t begin, std::size_t end) {
-    while (begin < end) {
-        const std::size_t stop = std::min(end, begin + kLargeBlock);
-        std::array<zel::SeriesSpan, kLargeBlock / kSmallBlock> spans;
-        zel::SeriesSpan all;
-        for (std::size_t at = begin, i = 0; at < stop; at += kSmallBlock, ++i) {
-            spans[i] = zel::SpanOf(x_ + at, y_ + at, std::min(kSmallBlock, stop - at));
-            all.Include(spans[i]);
-        }
-        if (!DrawWhole(all, begin, stop)) {
-            // What cannot be drawn in parts is drawn in one go.
-            std::size_t open = begin;
-            for (std::size_t at = begin, i = 0; at < stop; at += kSmallBlock, ++i) {
-                const std::size_t next = std::min(stop, at + kSmallBlock);
-                if (!IsBeyond(spans[i]) && !(column_ > 0 && IsInside(spans[i]) &&
-                                             ColumnOf(spans[i].xmin) == ColumnOf(spans[i].xmax)))
-                    continue;
-                DrawPoints(open, at);
-                DrawWhole(spans[i], at, next);
-                open = next;
-            }
-            DrawPoints(open, stop);
-        }
-        begin = stop;
-    }
-}
-
-void DrawPen::SeriesLine::DrawNode(const zel::SeriesIndex& index, std::size_t level, std::size_t node) {
-    const std::size_t points = zel::SeriesIndex::PointsOf(level);
-    const std::size_t begin = node * points;
-    if (DrawWhole(index.Level(level)[node], begin, begin + points)) return;
-    if (level == 0) {
-        DrawBlocks(begin, begin + points);
+void DrawPen::SeriesLine::Draw(std::span<const zel::SeriesStretch> stretches) {
+    if (columnWidth_ == 0) {
+        for (const zel::SeriesStretch& stretch : stretches) DrawDashed(stretch);
         return;
     }
-    for (std::size_t i = 0; i < zel::SeriesIndex::kFan; ++i)
-        DrawNode(index, level - 1, node * zel::SeriesIndex::kFan + i);
+    walker_.DrawSolid();
+    stepped_ = AreStepped(stretches);
+    if (!stepped_) dc_.BeginCurve();
+    for (const zel::SeriesStretch& stretch : stretches) DrawCurve(stretch);
+    walker_.FlushRun();
+    if (!stepped_) dc_.EndCurve();
 }
 
-// Draws the points from `begin` to before `end` if that does not take each of them.
-bool DrawPen::SeriesLine::DrawWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
-    if (IsBeyond(span)) {
-        DrawPoints(begin, begin + 1);
-        pen_.world_ = {x_[end - 1], y_[end - 1]};
-        return true;
+// Lines along the axes lie on whole pixels where a device can tell that they are: they are not handed on as a
+// curve.
+bool DrawPen::SeriesLine::AreStepped(std::span<const zel::SeriesStretch> stretches) const {
+    WorldPoint before = pen_.world_;
+    for (const zel::SeriesStretch& stretch : stretches) {
+        if (stretch.Size() == 0) continue;
+        const double x[] = {before.x, stretch.x.At(stretch.begin)};
+        const double y[] = {before.y, stretch.y.At(stretch.begin)};
+        if (!zel::IsStepped({zel::SeriesValues(x), zel::SeriesValues(y), 0, 2}) || !zel::IsStepped(stretch))
+            return false;
+        before = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
     }
-    if (column_ == 0 || !IsInside(span) || ColumnOf(span.xmin) != ColumnOf(span.xmax)) return false;
-    DrawPoints(begin, begin + 1);
-    walker_.MoveTo(frame_.ToLogical(x_[begin], y_[begin]));  // not there yet behind a gap
-    // The extremes may stand anywhere within the column.
-    const CPoint low = frame_.ToLogical(x_[begin], span.ymin);
-    walker_.LineTo(low);
-    walker_.LineTo({low.x, frame_.ToLogical(x_[begin], span.ymax).y});
-    walker_.LineTo(frame_.ToLogical(x_[end - 1], y_[end - 1]));
-    pen_.world_ = {x_[end - 1], y_[end - 1]};
     return true;
 }
 
-void DrawPen::SeriesLine::DrawPoints(std::size_t begin, std::size_t end) {
-    for (; begin < end; begin += std::min(kBlockPoints, end - begin))
-        pen_.DrawBlock(walker_, frame_, x_ + begin, y_ + begin, std::min(kBlockPoints, end - begin));
+void DrawPen::SeriesLine::DrawDashed(const zel::SeriesStretch& stretch) {
+    const auto draw = [this](const double* x, const double* y, std::size_t n) {
+        if (pen_.DrawBlock(walker_, frame_, x, y, n)) return;
+        for (std::size_t i = 0; i < n; ++i) {
+            pen_.DrawClipped(walker_, frame_, nullptr, x[i], y[i]);
+            pen_.world_ = {x[i], y[i]};
+        }
+    };
+    const auto at = [&](std::size_t i) { return WorldPoint{stretch.x.At(i), stretch.y.At(i)}; };
+    zel::WalkSeries(
+        stretch,
+        [&](const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
+            if (!IsBeyond(span)) return false;
+            const WorldPoint first = at(begin);
+            draw(&first.x, &first.y, 1);
+            pen_.world_ = at(end - 1);
+            return true;
+        },
+        [&](const zel::SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
+            draw(x, y, n);
+        });
+}
+
+void DrawPen::SeriesLine::DrawCurve(const zel::SeriesStretch& stretch) {
+    stretch_ = &stretch;
+    run_ = {};
+    zel::WalkSeries(
+        stretch,
+        [this](const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
+            return TakeWhole(span, begin, end);
+        },
+        [this](const zel::SeriesSpan& span, std::size_t begin, const double* x, const double* y,
+               std::size_t n) { TakeEach(span, begin, x, y, n); });
+    DrawRun();
+}
+
+// Takes the points from `begin` to before `end` if that does not need a look at each of them.
+bool DrawPen::SeriesLine::TakeWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
+    if (IsBeyond(span)) {
+        DrawRun();
+        LineTo(stretch_->x.At(begin), stretch_->y.At(begin));
+        pen_.world_ = {stretch_->x.At(end - 1), stretch_->y.At(end - 1)};
+        return true;
+    }
+    if (!IsInColumns(span)) return false;
+    if (!columns_.Contains(span.xmin)) {
+        DrawRun();
+        columns_.Enter(span.xmin);
+    }
+    if (!columns_.Contains(span.xmax)) return false;
+    AddToRun(begin, end, {span.ymin, span.ymax});
+    return true;
+}
+
+void DrawPen::SeriesLine::TakeEach(const zel::SeriesSpan& span, std::size_t begin, const double* x,
+                                   const double* y, std::size_t n) {
+    if (!span.sorted || !IsInColumns(span) || n < kDense * ColumnsOf(span)) {
+        DrawRun();
+        LinesTo(x, y, n);
+        return;
+    }
+    for (std::size_t i = 0; i < n;) {
+        if (!columns_.Contains(x[i])) {
+            DrawRun();
+            columns_.Enter(x[i]);
+        }
+        const double* const next =
+            std::partition_point(x + i + 1, x + n, [this](double value) { return columns_.Contains(value); });
+        const auto end = static_cast<std::size_t>(next - x);
+        AddToRun(begin + i, begin + end, zel::RangeOf(y + i, end - i));
+        i = end;
+    }
+}
+
+void DrawPen::SeriesLine::AddToRun(std::size_t begin, std::size_t end, const zel::SeriesRange& range) {
+    if (run_.begin == run_.end) {
+        run_ = {begin, end, range.low, range.high};
+        return;
+    }
+    run_.end = end;
+    run_.low = std::min(run_.low, range.low);
+    run_.high = std::max(run_.high, range.high);
+}
+
+// The first point, the extremes, which may stand anywhere within the column, and the last point, by lines
+// along the axes.
+void DrawPen::SeriesLine::DrawRun() {
+    if (run_.begin == run_.end) return;
+    const std::size_t begin = run_.begin, last = run_.end - 1;
+    const WorldPoint from{stretch_->x.At(begin), stretch_->y.At(begin)};
+    LineTo(from.x, from.y);
+    const WorldPoint to{stretch_->x.At(last), stretch_->y.At(last)};
+    pen_.world_ = to;
+    if (begin < last && run_.high > frame_.ymin && run_.low < frame_.ymax) {
+        const LONG column = frame_.ToLogical(from.x, from.y).x;
+        walker_.MoveTo({column, HeightOf(WithinBorders(from.y))});  // not there yet behind a gap
+        for (const double y : {from.y, run_.low, run_.high, to.y}) {
+            walker_.LineTo({column, HeightOf(WithinBorders(y))});
+            MarkCrossing(y);
+        }
+        if (!IsCut(to.y)) walker_.LineTo(frame_.ToLogical(to.x, to.y));
+    }
+    run_ = {};
+}
+
+void DrawPen::SeriesLine::LinesTo(const double* x, const double* y, std::size_t n) {
+    if (pen_.DrawBlock(walker_, frame_, x, y, n)) return;
+    for (std::size_t i = 0; i < n; ++i) LineTo(x[i], y[i]);
+}
+
+// A line from the last world point that is cut where it leaves the frame.
+void DrawPen::SeriesLine::LineTo(double x, double y) {
+    WorldPoint a = pen_.world_, b{x, y};
+    pen_.world_ = b;
+    if (!std::isfinite(a.x) || !std::isfinite(a.y) || !std::isfinite(x) || !std::isfinite(y)) return;
+    const double from = a.y;
+    // Farther out the crossing would drown in rounding, and nearer it would move.
+    const double far = 1e6 * (frame_.ymax - frame_.ymin);
+    for (double* end : {&a.y, &b.y}) *end = std::max(frame_.ymin - far, std::min(*end, frame_.ymax + far));
+    if (!DrawPen::Clip(a.x, a.y, b.x, b.y, frame_.xmin, frame_.ymin, frame_.xmax, frame_.ymax)) return;
+    const bool enters = IsCut(from) && SnapToBorder(a.y, from);
+    const bool leaves = IsCut(y) && SnapToBorder(b.y, y);
+    walker_.MoveTo(frame_.ToLogical(a.x, a.y));
+    if (enters) MarkCrossing(from);
+    walker_.LineTo(frame_.ToLogical(b.x, b.y));
+    if (leaves) MarkCrossing(y);
+}
+
+// Clipping leaves a height that may be off by a rounding. Lines that leave through the border and come back
+// must meet there. False when the line was not cut by the border that `original` lies beyond.
+bool DrawPen::SeriesLine::SnapToBorder(double& y, double original) const {
+    const double border = WithinBorders(original);
+    if (std::fabs(y - border) > 1e-9 * (frame_.ymax - frame_.ymin)) return false;
+    y = border;
+    return true;
+}
+
+// Where a line goes on beyond the border, one unit of the beyond is drawn. That is how a device knows that
+// the points of a column turn back there, however many of them it is told of.
+void DrawPen::SeriesLine::MarkCrossing(double y) {
+    if (!IsCut(y) || stepped_) return;
+    const CPoint border = walker_.Current();
+    walker_.LineTo({border.x, zel::Add(border.y, y >= frame_.ymax ? beyondTop_ : -beyondTop_)});
+    walker_.LineTo(border);
 }
 
 bool DrawPen::SeriesLine::IsBeyond(const zel::SeriesSpan& span) const {
@@ -113,13 +200,7 @@ bool DrawPen::SeriesLine::IsBeyond(const zel::SeriesSpan& span) const {
            span.ymin >= frame_.ymax;
 }
 
-bool DrawPen::SeriesLine::IsInside(const zel::SeriesSpan& span) const {
-    return !span.gaps && span.xmin > frame_.xmin && span.xmax < frame_.xmax && span.ymin > frame_.ymin &&
-           span.ymax < frame_.ymax;
-}
-
-int DrawPen::SeriesLine::ColumnOf(double x) const {
-    CPoint at(frame_.ToLogical(x, frame_.ymin).x, 0);
-    dc_.LPtoDP(&at, 1);
-    return at.x >= 0 ? at.x / column_ : (at.x + 1) / column_ - 1;
+std::size_t DrawPen::SeriesLine::ColumnsOf(const zel::SeriesSpan& span) const {
+    const std::int64_t low = columns_.ColumnOf(span.xmin), high = columns_.ColumnOf(span.xmax);
+    return static_cast<std::size_t>(std::abs(high - low)) + 1;
 }

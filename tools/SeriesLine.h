@@ -2,41 +2,64 @@
 #pragma once
 
 #include "tools/DashWalker.h"
+#include "tools/DeviceColumns.h"
 #include "tools/SeriesIndex.h"
 
 #include <zel/WorldFrame.h>
 
-// Draws `n` lines in graph coordinates from a pen's last world point on.
+#include <span>
+
+// Draws a stretch of points from a pen's last world point on, as LineTo from point to point would be seen.
 //
 // Stretches of points beyond one side of the frame are passed over whatever the device: no line between them
-// comes into the frame. On a device that says that lines within a column count only by their first, lowest,
-// highest and last point (GraphicsDevice::CurveColumn), stretches that stay within a column are drawn as
-// those; solid lines are then drawn without the walk of dashes, which would only cut them at every 3.2
-// metres.
+// comes into the frame. On a device for which solid lines within a column count only by their first, lowest,
+// highest and last point (GraphicsDevice::CurveColumn), points in one column are drawn as those, and lines
+// without the walk of dashes, which would only cut them at every 3.2 metres. All other lines walk every point
+// that is not beyond a side.
 class DrawPen::SeriesLine {
   public:
-    SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame, const double* x, const double* y,
-               std::size_t n);
+    SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame);
 
-    // `index` may be null.
-    void Draw(const zel::SeriesIndex* index);
+    void Draw(std::span<const zel::SeriesStretch> stretches);
 
   private:
-    bool IsStepped() const;
-    void DrawBlocks(std::size_t begin, std::size_t end);
-    void DrawNode(const zel::SeriesIndex& index, std::size_t level, std::size_t node);
-    bool DrawWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end);
-    void DrawPoints(std::size_t begin, std::size_t end);
+    void DrawDashed(const zel::SeriesStretch& stretch);
+    void DrawCurve(const zel::SeriesStretch& stretch);
+    bool AreStepped(std::span<const zel::SeriesStretch> stretches) const;
+
+    bool TakeWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end);
+    void TakeEach(const zel::SeriesSpan& span, std::size_t begin, const double* x, const double* y,
+                  std::size_t n);
+    void AddToRun(std::size_t begin, std::size_t end, const zel::SeriesRange& range);
+    void DrawRun();
+    void LineTo(double x, double y);
+    void LinesTo(const double* x, const double* y, std::size_t n);
+    void MarkCrossing(double y);
+
     bool IsBeyond(const zel::SeriesSpan& span) const;
-    bool IsInside(const zel::SeriesSpan& span) const;
-    int ColumnOf(double x) const;
+    bool IsInColumns(const zel::SeriesSpan& span) const {
+        return span.IsFinite() && span.xmin > frame_.xmin && span.xmax < frame_.xmax;
+    }
+    std::size_t ColumnsOf(const zel::SeriesSpan& span) const;
+    bool IsCut(double y) const { return y >= frame_.ymax || y <= frame_.ymin; }
+    double WithinBorders(double y) const { return std::max(frame_.ymin, std::min(y, frame_.ymax)); }
+    bool SnapToBorder(double& y, double original) const;
+    int HeightOf(double y) const { return frame_.ToLogical(frame_.xmin, y).y; }
 
     DrawPen& pen_;
     CDC& dc_;
     const WorldFrame& frame_;
-    const double* x_;
-    const double* y_;
-    std::size_t n_;
-    int column_ = 0;  // device units; 0 when each point counts
     DashWalker walker_;
+    const int columnWidth_;  // device units; 0 when each point counts
+    zel::DeviceColumns columns_;
+    int beyondTop_ = 0;  // from the upper border on, about a device unit
+    bool stepped_ = false;
+
+    const zel::SeriesStretch* stretch_ = nullptr;
+    // Points in one column that are not drawn yet; none when begin and end are equal.
+    struct Run {
+        std::size_t begin = 0, end = 0;
+        double low = 0, high = 0;
+    };
+    Run run_;
 };

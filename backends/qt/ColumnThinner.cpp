@@ -32,55 +32,21 @@ void ColumnThinner::Add(std::span<const CPoint> points, double halfWidth) {
     }
 }
 
-void ColumnThinner::End(std::vector<CPoint>& steps) {
-    steps.clear();
-    if (!open_) return;
-    FinishRun();
-    if (!slanted_) {
-        for (const Run& run : held_) {
-            steps.push_back(run.first);
-            if (run.bar) {
-                steps.emplace_back(run.first.x, run.low);
-                steps.emplace_back(run.first.x, run.high);
-                steps.emplace_back(run.first.x, run.last.y);
-            }
-            steps.push_back(run.last);
-        }
-    }
-    held_.clear();
-    open_ = slanted_ = any_ = false;
+void ColumnThinner::End() {
+    if (open_) FinishRun();
+    open_ = any_ = false;
 }
 
 void ColumnThinner::FinishRun() {
     run_.bar =
         run_.low < std::min(run_.first.y, run_.last.y) || run_.high > std::max(run_.first.y, run_.last.y);
-    if (slanted_) {
-        Draw(run_);
-        return;
+    if (any_ && !Touch(previous_, run_)) Segment(previous_.last, run_.first);
+    if (run_.bar) {
+        stroker_.AddBar(run_.column, CentreOf(run_.low), CentreOf(run_.high), half_);
+    } else if (!(run_.first == run_.last)) {
+        Segment(run_.first, run_.last);
     }
-    slanted_ = !LiesAlongAxes(run_);
-    held_.push_back(run_);
-    if (slanted_) DrawHeld();
-}
-
-bool ColumnThinner::LiesAlongAxes(const Run& run) const {
-    const auto along = [](const CPoint& a, const CPoint& b) { return a.x == b.x || a.y == b.y; };
-    return (run.bar || along(run.first, run.last)) && (held_.empty() || along(held_.back().last, run.first));
-}
-
-void ColumnThinner::DrawHeld() {
-    for (const Run& run : held_) Draw(run);
-    held_.clear();
-}
-
-void ColumnThinner::Draw(const Run& run) {
-    if (any_ && !Touch(previous_, run)) Segment(previous_.last, run.first);
-    if (run.bar) {
-        stroker_.AddBar(run.column, CentreOf(run.low), CentreOf(run.high), half_);
-    } else if (!(run.first == run.last)) {
-        Segment(run.first, run.last);
-    }
-    previous_ = run;
+    previous_ = run_;
     any_ = true;
 }
 

@@ -4,7 +4,6 @@
 #include "backends/qt/Stroker.h"
 
 #include <span>
-#include <vector>
 
 namespace zel::qt {
 
@@ -19,12 +18,13 @@ class ColumnThinner {
 
     // Adds to the line; a line goes on as long as it is not ended.
     void Add(std::span<const CPoint> points, double halfWidth);
-    // Ends the line. When all of it lay along the axes nothing was handed on, and `steps` gets the corners of
-    // the same line instead; it is left empty otherwise.
-    void End(std::vector<CPoint>& steps);
+    void End();
 
-    bool IsEmpty() const { return !open_; }
-    const CPoint& Last() const { return run_.last; }
+    // Whether a line that begins at `p` goes on from here: at the end of the line, or where a line that left
+    // the drawing comes back, in the same column at the same height.
+    bool GoesOnAt(const CPoint& p) const {
+        return !open_ || (p.y == run_.last.y && p.x >> shift_ == run_.column);
+    }
 
   private:
     struct Run {
@@ -34,9 +34,6 @@ class ColumnThinner {
     };
 
     void FinishRun();
-    void Draw(const Run& run);
-    void DrawHeld();
-    bool LiesAlongAxes(const Run& run) const;
     static bool Touch(const Run& a, const Run& b);
     double CentreOf(LONG unit) const { return (unit + 0.5) / (1 << shift_); }
     void Segment(const CPoint& a, const CPoint& b);
@@ -46,9 +43,6 @@ class ColumnThinner {
     double half_ = 0;
     bool open_ = false;
     Run run_{};
-    // While a line may still turn out to be one of steps its runs are held back.
-    bool slanted_ = false;
-    std::vector<Run> held_;
     bool any_ = false;
     Run previous_{};
 };

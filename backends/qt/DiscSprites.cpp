@@ -8,35 +8,45 @@
 
 namespace zel::qt {
 
-DiscSprites::DiscSprites(int width, int height, int shift) : width_(width), height_(height), shift_(shift) {}
+DiscSprites::DiscSprites(int width, int height, int shift)
+    : width_(width), height_(height), shift_(shift), placeShift_(std::max(0, shift - 2)) {}
 
-bool DiscSprites::Add(Stroker& stroker, const CRect& box) {
+bool DiscSprites::CanDraw(const CSize& size) const {
     const int limit = (kSide - 2) << shift_;
-    if (box.Width() < 1 || box.Height() < 1 || box.Width() > limit || box.Height() > limit) return false;
-    const auto places = std::size_t{1} << 2 * shift_;
-    if (!(box.Size() == size_) || sprites_.empty()) {
-        size_ = box.Size();
-        sprites_.assign(places, {});
-        Clear();
-    }
-    const int x = box.left >> shift_, y = box.top >> shift_;
-    const int mask = (1 << shift_) - 1;
-    const int dx = box.left & mask, dy = box.top & mask;
-    const auto place = static_cast<std::size_t>(dy << shift_ | dx);
-    if (x >= 0 && y >= 0 && x < width_ && y < height_) {
+    return size.cx >= 1 && size.cy >= 1 && size.cx <= limit && size.cy <= limit;
+}
+
+void DiscSprites::SetSize(const CSize& size) {
+    if (size == size_) return;
+    size_ = size;
+    for (Sprite& sprite : sprites_) sprite = {};
+    Clear();
+}
+
+void DiscSprites::Add(Stroker& stroker, const CPoint& corner) {
+    // In places, of which there are 2^perPixel to a side of a pixel.
+    const int perPixel = shift_ - placeShift_, mask = (1 << perPixel) - 1;
+    const int half = placeShift_ > 0 ? 1 << (placeShift_ - 1) : 0;
+    const int placeX = zel::Add(corner.x, half) >> placeShift_,
+              placeY = zel::Add(corner.y, half) >> placeShift_;
+    const int x = placeX >> perPixel, y = placeY >> perPixel;
+    if (x <= -kSide || y <= -kSide || x >= width_ || y >= height_) return;
+    const int dx = placeX & mask, dy = placeY & mask;
+    const auto place = static_cast<std::size_t>(dy << perPixel | dx);
+    if (x >= 0 && y >= 0) {
         if (drawn_.empty())
             drawn_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
-        std::uint16_t& last = drawn_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
-                                     static_cast<std::size_t>(x)];
-        if (last == place + 1) return true;
-        last = static_cast<std::uint16_t>(place + 1);
+        std::uint16_t& drawn = drawn_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                                      static_cast<std::size_t>(x)];
+        const auto bit = static_cast<std::uint16_t>(1U << place);
+        if ((drawn & bit) != 0) return;
+        drawn = static_cast<std::uint16_t>(drawn | bit);
         any_ = true;
     }
     Sprite& sprite = sprites_[place];
-    if (!sprite.made) Make(sprite, dx, dy);
+    if (!sprite.made) Make(sprite, dx << placeShift_, dy << placeShift_);
     stroker.AddRows(x, y, sprite.left.data(), sprite.rows);
     if (sprite.wide) stroker.AddRows(x + 8, y, sprite.right.data(), sprite.rows);
-    return true;
 }
 
 void DiscSprites::Clear() {

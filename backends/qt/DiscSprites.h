@@ -11,21 +11,25 @@
 
 namespace zel::qt {
 
-// Adds small ellipses to a stroker's figure. Their coverage is that of the painter, kept for each place
-// within a pixel that their corner can have. An ellipse at the place of one that the figure has already costs
-// next to nothing.
+// Adds small ellipses of one size to a stroker's figure. Their coverage is that of the painter, kept for each
+// of the places within a pixel that their corner can have: quarters of it, to the nearest of which they are
+// moved. An ellipse at the place of one that the figure has already costs next to nothing.
 class DiscSprites {
   public:
     // A pixel is 2^shift units wide; the buffer is `width` pixels wide and `height` high.
     DiscSprites(int width, int height, int shift);
 
-    // False, with nothing added, for an ellipse that is not small. Box in units, right and bottom outside.
-    bool Add(Stroker& stroker, const CRect& box);
+    // Whether ellipses in rectangles of this size, in units with right and bottom outside, are small.
+    bool CanDraw(const CSize& size) const;
+    void SetSize(const CSize& size);
+    // `corner` is the upper left one of the rectangle, in units.
+    void Add(Stroker& stroker, const CPoint& corner);
     // The figure is complete.
     void Clear();
 
   private:
-    static constexpr int kSide = 16;  // pixels: two words
+    static constexpr int kSide = 16;        // pixels: two words
+    static constexpr int kMostPlaces = 16;  // of a pixel: as many as a number of `drawn_` has bits
     struct Sprite {
         bool made = false;
         int rows = 0;
@@ -39,9 +43,10 @@ class DiscSprites {
     int width_;
     int height_;
     int shift_;
+    int placeShift_;  // a place is 2^placeShift units wide
     CSize size_;
-    std::vector<Sprite> sprites_;       // by the corner's place within its pixel
-    std::vector<std::uint16_t> drawn_;  // for each pixel, the place of its last corner and 1
+    std::array<Sprite, kMostPlaces> sprites_;
+    std::vector<std::uint16_t> drawn_;  // for each pixel, a bit for each place of it that has an ellipse
     bool any_ = false;
 };
 

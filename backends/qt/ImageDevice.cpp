@@ -22,6 +22,7 @@
 #include <cmath>
 #include <cstring>
 #include <numbers>
+#include <optional>
 #include <string>
 
 namespace zel::qt {
@@ -113,6 +114,7 @@ class ImageDevice::Impl {
 
     // Makes the clip of `state` that of painter and strokes.
     void UseClip(const GraphicsState& state) {
+        blank.reset();
         if (clipSet && state.clip == clip) return;
         FinishCurve();
         clip = state.clip;
@@ -164,24 +166,20 @@ class ImageDevice::Impl {
         if (penWidth != curveWidth || color != curveColor) FinishCurve();
         curveWidth = penWidth;
         curveColor = color;
-        if (!thinner.IsEmpty() && !(thinner.Last() == points[0])) EndLine();
+        if (!thinner.GoesOnAt(points[0])) thinner.End();
         thinner.Add({points, count}, penWidth / 2);
     }
-    void EndLine() {
-        thinner.End(steps);
-        if (!steps.empty()) DrawCrisp(steps.data(), steps.size(), curveWidth, curveColor);
-    }
     void FinishCurve() {
-        EndLine();
+        thinner.End();
         stroker.Blend({pixels.data(), width, height}, curveColor, clips);
         discs.Clear();
     }
 
-    // Adds a disc to the figure; false for one that is drawn by the painter instead.
-    bool AddDisc(const CRect& box, std::uint32_t color) {
+    // Discs of one size that follow are part of the figure.
+    void BeginDiscs(const CSize& size, std::uint32_t color) {
         if (color != curveColor) FinishCurve();
         curveColor = color;
-        return discs.Add(stroker, box);
+        discs.SetSize(size);
     }
 
     // A wide pen that goes nowhere leaves a disc: dots of a dashed line may be as short as that.
@@ -310,12 +308,12 @@ class ImageDevice::Impl {
     std::vector<std::uint32_t> pixels;
     QImage image;
     Stroker stroker;
+    std::optional<std::uint32_t> blank;  // what all pixels are, as long as nothing was drawn
     ColumnThinner thinner;
     DiscSprites discs;
-    bool inCurve = false;
+    int curves = 0;  // that have begun, one within the other
     double curveWidth = 0;
     std::uint32_t curveColor = 0;
-    std::vector<CPoint> steps;
     QPainter painter;
     std::shared_ptr<const Region> clip;
     bool clipSet = false;
@@ -346,6 +344,7 @@ const std::uint32_t* ImageDevice::Pixels() const {
 
 void ImageDevice::Clear(COLORREF color, bool opaque) {
     const std::uint32_t value = opaque ? PixelValue(color) : 0;
+    impl_->blank = value;
     // White and nothing are the same byte throughout, which the machine fills fastest.
     if (value == 0xFFFFFFFFu || value == 0) {
         std::memset(impl_->pixels.data(), static_cast<int>(value & 0xFF),
@@ -356,6 +355,7 @@ void ImageDevice::Clear(COLORREF color, bool opaque) {
 }
 
 void ImageDevice::Scroll(int dx, int dy) {
+    impl_->blank.reset();
     const int wide = impl_->width - std::abs(dx);
     const int high = impl_->height - std::abs(dy);
     if (wide <= 0 || high <= 0) return;
@@ -421,7 +421,7 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
     const double penWidth = impl.PenWidth(state);
     const std::uint32_t color = PixelValue(state.pen.lopnColor);
-    if (impl.inCurve && CurveColumn(state) > 0) {
+    if (impl.curves > 0 && solid && state.rasterMode == R2_COPYPEN) {
         impl.AddToCurve(points, count, penWidth, color);
     } else if (state.rasterMode != R2_COPYPEN || !solid) {
         impl.DrawPlain(state, points, count);
@@ -435,17 +435,17 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
 }
 
 int ImageDevice::CurveColumn(const GraphicsState& state) const {
-    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME ||
+                       state.pen.lopnStyle == PS_NULL;
     return solid && state.rasterMode == R2_COPYPEN ? impl_->sub : 0;
 }
 
 void ImageDevice::BeginCurve() {
-    impl_->inCurve = true;
+    ++impl_->curves;
 }
 
 void ImageDevice::EndCurve() {
-    impl_->inCurve = false;
-    impl_->FinishCurve();
+    if (--impl_->curves == 0) impl_->FinishCurve();
 }
 
 void ImageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points,
@@ -470,6 +470,8 @@ void ImageDevice::FillRect(const GraphicsState& state, const CRect& rect, const 
     units.NormalizeRect();
     const CRect box(impl_->PixelOf(units.left), impl_->PixelOf(units.top), impl_->PixelOf(units.right),
                     impl_->PixelOf(units.bottom));
+    const bool solid = operation == PATCOPY && brush.lbStyle == BS_SOLID;
+    if (solid && impl_->blank == PixelValue(brush.lbColor)) return;
     impl_->UseClip(state);
     CRect seen;
     if (seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height)))
@@ -503,17 +505,20 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
 }
 
 // Plain discs are symbols of series, and many.
-void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CRect> rects) {
+void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
     const bool plain =
         state.pen.lopnStyle == PS_NULL && state.rasterMode == R2_COPYPEN && state.brush.lbStyle == BS_SOLID;
-    impl_->UseClip(state);
-    for (const CRect& rect : rects) {
-        CRect box = state.map.ToDevice(rect);
-        box.NormalizeRect();
-        if (plain && impl_->AddDisc(box, PixelValue(state.brush.lbColor))) continue;
-        Ellipse(state, rect);
+    CRect units = state.map.ToDevice(box);
+    units.NormalizeRect();
+    if (!plain || !impl_->discs.CanDraw(units.Size())) {
+        GraphicsDevice::Ellipses(state, places, box);
+        return;
     }
-    if (!impl_->inCurve) impl_->FinishCurve();
+    impl_->UseClip(state);
+    impl_->BeginDiscs(units.Size(), PixelValue(state.brush.lbColor));
+    const CSize toCorner = units.TopLeft() - state.map.ToDevice(CPoint(0, 0));
+    for (const CPoint& place : places) impl_->discs.Add(impl_->stroker, state.map.ToDevice(place) + toCorner);
+    if (impl_->curves == 0) impl_->FinishCurve();
 }
 
 void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {

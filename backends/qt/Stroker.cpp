@@ -154,27 +154,42 @@ void Stroker::AddBar(int column, double low, double high, double halfWidth) {
     bottom_ = std::max(bottom_, last);
 }
 
+namespace {
+
+// Raises eight neighbouring bytes of the mask; the bytes in memory are the pixels from the left.
+void RaiseWord(std::uint8_t* at, const std::uint64_t& coverage) {
+    using Bytes = std::uint8_t __attribute__((vector_size(sizeof coverage)));
+    Bytes added, present;
+    std::memcpy(&added, &coverage, sizeof added);
+    std::memcpy(&present, at, sizeof present);
+    const Bytes larger = added > present ? added : present;
+    std::memcpy(at, &larger, sizeof larger);
+}
+
+}  // namespace
+
 void Stroker::AddRows(int x, int y, const std::uint64_t* coverage, int rows) {
     if (x <= -kWord || x >= width_) return;
     const int first = std::max(y, 0), last = std::min(y + rows, height_) - 1;
     if (first > last) return;
     const int left = std::max(x, 0), cut = left - x;
     const int shown = std::min(kWord - cut, width_ - left);
-    using Bytes = std::uint8_t __attribute__((vector_size(kWord)));
-    for (int row = first; row <= last; ++row) {
-        // The bytes in memory are the pixels from the left.
-        Bytes added{}, present;
+    std::uint8_t* at = mask_.data() + static_cast<std::ptrdiff_t>(first) * stride_ + left;
+    std::uint64_t* used = Used(first);
+    const int firstWord = left / kWord, lastWord = (left + shown - 1) / kWord;
+    const std::uint64_t firstBit = std::uint64_t{1} << firstWord % kBits;
+    const std::uint64_t lastBit = std::uint64_t{1} << lastWord % kBits;
+    for (int row = first; row <= last; ++row, at += stride_, used += usedStride_) {
         if (shown == kWord) {
-            std::memcpy(&added, coverage + (row - y), kWord);  // nearly always, and of a fixed size
+            RaiseWord(at, coverage[row - y]);
         } else {
-            std::memcpy(&added, reinterpret_cast<const std::uint8_t*>(coverage + (row - y)) + cut,
+            std::uint64_t part = 0;
+            std::memcpy(&part, reinterpret_cast<const std::uint8_t*>(coverage + (row - y)) + cut,
                         static_cast<std::size_t>(shown));
+            RaiseWord(at, part);
         }
-        std::uint8_t* const at = mask_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + left;
-        std::memcpy(&present, at, sizeof present);
-        const Bytes larger = added > present ? added : present;
-        std::memcpy(at, &larger, sizeof larger);
-        Touch(row, left, left + shown - 1);
+        used[firstWord / kBits] |= firstBit;
+        used[lastWord / kBits] |= lastBit;
     }
     top_ = std::min(top_, first);
     bottom_ = std::max(bottom_, last);

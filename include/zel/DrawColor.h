@@ -50,8 +50,9 @@ class DrawColor : public DrawTool {
     // `corner` is the width and height of the ellipse of the corners.
     void RoundRect(const CRect& rect, const CSize& corner);
     void Ellipse(const CRect& rect);
-    // Many at once, as one figure where the device can: it is not denser where they overlap.
-    void Ellipses(std::span<const CRect> rects);
+    // The ellipse in `box` moved by each of `places`, as one figure where the device can: it is not denser
+    // where they overlap.
+    void Ellipses(std::span<const CPoint> places, const CRect& box);
     void Polygon(CPoint* points, int n);
     void PolyPolygon(CPoint* points, int* counts, int nPolys);
     // Several rings in one run of points, each closed by repeating its first point; what follows the last

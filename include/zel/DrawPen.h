@@ -1,6 +1,7 @@
 // Named line tools.
 #pragma once
 
+#include <zel/SeriesPoints.h>
 #include <zel/ToolTableOf.h>
 #include <zel/WorldFrame.h>
 #include <zel/platform/GdiObjects.h>
@@ -10,11 +11,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 
 class Zel2;
-namespace zel {
-class SeriesIndex;
-}
 
 // A line style: a dash pattern and a width in tenths of a millimetre, and a screen and a printer colour.
 //
@@ -82,10 +81,10 @@ class DrawPen : public DrawTool {
     void LineTo(Zel2* obj, double x, double y);
     // `n` lines in graph coordinates at once: what LineTo(obj, x[i], y[i]) one after another would draw for
     // an object that is mapped by `frame`, at a fraction of the cost. Devices of pixels get a solid line as
-    // what can be seen of it, in one piece: it is not darker where it crosses itself. `index` tells what
-    // stretches of the points cover; it may be null.
-    void LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n,
-                const zel::SeriesIndex* index = nullptr);
+    // what can be seen of it, in one piece: it is not darker where it crosses itself.
+    void LineTo(const WorldFrame& frame, const double* x, const double* y, std::size_t n);
+    // The same for stretches of points one after another.
+    void LineTo(const WorldFrame& frame, std::span<const zel::SeriesStretch> stretches);
     // Sets the point from which the next line in graph coordinates starts, and the current point, without the
     // clipping of a line.
     void SetWorldPoint(Zel2* obj, double x, double y);
@@ -110,7 +109,7 @@ class DrawPen : public DrawTool {
     class Selected;
     class DashWalker;
     class SeriesLine;
-    static constexpr std::size_t kBlockPoints = 256;
+    static constexpr std::size_t kBlockPoints = 128;
 
     // The estimate without the limits of an int; 13/10 rounded to the nearest, halves up, as MulDiv does.
     static std::int64_t LengthOf(std::int64_t dx, std::int64_t dy) {
@@ -125,7 +124,7 @@ class DrawPen : public DrawTool {
     int LogicalInch() const;
     void DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* obj, double x, double y);
 
-    void DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
+    bool DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
                    std::size_t n);
 
     struct WorldPoint {

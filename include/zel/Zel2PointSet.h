@@ -1,6 +1,7 @@
 // Data series in graphs.
 #pragma once
 
+#include <zel/SeriesPoints.h>
 #include <zel/Zel2.h>
 #include <zel/platform/Collections.h>
 
@@ -10,9 +11,6 @@
 class DrawColor;
 class DrawPen;
 class DrawSymbol;
-namespace zel {
-class SeriesIndex;
-}
 
 // A data series: an area fill, a line and symbols through the points that a derived class supplies, mapped by
 // the graph that the series stands in (Zel2Graph::AddIn). A series without points of its own; see
@@ -92,21 +90,17 @@ class Zel2PointSet : public Zel2 {
     virtual std::vector<double>* GetYVec();
 
   protected:
-    // The points as they lie in memory, for drawing: as many as both arrays have. The default answers what
-    // GetXVec and GetYVec do, without an index.
-    struct Arrays {
-        const double* x = nullptr;
-        const double* y = nullptr;
-        std::size_t n = 0;
-        const zel::SeriesIndex* index = nullptr;
-    };
-    virtual Arrays PointArrays();
+    // The points as they lie in memory, in their order, until the set changes; none for a set that knows its
+    // points only one by one. The default answers what GetXVec and GetYVec do, without an index.
+    virtual std::vector<zel::SeriesStretch> Stretches();
 
   private:
     void PlotPointSymbols();
     // How far a symbol reaches from its point, in logical units; -1 when there are none.
     int SymbolReach();
-    void LineThroughPoints(DrawPen& pen, const WorldFrame& frame);
+    std::vector<zel::SeriesStretch> StretchesFrom(unsigned int first);
+    template <class Function>
+    void ForStretches(Function function, unsigned int first = 0);
     void CopyFields(const Zel2PointSet& other);
     // The enclosing graph's frame; null outside a graph.
     const WorldFrame* GraphFrame();
@@ -156,7 +150,7 @@ class Zel2PointArray : public Zel2PointSet {
     void PointsChanged();
 
   protected:
-    Arrays PointArrays() override;
+    std::vector<zel::SeriesStretch> Stretches() override;
 
   private:
     std::unique_ptr<zel::SeriesIndex> index_;  // null until it is needed

@@ -20,7 +20,9 @@
 #include <zel/Zel2GraphTable.h>
 #include <zel/Zel2HAxis.h>
 #include <zel/Zel2Main.h>
+#include <zel/Zel2PointRing.h>
 #include <zel/Zel2PointSet.h>
+#include <zel/Zel2PointView.h>
 #include <zel/Zel2Pol.h>
 #include <zel/Zel2Rect.h>
 #include <zel/Zel2Report.h>

@@ -28,8 +28,7 @@ LONG Map(LONG value, LONG origin, LONG numerator, LONG denominator, LONG offset)
 
 }  // namespace
 
-CPoint CoordinateMap::ToDevice(const CPoint& p) const {
-    if (IsIdentity()) return p;
+CPoint CoordinateMap::Scaled(const CPoint& p) const {
     return {Map(p.x, windowOrigin.x, viewportExtent.cx, windowExtent.cx, viewportOrigin.x),
             Map(p.y, windowOrigin.y, viewportExtent.cy, windowExtent.cy, viewportOrigin.y)};
 }

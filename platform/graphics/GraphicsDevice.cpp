@@ -159,8 +159,8 @@ COLORREF GraphicsDevice::GetPixel(const CPoint&) {
 int GraphicsDevice::CurveColumn(const GraphicsState&) const {
     return 0;
 }
-void GraphicsDevice::Ellipses(const GraphicsState& state, std::span<const CRect> rects) {
-    for (const CRect& rect : rects) Ellipse(state, rect);
+void GraphicsDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
+    for (const CPoint& place : places) Ellipse(state, box + place);
 }
 
 void GraphicsDevice::BeginCurve() {}

@@ -338,7 +338,7 @@ void CArchive::WriteObject(const CObject* object) {
         return;
     }
     const CRuntimeClass* record =
-        dialect_ == Dialect::COMPLETE ? object->GetDocumentClass() : object->GetRuntimeClass();
+        dialect_ == Dialect::COMPLETE ? object->GetDocumentClass() : object->GetArchiveClass();
     if (!record->IsSerializable()) {
         Fail(CArchiveException::badClass,
              std::string("objects of class ") + record->m_lpszClassName + " cannot be stored");

@@ -15,7 +15,7 @@ struct CoordinateMap {
     CSize viewportExtent{1, 1};
 
     bool IsIdentity() const { return windowExtent == viewportExtent && windowOrigin == viewportOrigin; }
-    CPoint ToDevice(const CPoint& logical) const;
+    CPoint ToDevice(const CPoint& logical) const { return IsIdentity() ? logical : Scaled(logical); }
     CPoint ToLogical(const CPoint& device) const;
     CRect ToDevice(const CRect& logical) const {
         return {ToDevice(logical.TopLeft()), ToDevice(logical.BottomRight())};
@@ -30,6 +30,9 @@ struct CoordinateMap {
     // scale.
     double ScaleX() const;
     double ScaleY() const;
+
+  private:
+    CPoint Scaled(const CPoint& logical) const;
 };
 
 }  // namespace zel

@@ -98,11 +98,13 @@ class CDC : public CObject {
     // Lines between BeginCurve and EndCurve with the settings of now are one figure on devices that can do
     // that. CurveColumn is the width, in device units, of the columns within which such a device looks at no
     // more than the first, lowest, highest and last of consecutive points; 0 when it looks at each.
-    // Each of the rectangles' ellipses.
-    void Ellipses(std::span<const CRect> rects) { Device().Ellipses(State(), rects); }
     int CurveColumn() const { return zel::CurveColumnOf(m_hDC); }
     void BeginCurve() { Device().BeginCurve(); }
     void EndCurve() { Device().EndCurve(); }
+    // The ellipse in `box` moved by each of `places`. Between BeginCurve and EndCurve they are one figure.
+    void Ellipses(std::span<const CPoint> places, const CRect& box) {
+        Device().Ellipses(State(), places, box);
+    }
     BOOL Polygon(const POINT* points, int count);
     // FALSE, with nothing drawn, when a piece has fewer than 2 points.
     BOOL PolyPolygon(const POINT* points, const int* counts, int polygons);

@@ -60,13 +60,13 @@ class GraphicsDevice {
     // out by pens one pixel wide, as the platform does. Fewer than 2 points draw nothing.
     virtual void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) = 0;
 
-    // The width in device units of the columns within which a solid line with the settings of `state` counts
-    // only by the first, lowest, highest and last of consecutive points; 0, the default, when every point
-    // counts. Callers may then leave out the others between BeginCurve and EndCurve, and give the lowest and
-    // highest any place within the column.
+    // The width in device units of the columns within which a solid line with the settings of `state`, or the
+    // outline of a fill, counts only by the first, lowest, highest and last of consecutive points; 0, the
+    // default, when every point counts. Callers may then leave out the others, between BeginCurve and
+    // EndCurve when it is a line, and give the lowest and highest any place within the column.
     virtual int CurveColumn(const GraphicsState& state) const;
     // All polylines, or all ellipses of Ellipses, between the two are one figure, which is not darker where
-    // it covers itself.
+    // it covers itself. Pairs may stand within pairs: then the outermost bound the figure.
     virtual void BeginCurve();
     virtual void EndCurve();
 
@@ -85,8 +85,9 @@ class GraphicsDevice {
     // `corner` is the full width and height of the ellipse of the corners.
     virtual void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner);
     virtual void Ellipse(const GraphicsState& state, const CRect& rect);
-    // Each of them with the same settings, in order.
-    virtual void Ellipses(const GraphicsState& state, std::span<const CRect> rects);
+    // The ellipse in `box` moved by each of `places`, in order. A device may move them by a part of a pixel,
+    // so that many are alike.
+    virtual void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box);
     // From the direction of `start` to that of `end`, both seen from the centre of `rect`.
     virtual void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
                      ArcKind kind);

@@ -43,9 +43,12 @@ class CObject {
     virtual void Serialize(CArchive& ar);
     virtual void AssertValid() const;
     virtual void Dump(CDumpContext& dc) const;
-    // The class under which archives of the complete dialect keep the object. Another one than
-    // GetRuntimeClass() for classes that host programs know under the record of their base.
-    virtual CRuntimeClass* GetDocumentClass() const { return GetRuntimeClass(); }
+    // The class under which archives keep the object. Another one than GetRuntimeClass() for objects that
+    // write what an object of that class would, and come back as one.
+    virtual CRuntimeClass* GetArchiveClass() const { return GetRuntimeClass(); }
+    // The same for archives of the complete dialect, where it differs for classes that host programs know
+    // under the record of their base.
+    virtual CRuntimeClass* GetDocumentClass() const { return GetArchiveClass(); }
 
     bool IsKindOf(const CRuntimeClass* record) const { return GetRuntimeClass()->IsDerivedFrom(record); }
     bool IsSerializable() const { return GetRuntimeClass()->IsSerializable(); }

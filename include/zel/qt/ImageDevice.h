@@ -52,7 +52,7 @@ class ImageDevice : public GraphicsDevice {
     void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                   DWORD operation) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
-    void Ellipses(const GraphicsState& state, std::span<const CRect> rects) override;
+    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
     CSize TextExtent(const GraphicsState& state, std::string_view text) override;
     std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,

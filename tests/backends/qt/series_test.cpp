@@ -1,5 +1,9 @@
 // Long series on images: what is left out changes no pixel.
+#include "tests/Support.h"
+
+#include <zel/platform/Archive.h>
 #include <zel/platform/DC.h>
+#include <zel/platform/File.h>
 #include <zel/qt/ImageDevice.h>
 #include <zel/zel.h>
 
@@ -8,8 +12,11 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <set>
 
 namespace {
+
+using zel::test::MessageOf;
 
 constexpr int kWidth = 120;
 constexpr int kHeight = 90;
@@ -24,9 +31,23 @@ class EveryPoint : public Zel2PointArray {
         DrawPen* pen = Pen(GetPen());
         DC()->BeginCurve();
         pen->SetWorldPoint(this, X(0), Y(0));
-        for (unsigned int i = 0; i < NPoints(); ++i)
-            pen->LineTo(this, X(static_cast<long>(i)), Y(static_cast<long>(i)));
+        for (std::size_t i = 0; i < NPoints(); ++i)
+            pen->LineTo(*EnclosingFrame(), &XValues()[i], &YValues()[i], 1);
         DC()->EndCurve();
+    }
+};
+
+// Fills the area below its points down to 0, each of which is a corner.
+class OnePolygon : public Zel2PointArray {
+  public:
+    void OnDraw() override {
+        std::vector<CPoint> points;
+        const WorldFrame& frame = *EnclosingFrame();
+        points.push_back(frame.ToLogical(XValues().front(), 0));
+        for (std::size_t i = 0; i < NPoints(); ++i)
+            points.push_back(frame.ToLogical(XValues()[i], YValues()[i]));
+        points.push_back(frame.ToLogical(XValues().back(), 0));
+        Color(GetColor())->Polygon(points.data(), static_cast<int>(points.size()));
     }
 };
 
@@ -34,19 +55,34 @@ class EveryPoint : public Zel2PointArray {
 template <class Series>
 class Plot {
   public:
-    Plot(int penWidth, zel::qt::ImageDevice::Grid grid) : image_(kWidth, kHeight, 100, 0, grid) {
+    template <class... Arguments>
+    Plot(int penWidth, zel::qt::ImageDevice::Grid grid, Arguments... arguments)
+        : image_(kWidth, kHeight, 100, 0, grid) {
         root_.SetRules(ZelRules::EXACT);
         auto* graph = new Zel2Graph;
         graph_ = graph;
         graph->SetGraphSize(CSize(kWidth * 10, kHeight * 10));
         graph->SetMargins(50, 50, 50, 50);
         root_.Add(graph);
-        series = new Series;
+        series = new Series(arguments...);
         graph->AddIn(series);
         // One dash that is longer than all lines: the walk does not cut it.
         int pattern[DrawPen::kPatternSize] = {300000000};
         series->SetPen(root_.RegisterPen("series", DrawPen::USER_DEFINED, penWidth, RGB(30, 60, 90),
                                          RGB(30, 60, 90), pattern));
+    }
+    void Fill() {
+        series->SetPen(-1);
+        series->SetSymbol(-1, true);
+        series->SetColor(root_.RegisterColor("fill", RGB(200, 30, 60), RGB(200, 30, 60)));
+    }
+    void MarkWithDiscs() {
+        series->SetPen(-1);
+        series->SetColor(-1);
+        const COLORREF red = RGB(200, 30, 60);
+        series->SetSymbol(root_.RegisterSymbol("disc", CSize(60, 60), zel::SYMBOL_CIRCLE, "", 0, red, red,
+                                               red, red, 0, "Arial", 80, 0, 0, nullptr, nullptr, 0),
+                          true);
     }
     std::vector<std::uint32_t> Picture(double x0, double x1, double y0, double y1) {
         graph_->SetCoord(x0, y0, x1, y1);
@@ -65,6 +101,44 @@ class Plot {
     Zel2Graph* graph_;
     zel::qt::ImageDevice image_;
 };
+
+using Pixels = std::vector<std::uint32_t>;
+
+// Empty when both are equal.
+std::string Differences(const Pixels& a, const Pixels& b) {
+    int count = 0, most = 0;
+    std::size_t first = a.size();
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        const int difference = std::abs(static_cast<int>(a[i] & 0xFF) - static_cast<int>(b[i] & 0xFF));
+        if (a[i] == b[i]) continue;
+        ++count;
+        most = std::max(most, difference);
+        first = std::min(first, i);
+    }
+    if (count == 0) return "";
+    return std::to_string(count) + " pixels differ, by up to " + std::to_string(most) + ", the first at " +
+           std::to_string(first % kWidth) + "," + std::to_string(first / kWidth);
+}
+
+double Darkness(const Pixels& pixels) {
+    double sum = 0;
+    for (const std::uint32_t pixel : pixels) sum += 255 - (pixel & 0xFF);
+    return sum;
+}
+
+std::unique_ptr<CObject> LoadedCopy(CObject& object, CArchive::Dialect dialect) {
+    CMemFile file;
+    {
+        CArchive ar(&file, CArchive::store);
+        ar.SetDialect(dialect);
+        ar.WriteObject(&object);
+        ar.Close();
+    }
+    file.SeekToBegin();
+    CArchive ar(&file, CArchive::load);
+    ar.SetDialect(dialect);
+    return ar.ReadNewObject(RUNTIME_CLASS(CObject));
+}
 
 struct Shape {
     const char* name;
@@ -97,6 +171,18 @@ std::vector<Shape> Shapes() {
         {"circle", slow, [](std::size_t i) { return 0.5 + 0.4 * std::cos(static_cast<double>(i) / 2000); }}};
 }
 
+// From all of the points to a few.
+std::array<double, 4> AnyZoom() {
+    static std::mt19937 random(3);
+    const auto range = [](double size) {
+        const double low = std::uniform_real_distribution<double>(-0.2, 1.2 - size)(random);
+        return std::pair{low, low + size};
+    };
+    const auto [x0, x1] = range(std::pow(10, std::uniform_real_distribution<double>(-3, 0)(random)));
+    const auto [y0, y1] = range(std::pow(10, std::uniform_real_distribution<double>(-2, 0)(random)));
+    return {x0, x1, y0, y1};
+}
+
 TEST(Series, LooksOnImagesAsIfEveryPointWereDrawn) {
     using Grid = zel::qt::ImageDevice::Grid;
     for (const auto& [width, grid] :
@@ -116,10 +202,14 @@ TEST(Series, LooksOnImagesAsIfEveryPointWereDrawn) {
             for (const auto& [x0, x1, y0, y1] : {std::array{-0.1, 1.1, -0.7, 1.3},
                                                  {0.2, 0.7, 0.1, 0.6},
                                                  {0.503, 0.5041, -0.5, 1.5},
-                                                 {0.0, 1.0, 0.0, 1.0}}) {
+                                                 {0.0, 1.0, 0.0, 1.0},
+                                                 AnyZoom(),
+                                                 AnyZoom()}) {
                 const auto expected = reference.Picture(x0, x1, y0, y1);
-                EXPECT_EQ(fast.Picture(x0, x1, y0, y1), expected) << shape.name << x0 << " width " << width;
-                EXPECT_EQ(plain.Picture(x0, x1, y0, y1), expected) << shape.name << x0 << " width " << width;
+                EXPECT_EQ(Differences(fast.Picture(x0, x1, y0, y1), expected), "")
+                    << shape.name << x0 << " width " << width;
+                EXPECT_EQ(Differences(plain.Picture(x0, x1, y0, y1), expected), "")
+                    << shape.name << x0 << " width " << width;
             }
         }
     }
@@ -163,18 +253,160 @@ TEST(Series, IsDrawnAsItIsNow) {
     expect("assigned");
 }
 
+// Draws its line as one polyline of all points.
+class OnePolyline : public Zel2PointArray {
+  public:
+    void OnDraw() override {
+        Pen(GetPen())->MoveTo(this, X(0), Y(0));
+        CSize inch(DC()->GetDeviceCaps(LOGPIXELSX), 0);
+        DC()->DPtoLP(&inch);
+        CPen pen(PS_SOLID, inch.cx * 20 / 1000, RGB(30, 60, 90));
+        CPen* const previous = DC()->SelectObject(&pen);
+        std::vector<CPoint> points;
+        for (std::size_t i = 0; i < NPoints(); ++i)
+            points.push_back(EnclosingFrame()->ToLogical(XValues()[i], YValues()[i]));
+        DC()->Polyline(points.data(), static_cast<int>(points.size()));
+        DC()->SelectObject(previous);
+    }
+};
+
 // Steps lie on whole pixels however many there are.
 TEST(Series, KeepsStepsCrisp) {
-    Plot<Zel2PointArray> plot(2, zel::qt::ImageDevice::Grid::SIXTEENTHS);
-    for (int i = 0; i < 20000; ++i) {
-        const double x = (i + 1) / 2 / 10000.0;
-        plot.series->Append(x, i / 2 % 9 == 0 ? 0.8 : 0.2);
+    const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
+    Plot<Zel2PointArray> plot(5, grid);
+    Plot<OnePolyline> reference(5, grid);
+    for (int i = 0; i < 40000; ++i) {
+        const double x = 0.001 + (i + 1) / 2 / 20100.0;
+        const double y = i / 2 % 900 < 300 ? 0.8 : 0.2 + i / 2 % 7 * 0.01;
+        plot.series->Append(x, y);
+        reference.series->Append(x, y);
     }
-    for (const std::uint32_t pixel : plot.Picture(0, 1, 0, 1)) {
-        if (pixel != 0xFFFFFFFFu && (pixel & 0xFF) > 90 && (pixel & 0xFF) < 255 &&
-            (pixel >> 16 & 0xFF) != (pixel & 0xFF))
-            FAIL() << "a blurred pixel: " << std::hex << pixel;
+    EXPECT_EQ(Differences(plot.Picture(0, 1, 0, 1), reference.Picture(0, 1, 0, 1)), "");
+}
+
+// Fills and symbols with an index are those without.
+TEST(Series, HasTheSameFillAndSymbolsWithAnIndex) {
+    const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
+    Plot<Zel2PointArray> fast(2, grid), plain(2, grid), whole(2, grid);
+    for (const Shape& shape : Shapes()) {
+        if (!std::set<std::string>{"walk", "gaps", "circle"}.contains(shape.name)) continue;
+        for (const bool filled : {true, false}) {
+            std::vector<double> x, y;
+            for (std::size_t i = 0; i < kMany; ++i) {
+                x.push_back(shape.x(i));
+                y.push_back(shape.y(i));
+            }
+            for (auto* plot : {&fast, &plain}) {
+                if (filled) {
+                    plot->Fill();
+                } else {
+                    plot->MarkWithDiscs();
+                }
+                plot->series->SetPoints(x, y);
+            }
+            plain.series->GetXVec();
+            for (const unsigned int end : {0U, 7U}) {
+                if (end > 0 && !filled) break;
+                for (auto* plot : {&fast, &plain}) plot->series->SetExtension(end, 8 - end);
+                const auto [x0, x1, y0, y1] = AnyZoom();
+                EXPECT_EQ(Differences(fast.Picture(x0, x1, y0, y1), plain.Picture(x0, x1, y0, y1)), "")
+                    << shape.name << " filled " << filled << " extension " << end;
+            }
+        }
     }
+}
+
+// A fill of many points, which is thinned, looks like one with each of them.
+TEST(Series, FillsAsIfEachPointWereACorner) {
+    const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
+    Plot<Zel2PointArray> plot(2, grid);
+    Plot<OnePolygon> reference(2, grid);
+    for (std::size_t i = 0; i < kMany; ++i) {
+        const double x = static_cast<double>(i) / kMany;
+        const double y = 0.5 + 0.3 * std::sin(x * 9) + (i % 2 == 0 ? 0.02 : -0.02);
+        plot.series->Append(x, y);
+        reference.series->Append(x, y);
+    }
+    plot.Fill();
+    reference.Fill();
+    plot.series->SetExtension(Zel2PointSet::BOTTOM, Zel2PointSet::BOTTOM);
+    const auto a = plot.Picture(0, 1, 0, 1), b = reference.Picture(0, 1, 0, 1);
+    for (std::size_t i = 0; i < a.size(); ++i)
+        EXPECT_NEAR(a[i] & 0xFF, b[i] & 0xFF, 110) << i % kWidth << "," << i / kWidth;
+    EXPECT_NEAR(Darkness(a), Darkness(b), 0.002 * Darkness(b));
+}
+
+// Wherever the points lie and however they came there.
+TEST(Series, LooksTheSameFromEverySource) {
+    const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
+    Plot<Zel2PointArray> plot(2, grid);
+    Plot<Zel2PointView> view(2, grid);
+    Plot<Zel2PointRing> ring(2, grid, std::size_t{kMany});
+    struct Sample {
+        float y;
+        std::int16_t x;
+        char other[3];
+    };
+    std::vector<Sample> samples;
+    std::vector<double> x, y;
+    std::mt19937 random(5);
+    const auto show = [&](const char* what) {
+        view.series->SetPoints(zel::SeriesValues(&samples[0].x, sizeof(Sample)),
+                               zel::SeriesValues(&samples[0].y, sizeof(Sample)), samples.size());
+        plot.series->SetPoints(x, y);
+        const auto expected = plot.Picture(-100, 32000, -3, 3);
+        EXPECT_EQ(Differences(view.Picture(-100, 32000, -3, 3), expected), "") << what;
+        EXPECT_EQ(Differences(ring.Picture(-100, 32000, -3, 3), expected), "") << what;
+    };
+    for (const std::size_t more : {9000UL, 9000UL, 1999UL, 1UL, 1UL, 700UL, 12345UL, 20001UL, 3UL, 60000UL}) {
+        for (std::size_t i = 0; i < more; ++i) {
+            const auto time = static_cast<std::int16_t>(samples.empty() ? 0 : (samples.back().x + 1) % 31000);
+            samples.push_back({std::normal_distribution<float>(0, 1)(random), time, {}});
+            x.push_back(time);
+            y.push_back(static_cast<double>(samples.back().y));
+            ring.series->Append(x.back(), y.back());
+        }
+        const auto surplus = static_cast<std::ptrdiff_t>(x.size() - std::min(x.size(), kMany));
+        samples.erase(samples.begin(), samples.begin() + surplus);
+        x.erase(x.begin(), x.begin() + surplus);
+        y.erase(y.begin(), y.begin() + surplus);
+        show(("after " + std::to_string(more)).c_str());
+    }
+    ASSERT_EQ(ring.series->NPoints(), kMany);
+    EXPECT_EQ(ring.series->X(0), x[0]);
+    EXPECT_EQ(ring.series->Y(kMany - 1), y.back());
+    for (Zel2PointSet* set :
+         {static_cast<Zel2PointSet*>(ring.series), static_cast<Zel2PointSet*>(view.series)}) {
+        for (const auto dialect : {CArchive::Dialect::CLASSIC, CArchive::Dialect::COMPLETE}) {
+            std::unique_ptr<CObject> stored;
+            EXPECT_EQ(MessageOf<CArchiveException>([&] { stored = LoadedCopy(*set, dialect); }), "");
+            auto* points = dynamic_cast<Zel2PointArray*>(stored.get());
+            ASSERT_TRUE(points);
+            EXPECT_EQ(points->XValues(), x);
+            EXPECT_EQ(points->YValues(), y);
+        }
+    }
+    EXPECT_NE(MessageOf<CInvalidArgException>([] { const Zel2PointRing none(0); }), "");
+}
+
+// So many points that their index is made by several threads.
+TEST(Series, DrawsMillionsOfPoints) {
+    const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
+    Plot<Zel2PointArray> fast(2, grid), plain(2, grid);
+    const std::size_t n = 4'500'001;
+    std::vector<double> x(n), y(n);
+    std::uint32_t random = 1;
+    for (std::size_t i = 0; i < n; ++i) {
+        random = random * 1664525 + 1013904223;
+        x[i] = static_cast<double>(i) / static_cast<double>(n);
+        y[i] = static_cast<double>(random) / 4294967296.0 * (i == n / 3 ? 9 : 1);
+    }
+    fast.series->SetPoints(x, y);
+    plain.series->SetPoints(std::move(x), std::move(y));
+    plain.series->GetXVec();
+    for (const auto& [x0, x1, y0, y1] :
+         {std::array{-0.1, 1.1, -0.1, 9.3}, {0.2, 0.5, 0.3, 0.4}, {0.33, 0.334, 0.0, 9.0}})
+        EXPECT_EQ(Differences(fast.Picture(x0, x1, y0, y1), plain.Picture(x0, x1, y0, y1)), "") << x0;
 }
 
 // A disc from the store of ready ones is the painter's, wherever it lies; the same one again changes nothing.
@@ -183,8 +415,12 @@ TEST(Series, DrawsDiscsAsThePainterDoes) {
     for (const auto grid : {ImageDevice::Grid::SIXTEENTHS, ImageDevice::Grid::PIXELS}) {
         const int pixel = grid == ImageDevice::Grid::PIXELS ? 1 : ImageDevice::kSubPixels;
         for (int i = -3; i < 40; ++i) {
-            const CRect box(CPoint(i * 37 * pixel / 16, i * 31 * pixel / 16), CSize(9 * pixel, 7 * pixel));
-            const CRect boxes[] = {box, box, box};
+            // Quarters of a pixel, in whose place discs are.
+            const auto quarters = [=](int n) {
+                return n * pixel >= 0 ? n * pixel / 4 : -(-n * pixel + 3) / 4;
+            };
+            const CRect box(CPoint(quarters(i * 9), quarters(i * 7)), CSize(9 * pixel, 7 * pixel));
+            const CPoint places[] = {CPoint(2 * pixel, 0), CPoint(2 * pixel, 0), CPoint(2 * pixel, 0)};
             ImageDevice one(kWidth, kHeight, 100, 0, grid), many(kWidth, kHeight, 100, 0, grid);
             CBrush brush(RGB(200, 30, 60));
             for (ImageDevice* image : {&one, &many}) {
@@ -195,7 +431,7 @@ TEST(Series, DrawsDiscsAsThePainterDoes) {
                 if (image == &one) {
                     dc.Ellipse(&box);
                 } else {
-                    dc.Ellipses(boxes);
+                    dc.Ellipses(places, box - places[0]);
                 }
                 dc.SelectObject(previous);
             }

@@ -1,0 +1,66 @@
+#include "graphs/SeriesHit.h"
+
+#include "tools/SeriesIndex.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+namespace zel {
+namespace {
+
+// How far the place from which all is counted is from a line.
+template <class Place>
+double DistanceOf(const Place& a, const Place& b) {
+    const double dx = b.x - a.x, dy = b.y - a.y;
+    const double length = dx * dx + dy * dy;
+    const double nearest = length > 0 ? std::clamp(-(a.x * dx + a.y * dy) / length, 0.0, 1.0) : 0.0;
+    return std::hypot(a.x + nearest * dx, a.y + nearest * dy);
+}
+
+}  // namespace
+
+SeriesHit::Place SeriesHit::FromHere(double x, double y) const {
+    const double width = static_cast<double>(frame_.upper.x) - frame_.lower.x;
+    const double height = static_cast<double>(frame_.upper.y) - frame_.lower.y;
+    return {frame_.lower.x + (x - frame_.xmin) / (frame_.xmax - frame_.xmin) * width - at_.cx,
+            frame_.lower.y + (y - frame_.ymin) / (frame_.ymax - frame_.ymin) * height - at_.cy};
+}
+
+bool SeriesHit::Test(const SeriesStretch& stretch) {
+    const double reach = std::max(symbols_, 0) + reach_;
+    bool hit = false;
+    // What is far from the place is passed over; the line to it and the line from it are looked at.
+    const auto pass = [&](const SeriesSpan& span, std::size_t begin, std::size_t end) {
+        if (hit) return true;
+        if (!span.IsFinite()) return false;
+        const Place low = FromHere(span.xmin, span.ymin), high = FromHere(span.xmax, span.ymax);
+        const bool beside = std::min(low.x, high.x) > reach || std::max(low.x, high.x) < -reach ||
+                            std::min(low.y, high.y) > reach || std::max(low.y, high.y) < -reach;
+        if (!beside) return false;
+        hit = TestPoint(stretch.x.At(begin), stretch.y.At(begin));
+        last_ = FromHere(stretch.x.At(end - 1), stretch.y.At(end - 1));
+        return true;
+    };
+    WalkSeries(stretch, pass,
+               [&](const SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
+                   for (std::size_t i = 0; i < n && !hit; ++i) hit = TestPoint(x[i], y[i]);
+               });
+    return hit;
+}
+
+bool SeriesHit::TestPoint(double x, double y) {
+    if (!std::isfinite(x) || !std::isfinite(y)) {
+        joined_ = false;
+        return false;
+    }
+    const Place here = FromHere(x, y);
+    const bool onSymbol =
+        symbols_ >= 0 && std::max(std::fabs(here.x), std::fabs(here.y)) <= symbols_ + reach_;
+    const bool onLine = line_ && joined_ && DistanceOf(last_, here) <= reach_;
+    last_ = here;
+    joined_ = true;
+    return onSymbol || onLine;
+}
+
+}  // namespace zel
