@@ -38,7 +38,7 @@ class RandomDrawing {
         for (int i = 0; i < 1 + Below(4); ++i) AddTo(set, depth);
     }
     void AddTo(Zel2Set& set, int depth) {
-        switch (Below(depth > 0 ? 15 : 8)) {
+        switch (Below(depth > 0 ? 17 : 8)) {
             case 0:
                 set.Add(nullptr);
                 break;
