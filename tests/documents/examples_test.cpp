@@ -1,7 +1,7 @@
 // Every example comes back from its document, and from its classic archive as far as that promises it.
+#include "Examples.h"
+
 #include "Archives.h"
-#include "Support.h"
-#include "examples/gallery.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ class Examples : public testing::TestWithParam<Example> {
   protected:
     const zel::test::TemporaryFolder folder;
     const std::string first = folder / "first.zel", second = folder / "second.zel";
-    const std::unique_ptr<Zel2Main> drawing = GetParam().make(ZEL_DATA);
+    const std::unique_ptr<Zel2Main> drawing = zel::test::MakeExample(GetParam(), ZEL_DATA);
 };
 
 TEST_P(Examples, DrawTheSameFromTheirDocuments) {

@@ -1,11 +1,10 @@
 // The page that describes the formats, against the bytes: a reader that knows nothing but the page reads what
 // the library writes, and both must see the same.
 #include "Archives.h"
+#include "Examples.h"
 #include "KnownDrawing.h"
 #include "RandomDrawing.h"
-#include "Support.h"
 #include "apps/zel/Dump.h"
-#include "examples/gallery.h"
 
 #include <gmock/gmock.h>
 
@@ -77,7 +76,8 @@ TEST_F(Format, HoldsForEveryVersion) {
 }
 
 TEST_F(Format, HoldsForEveryExample) {
-    for (const Example& example : AllExamples()) Write(*example.make(ZEL_DATA), example.name);
+    for (const Example& example : AllExamples())
+        Write(*zel::test::MakeExample(example, ZEL_DATA), example.name);
     const auto smallest =
         zel::test::RunProgram("cd " + (folder / ".") + " && QT_QPA_PLATFORM=offscreen " ZEL_SMALLEST);
     ASSERT_EQ(smallest.code, 0) << smallest.text;
