@@ -29,7 +29,8 @@ if(ZEL_SANITIZE)
 endif()
 if(ZEL_FUZZ)
   # The fuzzer is led by what the libraries execute, so they have to tell it.
-  target_compile_options(zel_settings INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_options(zel_settings INTERFACE -fsanitize=fuzzer-no-link
+    -fsanitize=float-cast-overflow -fno-sanitize-recover=float-cast-overflow)
   target_link_options(zel_settings INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
