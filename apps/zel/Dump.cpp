@@ -2,14 +2,18 @@
 
 #include <zel/ZelDocument.h>
 #include <zel/platform/Archive.h>
+#include <zel/platform/Exception.h>
 
 #include <algorithm>
 #include <cstdio>
+#include <fstream>
 #include <iomanip>
 #include <string>
 
 namespace zel::cli {
 namespace {
+
+constexpr int kDocumentBegin = 0x89;  // no archive of a drawing begins so
 
 // One line, whatever stands in the text.
 std::string Quoted(const std::string& text) {
@@ -68,9 +72,23 @@ class Dump : public ArchiveTrace {
     std::size_t depth_ = 0;
 };
 
+// What is wrong with a document's header or checksums does not keep us from looking at its content.
+void PrintHeader(const char* path, std::ostream& out) {
+    if (std::ifstream(path, std::ios::binary).get() != kDocumentBegin) return;
+    try {
+        const DocumentFacts facts = CheckDocument(path);
+        out << "document of version " << facts.version << ", "
+            << (facts.rules == ZelRules::EXACT ? "exact" : "classic") << " rules, " << facts.contentLength
+            << " bytes of content, checksums right\n";
+    } catch (CArchiveException* e) {
+        out << TakeMessage(e) << "\n";
+    }
+}
+
 }  // namespace
 
 void PrintDump(const char* path, std::ostream& out) {
+    PrintHeader(path, out);
     Dump trace(out);
     TraceDrawing(path, trace);
 }

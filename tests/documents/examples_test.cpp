@@ -38,8 +38,8 @@ TEST_P(Examples, SettleInClassicArchives) {
     EXPECT_EQ(Drawn(*loaded), Drawn(*FromClassicBytes(once)));
 }
 
-INSTANTIATE_TEST_SUITE_P(All, Examples, testing::ValuesIn(AllExamples()), [](const auto& info) {
-    std::string name = info.param.name;
+INSTANTIATE_TEST_SUITE_P(All, Examples, testing::ValuesIn(AllExamples()), [](const auto& example) {
+    std::string name = example.param.name;
     std::erase(name, '-');
     return name;
 });

@@ -7,6 +7,7 @@
 #include "apps/zel/Dump.h"
 
 #include <gmock/gmock.h>
+#include <sstream>
 
 namespace {
 
@@ -122,6 +123,35 @@ TEST_F(Format, IsFoundOutWhenItIsWrong) {
     EXPECT_THAT(complaintAbout("  origin          point", "  origin          double"),
                 testing::HasSubstr("read another size"));
     EXPECT_THAT(complaintAbout("- auxiliaryXAgain doubles\n", ""), testing::HasSubstr("known.arc"));
+}
+
+// A broken document is shown as far as it can be read, beginning with what is wrong.
+TEST_F(Format, IsShownOfBrokenDocuments) {
+    Zel2Main drawing;
+    drawing.Add(new Zel2Rect);
+    zel::SaveDocument(drawing, (folder / "a.zel").c_str());
+    const std::string whole = Content(folder / "a.zel");
+    const auto shown = [&](const std::string& bytes) {
+        WriteBytes(bytes, "broken.zel");
+        std::ostringstream out;
+        try {
+            zel::cli::PrintDump((folder / "broken.zel").c_str(), out);
+        } catch (CArchiveException* e) {
+            out << zel::TakeMessage(e);
+        }
+        return out.str();
+    };
+    EXPECT_THAT(shown(whole), testing::StartsWith("document of version 1, classic rules, "));
+    std::string wrong = whole;
+    wrong[whole.size() - 1] = 1;
+    EXPECT_THAT(shown(wrong),
+                testing::AllOf(testing::HasSubstr("the checksum differs"), testing::HasSubstr("Zel2Rect")));
+    wrong = whole;
+    wrong[8] = 7;
+    EXPECT_THAT(shown(wrong),
+                testing::AllOf(testing::HasSubstr("version 7"), testing::HasSubstr("Zel2Rect")));
+    EXPECT_THAT(shown(whole.substr(0, whole.size() - 50)),
+                testing::AllOf(testing::HasSubstr("bytes of content, and"), testing::HasSubstr("Zel2Rect")));
 }
 
 TEST_F(Format, IsNotThatOfADamagedFile) {

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <set>
+#include <zlib.h>
 
 namespace {
 
@@ -110,6 +111,16 @@ TEST(Document, RefusesEveryDamage) {
     newer[8] = 99;
     EXPECT_THAT(messageOf(newer),
                 testing::AllOf(testing::HasSubstr("version 99"), testing::HasSubstr("version 1")));
+    // With right checksums, but values that no version knows.
+    for (const std::size_t at : {std::size_t{8}, std::size_t{12}, std::size_t{28}}) {
+        std::string strange = whole;
+        strange[at] = at == 8 ? 0 : 2;
+        const auto sum = crc32_z(0, reinterpret_cast<const Bytef*>(strange.data()), 36);
+        for (std::size_t i = 0; i < 4; ++i) strange[36 + i] = static_cast<char>(sum >> 8 * i);
+        EXPECT_THAT(messageOf(strange), testing::AnyOf(testing::HasSubstr("there is no format version"),
+                                                       testing::HasSubstr("dialect 2")))
+            << at;
+    }
     EXPECT_THAT(MessageOf<CFileException>([&] { zel::LoadDocument("/no/such.zel"); }),
                 testing::HasSubstr("/no/such.zel"));
 }
