@@ -27,6 +27,12 @@ if(ZEL_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
   target_link_options(zel_settings INTERFACE -fsanitize=address,undefined)
 endif()
+if(ZEL_FUZZ)
+  # The fuzzer is led by what the libraries execute, so they have to tell it.
+  target_compile_options(zel_settings INTERFACE -fsanitize=fuzzer-no-link
+    -fsanitize=float-cast-overflow -fno-sanitize-recover=float-cast-overflow)
+  target_link_options(zel_settings INTERFACE -fsanitize=fuzzer-no-link)
+endif()
 
 # zel_add_library(<component> <output name>): target zel_<component> with the alias zel::<component>.
 # Folders add their files with target_sources().

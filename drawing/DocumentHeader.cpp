@@ -10,6 +10,7 @@ namespace zel {
 namespace {
 
 constexpr std::uint8_t kMagic[8] = {0x89, 'Z', 'E', 'L', '\r', '\n', 0x1A, '\n'};
+constexpr std::size_t kRulesAt = 12;
 constexpr std::size_t kDialectAt = 28;
 constexpr std::size_t kChecksumAt = 36;
 constexpr std::uint32_t kCompleteDialect = 0;
@@ -40,7 +41,7 @@ DocumentHeader::Bytes DocumentHeader::Encode() const {
     Bytes bytes{};
     std::memcpy(bytes.data(), kMagic, sizeof kMagic);
     Put<std::uint32_t>(bytes, 8, kDocumentVersion);
-    Put<std::uint32_t>(bytes, 12, rules == ZelRules::EXACT ? 1 : 0);
+    Put<std::uint32_t>(bytes, kRulesAt, rules == ZelRules::EXACT ? 1 : 0);
     Put<std::uint64_t>(bytes, 16, contentLength);
     Put<std::uint32_t>(bytes, 24, contentChecksum);
     Put<std::uint32_t>(bytes, kDialectAt, kCompleteDialect);
@@ -66,8 +67,15 @@ DocumentHeader DocumentHeader::Decode(const Bytes& bytes, const std::string& sou
                "its content is in dialect " + std::to_string(dialect) + ", and documents are in dialect " +
                    std::to_string(kCompleteDialect));
     }
+    const auto rules = Take<std::uint32_t>(bytes, kRulesAt);
+    if (version == 0 || rules > 1) {
+        Refuse(CArchiveException::badSchema, source,
+               "there is no format version " + std::to_string(version) + " with rule set " +
+                   std::to_string(rules));
+    }
     DocumentHeader header;
-    header.rules = Take<std::uint32_t>(bytes, 12) == 1 ? ZelRules::EXACT : ZelRules::CLASSIC;
+    header.version = version;
+    header.rules = rules == 1 ? ZelRules::EXACT : ZelRules::CLASSIC;
     header.contentLength = Take<std::uint64_t>(bytes, 16);
     header.contentChecksum = Take<std::uint32_t>(bytes, 24);
     return header;

@@ -11,7 +11,7 @@ namespace zel {
 
 // 40 bytes, all integers little endian:
 //   0  8  magic number: 0x89 "ZEL" CR LF 0x1A LF, which a transfer as text or to 7 bits spoils visibly
-//   8  4  format version
+//   8  4  format version, from 1
 //  12  4  rule set: 0 classic, 1 exact
 //  16  8  length of the content that follows the header, in bytes
 //  24  4  CRC-32 of the content
@@ -22,6 +22,7 @@ struct DocumentHeader {
     static constexpr std::size_t kSize = 40;
     using Bytes = std::array<std::uint8_t, kSize>;
 
+    std::uint32_t version = 0;  // as read
     ZelRules rules = ZelRules::CLASSIC;
     std::uint64_t contentLength = 0;
     std::uint32_t contentChecksum = 0;

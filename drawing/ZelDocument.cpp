@@ -134,6 +134,13 @@ std::unique_ptr<Zel2Main> LoadDocument(const void* bytes, std::size_t size, cons
     return Load(file, name);
 }
 
+DocumentFacts CheckDocument(const char* path) {
+    CFile file(path, CFile::modeRead);
+    const DocumentHeader header = ReadHeader(file, path);
+    CheckContent(file, header, path);
+    return {static_cast<int>(header.version), header.rules, header.contentLength};
+}
+
 void TraceDrawing(const char* path, ArchiveTrace& trace) {
     CFile file(path, CFile::modeRead);
     std::uint8_t first[2] = {};

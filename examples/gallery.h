@@ -7,6 +7,19 @@
 #include <string>
 #include <vector>
 
+struct Example {
+    std::string name;
+    std::unique_ptr<Zel2Main> (*make)(const std::string& folder);
+};
+
+// The drawings of the gallery; the pictures that the documentation shows; these, those and the report.
+std::vector<Example> GalleryExamples();
+std::vector<Example> DocumentationPictures();
+std::vector<Example> AllExamples();
+
+// A column of a CSV file; dates become decimal years.
+std::vector<double> ReadColumn(const std::string& path, const std::string& name);
+
 std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeCo2(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder);
@@ -15,11 +28,5 @@ std::unique_ptr<Zel2Main> MakeStyles(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeTexts(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeDatabase(const std::string& folder);
 
-// A column of a CSV file; dates become decimal years.
 // A report of many pages in `drawing`, which owns it.
 Zel2Report& MakeWeatherReport(Zel2Main& drawing, const std::string& folder);
-
-// The pictures that the documentation shows, as PNG files.
-void DrawPictures(const std::string& folder);
-
-std::vector<double> ReadColumn(const std::string& path, const std::string& name);

@@ -36,11 +36,7 @@ class Picture {
         gap->SetSize(CSize(width, height));
         return gap;
     }
-    void Write(const std::string& path) {
-        zel::ExportOptions options;
-        options.dotsPerInch = 80;
-        zel::Export(*root_, path.c_str(), options);
-    }
+    std::unique_ptr<Zel2Main> Take() { return std::move(root_); }
 
   private:
     std::unique_ptr<Zel2Main> root_ = std::make_unique<Zel2Main>();
@@ -48,7 +44,7 @@ class Picture {
     int fills_[3];
 };
 
-void DrawContainers(const std::string& path) {
+std::unique_ptr<Zel2Main> MakeContainers(const std::string&) {
     Picture picture(ZelRules::EXACT);
     auto* all = new Zel2Row(0);
     picture.AddWithMargin(all);
@@ -71,10 +67,11 @@ void DrawContainers(const std::string& path) {
     table->SetCell(0, 2, picture.Box("(0, 2)", 800, 300, 2), 1, 1);
     all->Add(table);
     all->Add(Picture::Gap(20, 1370));
-    picture.Write(path);
+    return picture.Take();
 }
 
-void DrawStack(ZelRules rules, const std::string& path) {
+template <ZelRules rules>
+std::unique_ptr<Zel2Main> MakeStack(const std::string&) {
     Picture picture(rules);
     auto* stack = new Zel2StackGraph(CRect(0, 0, 4499, 3199), -1, -1);
     picture.Root().Add(stack);
@@ -93,12 +90,11 @@ void DrawStack(ZelRules rules, const std::string& path) {
         cs->VAxis()->SetFit(false);
         stack->AddSubGraph(cs, weight);
     }
-    // With classic rules the second draw is the one that shows what was meant.
-    picture.Write(path);
-    picture.Write(path);
+    return picture.Take();
 }
 
-void DrawPages(ZelRules rules, const std::string& path) {
+template <ZelRules rules>
+std::unique_ptr<Zel2Main> MakePages(const std::string&) {
     Picture picture(rules);
     auto* pages = new Zel2Row(0);
     picture.AddWithMargin(pages);
@@ -114,15 +110,15 @@ void DrawPages(ZelRules rules, const std::string& path) {
         column = rest;
     }
     pages->Add(Picture::Gap(20, rules == ZelRules::CLASSIC ? 2620 : 1220));
-    picture.Write(path);
+    return picture.Take();
 }
 
 }  // namespace
 
-void DrawPictures(const std::string& folder) {
-    DrawContainers(folder + "/containers.png");
-    DrawStack(ZelRules::CLASSIC, folder + "/stack-classic.png");
-    DrawStack(ZelRules::EXACT, folder + "/stack-exact.png");
-    DrawPages(ZelRules::CLASSIC, folder + "/pages-classic.png");
-    DrawPages(ZelRules::EXACT, folder + "/pages-exact.png");
+std::vector<Example> DocumentationPictures() {
+    return {{"containers", MakeContainers},
+            {"stack-classic", MakeStack<ZelRules::CLASSIC>},
+            {"stack-exact", MakeStack<ZelRules::EXACT>},
+            {"pages-classic", MakePages<ZelRules::CLASSIC>},
+            {"pages-exact", MakePages<ZelRules::EXACT>}};
 }

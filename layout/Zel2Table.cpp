@@ -250,7 +250,8 @@ void Zel2Table::Serialize(CArchive& ar) {
     if (ar.IsLoading()) {
         DeleteChildren();
         Clear();
-        if (nx < 0 || ny < 0 || (ny == 0 && nx > kFewColumns)) ThrowNoTable(nx, ny);
+        if (nx < 0 || ny < 0) ThrowNoTable(nx, ny);
+        if (ny == 0) nx = std::min(nx, kFewColumns);
         ar.CheckCount(std::int64_t{nx} * ny, 2 * sizeof(int));
         ShapeSpans(static_cast<unsigned>(nx), static_cast<unsigned>(ny));
     }

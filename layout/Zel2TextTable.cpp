@@ -11,7 +11,7 @@ IMPLEMENT_SERIAL(Zel2TextTable, Zel2Set, 0)
 
 namespace {
 
-constexpr int kFewColumns = 1024;
+constexpr int kFewLines = 1024;
 constexpr std::size_t kMostText = 5000;  // bytes of a formatted text, its end included
 
 // The sums of `sizes`, beginning with 0.
@@ -215,8 +215,9 @@ void Zel2TextTable::ExchangeTexts(CArchive& ar) {
         nCols_ = std::max(nCols_, 0);
         nRows_ = std::max(nRows_, 0);
         ar.CheckCount(std::int64_t{nCols_} * nRows_, 1);
-        // Columns without cells have no bytes behind them: a few are believed.
-        if (nRows_ == 0) nCols_ = std::min(nCols_, kFewColumns);
+        // Columns or rows without cells have no bytes behind them: a few are believed.
+        if (nRows_ == 0) nCols_ = std::min(nCols_, kFewLines);
+        if (nCols_ == 0) nRows_ = std::min(nRows_, kFewLines);
         texts_.clear();
         texts_.resize(static_cast<std::size_t>(nCols_));
         for (Column& column : texts_) column.resize(static_cast<std::size_t>(nRows_));

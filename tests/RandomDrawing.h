@@ -27,6 +27,12 @@ class RandomDrawing {
                                  static_cast<zel::SymbolKind>(1 + Below(15)), Below(2) ? "x" : "", 1, 0, 0, 0,
                                  0, Below(2), "Arial", 70, 0, 0, nullptr, nullptr, 0);
         }
+        int pattern[20] = {1 + Below(60), 1 + Below(60), Below(9)};
+        root->RegisterPen("pattern", DrawPen::USER_DEFINED, Below(9), 0, 0, pattern);
+        int xs[] = {0, Below(50), Below(90)}, ys[] = {0, Below(90), 9};
+        root->RegisterSymbol("outline", CSize(40, 40), zel::SYMBOL_CUSTOM, "", 1, 0, 0, 0, 0, 1, "Arial", 70,
+                             0, 0, xs, ys, 3);
+        if (Below(4) == 0) root->Map()->SetAbsoluteZoom(1 + Below(4), 1 + Below(4));
         Fill(*root, 3);
         return root;
     }
@@ -35,10 +41,10 @@ class RandomDrawing {
     int Below(int n) { return static_cast<int>(random_() % static_cast<unsigned>(n)); }
     CRect Box() { return {Below(3000), Below(3000), Below(3000), Below(3000)}; }
     void Fill(Zel2Set& set, int depth) {
-        for (int i = 0; i < 1 + Below(4); ++i) AddTo(set, depth);
+        for (int left = 1 + Below(5); left > 0; --left) AddTo(set, depth);
     }
     void AddTo(Zel2Set& set, int depth) {
-        switch (Below(depth > 0 ? 15 : 8)) {
+        switch (Below(depth > 0 ? 19 : 10)) {
             case 0:
                 set.Add(nullptr);
                 break;
@@ -74,21 +80,27 @@ class RandomDrawing {
             case 7:
                 set.Add(Below(3) ? MakeTexts() : MakeLines());
                 break;
-            case 8: {
+            case 8:
+                AddAxis(set);
+                break;
+            case 9:
+                set.Add(MakeUnusual(Below(4)));
+                break;
+            case 10: {
                 auto* row = new Zel2Row(Below(4));
                 set.Add(row);
                 Fill(*row, depth - 1);
                 while (Below(3)) row->SetSize(CSize(1000 + Below(2000), Below(2000)));
                 break;
             }
-            case 9: {
+            case 11: {
                 auto* column = new Zel2Column(Below(4));
                 set.Add(column);
                 Fill(*column, depth - 1);
                 column->Justify(Below(5));
                 break;
             }
-            case 10: {
+            case 12: {
                 auto* table =
                     new Zel2Table(1 + static_cast<unsigned>(Below(3)), 1 + static_cast<unsigned>(Below(3)));
                 set.Add(table);
@@ -100,20 +112,20 @@ class RandomDrawing {
                 }
                 break;
             }
-            case 11: {
+            case 13: {
                 auto* table = new Zel2GraphTable(1 + Below(2), 1 + Below(2), CSize(900, 900));
                 table->SetMargins(Below(300), -1, -1, Below(300));
                 table->SetXCoord(0, -Below(9), 1 + Below(9));
                 set.Add(table);
                 break;
             }
-            case 12:
+            case 14:
                 AddStack(set, depth);
                 break;
-            case 13:
+            case 15:
                 AddReport(set, depth);
                 break;
-            case 14: {
+            case 16: {
                 auto* inner = new Zel2Set;
                 inner->Origin(CPoint(Below(500), Below(500)));
                 set.Add(inner);
@@ -124,6 +136,35 @@ class RandomDrawing {
                 AddGraph(set, depth);
                 break;
         }
+    }
+    // What drawings seldom hold by itself.
+    Zel2* MakeUnusual(int kind) {
+        if (kind == 0) return new Zel2Pol(nullptr, Below(4) - 1, Below(4) - 1);
+        if (kind == 1) return new Zel2PointSet;
+        if (kind == 2) return new Zel2(nullptr, CPoint(Below(99), Below(99)), Zel2::BREAK_BEFORE, CSize());
+        auto* registry = Below(2) ? new Zel2Tools : new Zel2Main;
+        registry->RegisterColor("own", static_cast<COLORREF>(Below(1 << 24)), 0);
+        registry->Add(new Zel2Rect(Box(), -1, 0, Zel2Rect::RECTANGLE, -1));
+        return registry;
+    }
+    void AddAxis(Zel2Set& set) {
+        Zel2ScaleAxis* axis = nullptr;
+        if (Below(2)) {
+            axis = new Zel2HAxis;
+        } else {
+            auto* upright = new Zel2VAxis;
+            upright->SetMargins(Below(90), Below(90), Below(90));
+            axis = upright;
+        }
+        set.Add(axis);
+        axis->Origin(CPoint(Below(900), Below(900)));
+        axis->SetSize(CSize(Below(2000), Below(2000)));
+        if (Below(4)) axis->SetCoord(-Below(9), 1 + Below(9));
+        axis->SetAxisType(1 + Below(2), Below(2));
+        axis->SetLabelAngle(Below(8) * 450);
+        axis->SetFit(Below(2) != 0);
+        axis->SetTicksFromLabels(Below(2) != 0);
+        axis->SetTicksPenName(Below(2) ? "a" : "b");
     }
     Zel2* MakeLines() {
         auto* column =
@@ -203,6 +244,10 @@ class RandomDrawing {
         graph->SetFrameStyle(Below(5));
         graph->LabelY(Below(4) != 0);
         graph->HideYLabels(Below(4) == 0);
+        if (Below(2)) graph->SetTickLengths(Below(90) - 60, Below(90) - 60);
+        if (Below(3) == 0) graph->SetAuxCS(0, 0, 10, 10, 1 + Below(5), 1 + Below(5));
+        if (Below(3) == 0) graph->SetYRLabels(0, 1 + Below(9));
+        if (Below(4) == 0) graph->SetXLines({1, 2.5});
         auto* points = new Zel2PointArray;
         for (int i = 0; i < Below(30); ++i)
             points->Append(Below(20) - 10, Below(9) ? Below(20) - 10.0 : std::nan(""));
@@ -210,6 +255,9 @@ class RandomDrawing {
         points->SetColor(Below(4) - 1);
         points->SetSymbol(Below(4) - 1, Below(2) != 0);
         points->SetExtension(static_cast<unsigned>(Below(10)), static_cast<unsigned>(Below(10)));
+        if (Below(4) == 0) {
+            for (unsigned i = 0; i < points->NPoints(); ++i) points->AddSymbol(Below(3));
+        }
         graph->AddIn(points);
         if (Below(2)) graph->AddIn(MakePolygon());
         if (Below(3) == 0) graph->AddIn(new Zel2DaoPointSet);

@@ -58,12 +58,14 @@ DrawPen::DashWalker::DashWalker(DrawPen& pen, CDC& dc)
     const int inch = pen.LogicalInch();
     int unit = MulDiv(inch, pen.OutputScale(), 1000);
     if (unit == 0 && inch > 0) unit = 1;
+    // A negative width would step back over millions of dashes.
+    const int width = std::max(pen.width_, 0);
     for (int i = 0; i < kPatternSize; ++i) {
         const int length = pen.pattern_[static_cast<std::size_t>(i)];
         if (length < 1) break;
         Element& element = elements_[static_cast<std::size_t>(elementCount_++)];
-        element.atStart = MulDiv(zel::Add(length, pen.width_), unit, 254);
-        element.inLoop = i % 2 ? MulDiv(zel::Add(length, zel::Saturate(2LL * pen.width_)), unit, 254)
+        element.atStart = MulDiv(zel::Add(length, width), unit, 254);
+        element.inLoop = i % 2 ? MulDiv(zel::Add(length, zel::Saturate(2LL * width)), unit, 254)
                                : MulDiv(length, unit, 254) - 1;
         cycle_ += element.inLoop;
     }

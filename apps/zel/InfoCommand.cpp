@@ -1,10 +1,9 @@
 #include "apps/zel/Commands.h"
+#include "apps/zel/Dump.h"
 
 #include <zel/zel.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <iomanip>
 #include <iostream>
 
 namespace zel::cli {
@@ -88,45 +87,6 @@ void PrintObject(Zel2& object, const std::string& indent) {
     if (auto* set = dynamic_cast<Zel2Set*>(&object)) PrintChildren(*set, indent + "  ");
 }
 
-// A line for each value, with its offset, indented by the objects that it stands in.
-class Dump : public ArchiveTrace {
-  public:
-    void Number(std::uint64_t offset, std::size_t size, bool isFloat, const std::string& value) override {
-        Begin(offset) << (isFloat ? "float" : "int") << 8 * size << " " << value << "\n";
-    }
-    void Text(std::uint64_t offset, const std::string& text) override {
-        Begin(offset) << "text \"" << text << "\"\n";
-    }
-    void Block(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) override {
-        Begin(offset) << count << " bytes:" << std::hex << std::setfill('0');
-        for (std::size_t i = 0; i < std::min(count, kShownBytes); ++i)
-            std::cout << " " << std::setw(2) << static_cast<int>(bytes[i]);
-        std::cout << std::dec << (count > kShownBytes ? " ..." : "") << "\n";
-    }
-    void BeginObject(std::uint64_t offset, const char* className, std::uint32_t number,
-                     bool newClass) override {
-        Begin(offset) << (newClass ? "object of the new class " : "object of class ") << className
-                      << ", number " << number << "\n";
-        ++depth_;
-    }
-    void EndObject() override { --depth_; }
-    void Reference(std::uint64_t offset, std::uint32_t number) override {
-        if (number == 0)
-            Begin(offset) << "no object\n";
-        else
-            Begin(offset) << "object number " << number << " again\n";
-    }
-
-  private:
-    static constexpr std::size_t kShownBytes = 16;
-
-    std::ostream& Begin(std::uint64_t offset) const {
-        return std::cout << std::setfill(' ') << std::setw(10) << offset << "  "
-                         << std::string(2 * depth_, ' ');
-    }
-    std::size_t depth_ = 0;
-};
-
 void PrintSummary(const std::string& path) {
     const auto drawing = LoadDocument(path.c_str());
     const CSize size = drawing->Size();
@@ -152,8 +112,7 @@ void AddInfoCommand(CLI::App& app) {
             PrintSummary(*input);
             return;
         }
-        Dump trace;
-        TraceDrawing(input->c_str(), trace);
+        PrintDump(input->c_str(), std::cout);
     });
 }
 

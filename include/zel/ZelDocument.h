@@ -27,6 +27,15 @@ std::unique_ptr<Zel2Main> LoadDocument(const char* path);
 // The same from bytes in memory (borrowed for the call); `name` stands for the source in messages.
 std::unique_ptr<Zel2Main> LoadDocument(const void* bytes, std::size_t size, const char* name);
 
+// What the header of a document says, once it and both checksums have been found right. No object is read.
+// Throws as LoadDocument does.
+struct DocumentFacts {
+    int version = 0;
+    ZelRules rules = ZelRules::CLASSIC;
+    std::uint64_t contentLength = 0;  // bytes
+};
+DocumentFacts CheckDocument(const char* path);
+
 // Reads the content of a document, or a classic archive of a drawing, and tells `trace` of everything that is
 // read, up to where it fails: for examining broken files. A document's checksums are not looked at. Offsets
 // count from the beginning of the content: a document's header is 40 bytes. Throws as LoadDocument does.

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int kTabStop = 8;  // average character widths
+constexpr std::int64_t kTabStop = 8;  // average character widths
 
 struct FormattedLine {
     std::string text;
@@ -39,7 +39,7 @@ class Formatter {
         return lines;
     }
     int LineHeight() const {
-        return metrics_.tmHeight + (format_ & DT_EXTERNALLEADING ? metrics_.tmExternalLeading : 0);
+        return zel::Add(metrics_.tmHeight, format_ & DT_EXTERNALLEADING ? metrics_.tmExternalLeading : 0);
     }
     const TEXTMETRIC& Metrics() const { return metrics_; }
     int Width(std::string_view text) const {
@@ -54,15 +54,15 @@ class Formatter {
             piece(std::string_view(line), 0);
             return Width(line);
         }
-        const int stop = std::max(1, kTabStop * metrics_.tmAveCharWidth);
+        const std::int64_t stop = std::max<std::int64_t>(1, kTabStop * metrics_.tmAveCharWidth);
         std::string_view rest(line);
         while (true) {
             const std::size_t tab = rest.find('\t');
             const std::string_view part = rest.substr(0, tab);
             piece(part, x);
-            x += Width(part);
+            x = zel::Add(x, Width(part));
             if (tab == std::string_view::npos) return x;
-            x = (x / stop + 1) * stop;
+            x = zel::Saturate((x / stop + 1) * stop);
             rest.remove_prefix(tab + 1);
         }
     }
@@ -97,15 +97,31 @@ class Formatter {
         lines.push_back(Measured(text));
     }
 
-    // How much of the text goes on one line: whole words as long as they fit, at least one.
+    // How much of the text goes on one line: whole words as long as they fit, at least one. Widths grow with
+    // the words, so that few need measuring: a long text costs its length, not its square.
     std::size_t BreakAt(std::string_view text, int width) const {
-        std::size_t fits = 0;
-        for (std::size_t at = 0; at < text.size();) {
-            const std::size_t word = std::min(text.find(' ', text.find_first_not_of(' ', at)), text.size());
-            if (fits > 0 && Measured(text.substr(0, word)).width > width) return fits;
-            fits = at = word;
+        std::vector<std::size_t> ends;  // of the words looked at so far
+        const auto fits = [&](std::size_t words) {
+            while (ends.size() < words && (ends.empty() || ends.back() < text.size())) {
+                const std::size_t at = ends.empty() ? 0 : ends.back();
+                ends.push_back(std::min(text.find(' ', text.find_first_not_of(' ', at)), text.size()));
+            }
+            const std::size_t end = ends[std::min(words, ends.size()) - 1];
+            return words == 1 || Measured(text.substr(0, end)).width <= width;
+        };
+        std::size_t most = 1, tooMany = 2;
+        while (fits(tooMany)) {
+            if (tooMany >= ends.size() && ends.back() >= text.size()) return text.size();
+            most = tooMany;
+            tooMany *= 2;
         }
-        return text.size();
+        tooMany = std::min(tooMany, ends.size());
+        if (ends.size() == 1) return ends[0];
+        while (tooMany - most > 1) {
+            const std::size_t middle = most + (tooMany - most) / 2;
+            (fits(middle) ? most : tooMany) = middle;
+        }
+        return ends[most - 1];
     }
 
     const CDC& dc_;
@@ -114,8 +130,8 @@ class Formatter {
 };
 
 int HorizontalOffset(UINT format, int room, int width) {
-    if (format & DT_RIGHT) return room - width;
-    if (format & DT_CENTER) return (room - width) / 2;
+    if (format & DT_RIGHT) return zel::Subtract(room, width);
+    if (format & DT_CENTER) return zel::Subtract(room, width) / 2;
     return 0;
 }
 
@@ -126,13 +142,18 @@ int DownwardsOn(const CDC& dc) {
     return flipped ? -1 : 1;
 }
 
+// The y so far below another one; `down` is the direction.
+int Below(int y, int down, std::int64_t distance) {
+    return zel::Saturate(y + down * distance);
+}
+
 void Underline(CDC& dc, const Formatter& formatter, const FormattedLine& line, int x, int y) {
     const std::string_view text(line.text);
     auto end = static_cast<std::size_t>(line.underlined);
-    const int left = x + formatter.Width(text.substr(0, end));
+    const int left = zel::Add(x, formatter.Width(text.substr(0, end)));
     zel::NextCodePoint(text, end);
-    const int right = x + formatter.Width(text.substr(0, end));
-    const int below = y + DownwardsOn(dc) * (formatter.Metrics().tmAscent + 1);
+    const int right = zel::Add(x, formatter.Width(text.substr(0, end)));
+    const int below = Below(y, DownwardsOn(dc), zel::Add(formatter.Metrics().tmAscent, 1));
     CPen pen(PS_SOLID, 0, dc.GetTextColor());
     CPen* previous = dc.SelectObject(&pen);
     const CPoint position = dc.GetCurrentPosition();
@@ -155,34 +176,34 @@ int CDC::DrawText(const char* text, int length, RECT* rect, UINT format) {
     }
     const CRect box(*rect);
     const std::vector<FormattedLine> lines = formatter.Lines(whole, box.Width());
-    const int height = lineHeight * static_cast<int>(lines.size());
+    const int height = zel::Saturate(std::int64_t{lineHeight} * static_cast<std::int64_t>(lines.size()));
     const int down = DownwardsOn(*this);
     int offset = 0;  // of the text below the top of the box
     if (format & DT_SINGLELINE) {
-        const int room = down * box.Height();
+        const int room = zel::Saturate(std::int64_t{down} * box.Height());
         if (format & DT_VCENTER) offset = room / 2 - height / 2;
-        if (format & DT_BOTTOM) offset = room - height;
+        if (format & DT_BOTTOM) offset = zel::Subtract(room, height);
     }
-    const int answer = offset + height;
+    const int answer = zel::Add(offset, height);
     if (format & DT_CALCRECT) {
         int widest = 0;
         for (const FormattedLine& line : lines) widest = std::max(widest, line.width);
-        rect->right = rect->left + widest;
-        rect->bottom = rect->top + down * answer;
+        rect->right = zel::Add(rect->left, widest);
+        rect->bottom = Below(rect->top, down, answer);
         return answer;
     }
     const bool clips = !(format & DT_NOCLIP);
     if (clips) SaveDC();
     if (clips) IntersectClipRect(&box);
     const UINT align = SetTextAlign(TA_LEFT | TA_TOP);
-    int y = box.top + down * offset;
+    int y = Below(box.top, down, offset);
     for (const FormattedLine& line : lines) {
-        const int x = box.left + HorizontalOffset(format, box.Width(), line.width);
+        const int x = zel::Add(box.left, HorizontalOffset(format, box.Width(), line.width));
         formatter.ForEachPiece(line.text, [&](std::string_view piece, int along) {
-            if (!piece.empty()) TextOut(x + along, y, piece.data(), static_cast<int>(piece.size()));
+            if (!piece.empty()) TextOut(zel::Add(x, along), y, piece.data(), static_cast<int>(piece.size()));
         });
         if (line.underlined >= 0) Underline(*this, formatter, line, x, y);
-        y += down * lineHeight;
+        y = Below(y, down, lineHeight);
     }
     SetTextAlign(align);
     if (clips) RestoreDC(-1);  // the attribute context counts its own levels

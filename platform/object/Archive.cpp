@@ -16,7 +16,7 @@ constexpr WORD kClassFlag = 0x8000;
 constexpr WORD kBigTag = 0x7FFF;
 constexpr DWORD kBigClassFlag = 0x80000000;
 constexpr std::uint32_t kLastSmallIndex = 0x7FFE;
-constexpr int kMostNesting = 500;
+constexpr std::size_t kMostNesting = 500;
 constexpr std::size_t kLongestClassName = 64;
 constexpr std::size_t kLeastBuffer = 64;
 
@@ -343,6 +343,8 @@ void CArchive::WriteObject(const CObject* object) {
         Fail(CArchiveException::badClass,
              std::string("objects of class ") + record->m_lpszClassName + " cannot be stored");
     }
+    // What would not be read again is not written; hosts read classic archives by themselves.
+    if (dialect_ == Dialect::COMPLETE && maps_->classes.size() >= kMostNesting) FailForNesting();
     WriteClassTag(record);
     maps_->indexes[object] = maps_->next++;
     maps_->classes.push_back(record);
@@ -439,29 +441,28 @@ CRuntimeClass* CArchive::ReadNewClass() {
     return record;
 }
 
+void CArchive::FailForNesting() const {
+    Fail(CArchiveException::badIndex,
+         "objects are nested more than " + std::to_string(kMostNesting) + " deep");
+}
+
 CObject* CArchive::ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected, std::uint64_t at,
                                    bool newClass) {
     CheckKind(record, expected);
-    if (depth_ >= kMostNesting) {
-        Fail(CArchiveException::badIndex,
-             "objects are nested more than " + std::to_string(kMostNesting) + " deep");
-    }
+    if (maps_->classes.size() >= kMostNesting) FailForNesting();
     std::unique_ptr<CObject> object(record->CreateObject());
     // The object has its number before its data is read, so that what it holds can refer to it.
     const std::size_t index = maps_->loaded.size();
     if (trace_) trace_->BeginObject(at, record->m_lpszClassName, static_cast<std::uint32_t>(index), newClass);
     maps_->loaded.push_back({object.get(), nullptr, 0});
     maps_->classes.push_back(record);
-    ++depth_;
     try {
         object->Serialize(*this);
     } catch (...) {
-        --depth_;
         maps_->classes.pop_back();
         maps_->loaded[index].object = nullptr;
         throw;
     }
-    --depth_;
     maps_->classes.pop_back();
     if (trace_) trace_->EndObject();
     return object.release();

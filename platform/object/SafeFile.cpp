@@ -31,28 +31,35 @@ std::string FolderOf(const std::string& path) {
     return slash == std::string::npos ? "." : slash == 0 ? "/" : path.substr(0, slash);
 }
 
-mode_t PermissionsFor(const std::string& path) {
+// Gives a new file the permissions of the one whose place it takes, and its owner as far as we may.
+bool TakeOver(int file, const std::string& path) {
     struct stat info {};
-    if (::stat(path.c_str(), &info) == 0) return info.st_mode & 07777;
+    if (::stat(path.c_str(), &info) == 0) {
+        [[maybe_unused]] const int kept = ::fchown(file, info.st_uid, info.st_gid);
+        return ::fchmod(file, info.st_mode & 07777) == 0;
+    }
     const mode_t mask = ::umask(0);
     ::umask(mask);
-    return 0666 & ~mask;
+    return ::fchmod(file, 0666 & ~mask) == 0;
+}
+
+// Why what stands there must not be replaced; 0 when it may, or when there is nothing.
+int ErrorOfReplacing(const std::string& path) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return 0;
+    if (S_ISDIR(info.st_mode)) return EISDIR;
+    if (!S_ISREG(info.st_mode)) return ENOTSUP;  // a device or a pipe would be gone
+    // Renaming needs no right to the file itself, but who protects a file means its content.
+    return ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 ? 0 : errno;
 }
 
 }  // namespace
 
 SafeFile::SafeFile(const std::string& target) : target_(target), resolved_(Resolve(target)) {
-    struct stat info {};
-    if (::stat(resolved_.c_str(), &info) == 0 && S_ISDIR(info.st_mode)) {
-        errno = EISDIR;
-        Fail("write");
-    }
     const std::size_t slash = resolved_.rfind('/');
     const std::string name = slash == std::string::npos ? resolved_ : resolved_.substr(slash + 1);
-    if (name.empty()) {
-        errno = EISDIR;
-        Fail("write");
-    }
+    errno = name.empty() ? EISDIR : ErrorOfReplacing(resolved_);
+    if (errno != 0) Fail("write");
     std::string pattern = FolderOf(resolved_) + "/." + name.substr(0, 200) + ".XXXXXX";
     descriptor_ = ::mkostemp(pattern.data(), O_CLOEXEC);
     if (descriptor_ < 0) Fail("write");
@@ -85,7 +92,7 @@ void SafeFile::Commit() {
     // Another writer may have replaced the file of that name: flush what the name stands for now.
     const int content = ::open(temporary_.c_str(), O_RDWR | O_CLOEXEC);
     if (content < 0) Fail("write");
-    const bool flushed = ::fchmod(content, PermissionsFor(resolved_)) == 0 && ::fsync(content) == 0;
+    const bool flushed = TakeOver(content, resolved_) && ::fsync(content) == 0;
     const int error = errno;
     ::close(content);
     if (!flushed) {

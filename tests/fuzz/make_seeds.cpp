@@ -1,44 +1,65 @@
-// Writes small drawings of every class as seeds for the fuzz target.
+// Writes small drawings as seeds for the fuzz target: random ones of every class, and every example on the
+// first lines of its data.
+//
+//     zel_make_seeds FOLDER DATA_FOLDER
+#include "Examples.h"
 #include "RandomDrawing.h"
+#include "tests/fuzz/LoaderFuzz.h"
 
 #include <zel/platform/Archive.h>
 #include <zel/platform/File.h>
 #include <zel/zel.h>
 
-#include <fstream>
-#include <iterator>
-#include <string>
-
 namespace {
 
-constexpr unsigned kDrawings = 25;
+using zel::fuzz::Mode;
+constexpr unsigned kDrawings = 40;
+constexpr int kLines = 12;
 
-void WriteSeed(Zel2Main& root, const std::string& path, int first) {
-    CMemFile file;
-    CArchive ar(&file, CArchive::store);
-    ar.SetDialect(first & 1 ? CArchive::Dialect::COMPLETE : CArchive::Dialect::CLASSIC);
-    root.Serialize(ar);
-    ar.Close();
-    std::ofstream seed(path, std::ios::binary);
-    seed.put(static_cast<char>(first));
-    seed.write(reinterpret_cast<const char*>(file.GetData()), static_cast<std::streamsize>(file.GetLength()));
+// The folder of the examples' data, cut short.
+void CutData(const std::string& from, const std::string& to) {
+    std::filesystem::create_directories(to);
+    for (const auto& entry : std::filesystem::directory_iterator(from)) {
+        std::ifstream whole(entry.path());
+        std::ofstream part(to + "/" + entry.path().filename().string());
+        std::string line;
+        for (int i = 0; i < kLines && std::getline(whole, line); ++i) part << line << "\n";
+    }
+}
+
+void WriteSeed(const std::string& path, unsigned mode, const void* bytes, std::size_t size) {
+    std::ofstream seed(path + "-" + std::to_string(mode), std::ios::binary);
+    seed.put(static_cast<char>(mode));
+    seed.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
+}
+
+void WriteSeeds(Zel2Main& drawing, const std::string& path) {
+    for (const auto dialect : {CArchive::Dialect::CLASSIC, CArchive::Dialect::COMPLETE}) {
+        CMemFile file;
+        CArchive ar(&file, CArchive::store);
+        ar.SetDialect(dialect);
+        drawing.Serialize(ar);
+        ar.Close();
+        const unsigned mode = dialect == CArchive::Dialect::COMPLETE ? Mode::COMPLETE : 0;
+        for (const unsigned more : {0U, 0U + Mode::DRAWN, 0U + Mode::TRACED})
+            WriteSeed(path, mode | more, file.GetData(), file.GetLength());
+    }
+    const std::vector<std::uint8_t> document = zel::DocumentBytes(drawing);
+    for (const unsigned more : {0U, 0U + Mode::MENDED})
+        WriteSeed(path, Mode::DOCUMENT | more, document.data(), document.size());
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) return 2;
+    if (argc != 3) return 2;
     const std::string folder(argv[1]);
-    for (unsigned seed = 0; seed < kDrawings; ++seed) {
-        const auto drawing = zel::test::RandomDrawing(seed).Make();
-        for (int first = 0; first < 4; ++first)
-            WriteSeed(*drawing, folder + "/seed" + std::to_string(seed) + "-" + std::to_string(first), first);
-        // A whole document, header and checksums included.
-        const std::string document = folder + "/document" + std::to_string(seed);
-        zel::SaveDocument(*drawing, document.c_str());
-        std::ifstream file(document, std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(file), {}};
-        std::ofstream(document, std::ios::binary) << static_cast<char>(4) << bytes;
-    }
+    std::filesystem::create_directories(folder);
+    for (unsigned seed = 0; seed < kDrawings; ++seed)
+        WriteSeeds(*zel::test::RandomDrawing(seed).Make(), folder + "/random" + std::to_string(seed));
+    const zel::test::TemporaryFolder data;
+    CutData(argv[2], data / "data");
+    for (const Example& example : AllExamples())
+        WriteSeeds(*zel::test::MakeExample(example, data / "data"), folder + "/" + example.name);
     return 0;
 }

@@ -99,6 +99,12 @@ TEST_F(Pens, WalkOnlyWhatCanBeSeen) {
     const std::string lines = Lines();
     EXPECT_LT(lines.size(), 100'000U);
     EXPECT_NE(lines.find(" 51"), std::string::npos) << "dashes in the middle of the surface";
+    int pattern[20] = {197, 0};
+    DrawPen foreign("f", DrawPen::USER_DEFINED, -1'175'891'661, 0, 0, pattern);
+    OpenAt(foreign, 1000);
+    foreign.MoveTo(0, 0);
+    foreign.LineTo(1000, 0);
+    EXPECT_LT(Lines().size(), 1000U) << "a negative width is none";
 }
 
 TEST(DrawPenClip, MovesBothEndsOntoTheRectangle) {

@@ -168,6 +168,7 @@ class CArchive {
     CRuntimeClass* ReadNewClass();
     CObject* ReadNewInstance(CRuntimeClass* record, const CRuntimeClass* expected, std::uint64_t at,
                              bool newClass);
+    [[noreturn]] void FailForNesting() const;
     void CheckKind(const CRuntimeClass* record, const CRuntimeClass* expected) const;
     std::uint64_t ReadStringLength(bool& wide);
     void RequireMode(bool loading) const;
@@ -183,6 +184,5 @@ class CArchive {
     std::uint64_t length_ = 0;  // loading: bytes of the file from where the archive began
     std::unique_ptr<zel::ArchiveMaps> maps_;
     UINT schema_ = static_cast<UINT>(-1);
-    int depth_ = 0;
     zel::ArchiveTrace* trace_ = nullptr;
 };

@@ -10,9 +10,10 @@ namespace zel {
 //
 // The temporary file lies in the target's folder, is flushed to disk by Commit and renamed over the target,
 // and the folder is flushed too: after a crash there is the old file or the new one. A target that is a
-// symbolic link stays one; what it points to is replaced. Permissions of an existing target are kept. Without
-// Commit the destructor removes the temporary file and the target is untouched. All failures raise
-// CFileException* that names the target.
+// symbolic link stays one; what it points to is replaced. Permissions of an existing target are kept, and its
+// owner where this process may; one that may not be written, a device or a pipe is refused. Without Commit
+// the destructor removes the temporary file and the target is untouched. All failures raise CFileException*
+// that names the target.
 class SafeFile {
   public:
     explicit SafeFile(const std::string& target);

@@ -2,6 +2,7 @@
 #include <zel/platform/RecordingDevice.h>
 
 #include <gtest/gtest.h>
+#include <sstream>
 
 namespace {
 
@@ -66,6 +67,43 @@ TEST_F(Text, BreaksLinesAsThePlatformDoes) {
     EXPECT_GT(word.right, 120) << "a single word is not broken";
     EXPECT_EQ(word.Height(), line);
     EXPECT_EQ(Measured("", 0), CRect(20, 20, 20, 20));
+}
+
+// Each line takes as many words as fit, whatever the width.
+TEST_F(Text, FillsLinesWithWords) {
+    const std::string text =
+        "i wide ww e iiiiiiiii mmmm a b c d e f g somewhat longer words and short x ones";
+    for (int width = 1; width < 700; width += 7) {
+        std::string lines, line;
+        int count = 0;
+        const auto fits = [&](const std::string& s) {
+            return dc_.GetTextExtent(s.data(), static_cast<int>(s.size())).cx <= width;
+        };
+        std::istringstream words(text);
+        for (std::string word; words >> word;) {
+            if (!line.empty() && fits(line + " " + word)) {
+                line += " " + word;
+                continue;
+            }
+            line = word;
+            ++count;
+        }
+        EXPECT_EQ(Height(text.c_str(), DT_WORDBREAK, CRect(0, 0, width, 9)) / Height("x", 0), count) << width;
+    }
+}
+
+TEST_F(Text, StandsAnySizeAndLength) {
+    CFont huge;
+    huge.CreateFont(453'196'730, 0, 0, 0, 400, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+    dc_.SelectObject(&huge);
+    for (const UINT format :
+         {DT_EXPANDTABS | DT_WORDBREAK, DT_RIGHT | DT_BOTTOM | DT_SINGLELINE, DT_CALCRECT})
+        Height("&a\tb c d\ne\nf\n\n\ng", format,
+               CRect(2'000'000'000, 2'000'000'000, 2'100'000'000, 2'100'000'000));
+    dc_.SelectObject(&font_);
+    std::string words;
+    for (int i = 0; i < 20000; ++i) words += "word ";
+    EXPECT_EQ(Height(words.c_str(), DT_WORDBREAK, CRect(0, 0, 1'000'000'000, 9)), Height("x", 0));
 }
 
 TEST_F(Text, AlignsInTheRectangle) {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
 
@@ -54,6 +55,42 @@ TEST(SafeFile, KeepsSymbolicLinks) {
     Replace(folder / "link", "new");
     EXPECT_TRUE(fs::is_symlink(folder / "link"));
     EXPECT_EQ(Content(folder / "there/real"), "new");
+}
+
+// Renaming would get round both; the rights of an ordinary user are tried in a process of its own.
+TEST(SafeFile, RespectsProtectionAndDevices) {
+    const TemporaryFolder folder;
+    const std::string path = folder / "protected", pipe = folder / "pipe";
+    WriteOld(path);
+    fs::permissions(folder / ".", fs::perms::all);
+    fs::permissions(path, fs::perms::owner_read | fs::perms::others_read);
+    const pid_t user = fork();
+    if (user == 0) {
+        if (geteuid() == 0 && (setegid(65534) != 0 || seteuid(65534) != 0)) _exit(2);
+        const std::string message = MessageOf<CFileException>([&] { Replace(path, "new"); });
+        _exit(message.find("denied") != std::string::npos ? 0 : 1);
+    }
+    int status = 0;
+    waitpid(user, &status, 0);
+    EXPECT_EQ(status, 0);
+    EXPECT_EQ(Content(path), "old");
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_THAT(MessageOf<CFileException>([&] { Replace(pipe, "new"); }),
+                testing::HasSubstr("not supported"));
+    EXPECT_TRUE(fs::is_fifo(pipe));
+}
+
+TEST(SafeFile, KeepsTheOwner) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root gives files away";
+    const TemporaryFolder folder;
+    const std::string path = folder / "drawing";
+    WriteOld(path);
+    ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+    Replace(path, "new");
+    struct stat info {};
+    ASSERT_EQ(stat(path.c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, 65534U);
+    EXPECT_EQ(info.st_gid, 65534U);
 }
 
 TEST(SafeFile, NamesTheTargetThatCannotBeWritten) {
