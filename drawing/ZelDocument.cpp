@@ -119,8 +119,9 @@ std::vector<std::uint8_t> DocumentBytes(Zel2Main& drawing) {
     header.contentLength = content.GetLength();
     header.contentChecksum = AddToChecksum(0, content.GetData(), content.GetLength());
     const DocumentHeader::Bytes begin = header.Encode();
-    std::vector<std::uint8_t> bytes(begin.begin(), begin.end());
-    bytes.insert(bytes.end(), content.GetData(), content.GetData() + content.GetLength());
+    std::vector<std::uint8_t> bytes(begin.size() + content.GetLength());
+    std::copy(begin.begin(), begin.end(), bytes.begin());
+    std::copy_n(content.GetData(), content.GetLength(), bytes.data() + begin.size());
     return bytes;
 }
 

@@ -282,6 +282,10 @@ void Stroker::BlendRow(const PixelBuffer& target, std::uint32_t color, int y, in
             if constexpr (std::endian::native == std::endian::big) eight = __builtin_bswap64(eight);
             if (x0 < begin) eight &= x0 + kWord > begin ? ~std::uint64_t{0} << 8 * (begin - x0) : 0;
             if (x0 + kWord > end) eight &= x0 < end ? ~std::uint64_t{0} >> 8 * (x0 + kWord - end) : 0;
+            if (eight == ~std::uint64_t{0}) {
+                std::fill_n(pixels + x0, kWord, color);
+                continue;
+            }
             while (eight != 0) {
                 const int byte = std::countr_zero(eight) / 8;
                 const auto alpha = static_cast<std::uint32_t>(eight >> 8 * byte & 0xFF);

@@ -40,7 +40,8 @@ void WriteSeeds(Zel2Main& drawing, const std::string& path) {
         ar.SetDialect(dialect);
         drawing.Serialize(ar);
         ar.Close();
-        const unsigned mode = dialect == CArchive::Dialect::COMPLETE ? Mode::COMPLETE : 0;
+        const unsigned mode =
+            dialect == CArchive::Dialect::COMPLETE ? static_cast<unsigned>(Mode::COMPLETE) : 0U;
         for (const unsigned more : {0U, 0U + Mode::DRAWN, 0U + Mode::TRACED})
             WriteSeed(path, mode | more, file.GetData(), file.GetLength());
     }
