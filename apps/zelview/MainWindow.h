@@ -6,6 +6,7 @@
 #include "apps/zelview/History.h"
 
 #include <QFileSystemWatcher>
+#include <QKeySequence>
 #include <QMainWindow>
 #include <QTimer>
 
@@ -55,6 +56,13 @@ class MainWindow : public QMainWindow {
 
   private:
     using Slot = std::function<void()>;
+    // The shortcuts of an action: one, or all that the desktop knows for a command.
+    struct Keys {
+        Keys() = default;
+        Keys(const char* key) : all{QKeySequence(key)} {}
+        Keys(QKeySequence::StandardKey command) : all(QKeySequence::keyBindings(command)) {}
+        QList<QKeySequence> all;
+    };
 
     // Menus, in MainWindowMenus.cpp.
     void MakeMenus();
@@ -64,10 +72,8 @@ class MainWindow : public QMainWindow {
     void MakePageMenu();
     void MakeHelpMenu();
     void MakeToolBar();
-    QAction* Add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
-                 const Slot& slot);
-    QAction* AddCommand(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
-                        UINT command);
+    QAction* Add(QMenu* menu, const char* name, const QString& text, const Keys& keys, const Slot& slot);
+    QAction* AddCommand(QMenu* menu, const char* name, const QString& text, const Keys& keys, UINT command);
     void AddMoves(QMenu* menu);
     void ShowRecent();
     void Remember(const QString& path);
