@@ -143,9 +143,14 @@ void MainWindow::Show(std::unique_ptr<Zel2Main> drawing, bool saved) {
     history_.Reset(StateOf(shown, viewer.Selection()), saved);
     drawingId_ = QUuid::createUuid().toString();
     Command(ID_ZEL_FIT_WINDOW);
-    setWindowTitle("[*]" + file_.Name());
+    ShowName();
     Watch();
     UpdateActions();
+}
+
+void MainWindow::ShowName() {
+    setWindowTitle("[*]" + file_.Name());
+    view_->SetPrintTitle(QFileInfo(file_.Name()).completeBaseName().toStdString());
 }
 
 bool MainWindow::Open(const QString& path) {
@@ -223,7 +228,7 @@ bool MainWindow::SaveAs(const QString& path) {
     file_.DropCopy();
     file_.Attach(path);
     history_.MarkSaved();
-    setWindowTitle("[*]" + file_.Name());
+    ShowName();
     Remember(file_.Path());
     Watch();
     UpdateActions();

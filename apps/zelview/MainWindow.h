@@ -83,6 +83,7 @@ class MainWindow : public QMainWindow {
     bool Try(const QString& what, const std::function<void()>& work);
     bool Say(const QString& what, const QString& why);
     void Show(std::unique_ptr<Zel2Main> drawing, bool saved);
+    void ShowName();
     void ShowState(const Bytes& state);
     void Record(const QString& edit);
     void Edited(const QString& edit);
