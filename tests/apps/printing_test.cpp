@@ -22,7 +22,7 @@ constexpr int kBlock = 4;  // pixels; within them the two rasterisers may differ
 // What people see in the preview, and what the printer gets.
 class Printing : public Program {
   protected:
-    // A report of several pages: a graph, which clips, boxes and texts.
+    // A report of several pages: a graph and a table, which clip, boxes and texts.
     void OpenReport() {
         Zel2Main drawing;
         drawing.SetRules(ZelRules::EXACT);
@@ -48,6 +48,10 @@ class Printing : public Program {
             box->SetFont(0);
             report->Append(box);
         }
+        auto* const table = new Zel2TextTable(3, 120);
+        table->SetStyle(0, 0, 2, 119, Zel2Text("", CRect(0, 0, 1499, 199), 0, 0, 0, -1, grey, {-1, 0.0F}));
+        for (int row = 0; row < 120; ++row) table->SetText(row % 3, row, "cell %d", row);
+        report->Append(table);
         report->MakePages();
         const std::string path = folder_ / "report.zel";
         zel::SaveDocument(drawing, path.c_str());
