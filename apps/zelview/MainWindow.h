@@ -81,6 +81,9 @@ class MainWindow : public QMainWindow {
 
     // Runs `work`; a failure is told under `what`.
     bool Try(const QString& what, const std::function<void()>& work);
+    // The same for work that may take its time: it runs beside the window, and the user can cancel it.
+    bool TryLong(const QString& what, const QString& label, const std::function<void(Work&)>& work);
+    bool Load(const QString& what, const QString& path, std::unique_ptr<Zel2Main>& drawing);
     bool Say(const QString& what, const QString& why);
     void Show(std::unique_ptr<Zel2Main> drawing, bool saved);
     void ShowName();
@@ -89,7 +92,7 @@ class MainWindow : public QMainWindow {
     void Edited(const QString& edit);
     void OfferCopy();
     void Watch();
-    void ExportNow(const QString& path);
+    void ExportNow(const QString& path, Work& work);
     void Zoom(int direction);
     void Command(UINT id);
     void GoToPage(int page);
@@ -119,6 +122,7 @@ class MainWindow : public QMainWindow {
     Position lastPosition_;
     bool millimetres_ = true;
     bool asking_ = false;
+    bool busy_ = false;
 };
 
 }  // namespace zel::view

@@ -40,11 +40,12 @@ class Menus : public Program {
             auto* const dialog = qobject_cast<QFileDialog*>(Modal());
             if (!dialog) return false;
             if (filter) dialog->selectNameFilter(filter), Q_EMIT dialog->filterSelected(filter);
-            dialog->selectFile(QString::fromStdString(path));
-            Settle();
+            auto* const name = dialog->findChild<QLineEdit*>("fileNameEdit");
+            const bool saves = dialog->acceptMode() == QFileDialog::AcceptSave;
+            const QString chosen = QString::fromStdString(path);
+            saves ? dialog->selectFile(chosen) : name->setText(chosen);
             QPushButton* const accept = dialog->findChild<QDialogButtonBox*>()->button(
-                dialog->acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save
-                                                                : QDialogButtonBox::Open);
+                saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
             if (!accept->isEnabled()) return false;  // the folder is still being read
             QTest::mouseClick(accept, Qt::LeftButton);
             return true;

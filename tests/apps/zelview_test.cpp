@@ -1,6 +1,7 @@
 #include "Program.h"
 
 #include <zel/Zel2Edit.h>
+#include <zel/platform/File.h>
 #include <zel/platform/Platform.h>
 
 #include <QAbstractButton>
@@ -8,9 +9,13 @@
 #include <QLineEdit>
 #include <QMimeData>
 #include <QProcess>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTimer>
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 namespace {
 
@@ -254,6 +259,37 @@ TEST_F(Program, EveryActionCanBeChosen) {
         }
     }
     window_.Steps().MarkSaved();
+}
+
+TEST_F(Program, LongWorkCanBeCancelled) {
+    int beats = 0;
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, [&] { ++beats; });
+    heart.start(50);
+    Soon([] {
+        auto* const bar = qobject_cast<QProgressDialog*>(QApplication::activeModalWidget());
+        if (!bar) return false;
+        bar->findChild<QPushButton*>()->click();
+        return true;
+    });
+    const auto endless = [](zel::view::Work& work) {
+        for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5))) work.Check();
+    };
+    EXPECT_THROW(zel::view::RunWithProgress(&window_, "Waiting…", endless), zel::view::Cancelled);
+    EXPECT_GT(beats, 10) << "the window lived on";
+    const std::string message = zel::test::MessageOf<CFileException>(
+        [&] { zel::view::RunWithProgress(&window_, "", [](auto&) { CFile("/none", CFile::modeRead); }); });
+    EXPECT_NE(message.find("/none"), std::string::npos) << "what is thrown beside the window arrives";
+    // Saving that is given up leaves the old file, and nothing else.
+    const std::string before = Content(path_);
+    const std::size_t files = folder_.FileCount();
+    zel::view::DocumentFile file;
+    file.Attach(QString::fromStdString(path_));
+    zel::view::Work work;
+    work.cancelled = true;
+    EXPECT_THROW(file.Save(zel::view::Bytes(5000000), work), zel::view::Cancelled);
+    EXPECT_EQ(Content(path_), before);
+    EXPECT_EQ(folder_.FileCount(), files);
 }
 
 TEST(Steps, AreBounded) {
