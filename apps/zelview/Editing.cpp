@@ -130,6 +130,7 @@ int DeleteSelected(Zel2Selection& selection) {
     int deleted = 0;
     while (selection.GetSize() > 0) {
         Zel2* const object = selection[static_cast<int>(selection.GetSize()) - 1];
+        object->Select(0);
         object->UpdateWindow();
         selection.Forget(object);
         if (auto* set = dynamic_cast<Zel2Set*>(object->GetParent())) {
