@@ -30,10 +30,16 @@ install(FILES "${PROJECT_BINARY_DIR}/zelConfig.cmake" "${PROJECT_BINARY_DIR}/zel
 if(ZEL_QT)
   set(ZEL_PC_QT "-lzelqt")
 endif()
-configure_file(cmake/zel.pc.in "${PROJECT_BINARY_DIR}/zel.pc.configured" @ONLY)
-# The prefix is known only when the package is installed.
-install(CODE "
-  file(READ \"${PROJECT_BINARY_DIR}/zel.pc.configured\" content)
-  string(REPLACE \"ZEL_PREFIX\" \"\${CMAKE_INSTALL_PREFIX}\" content \"\${content}\")
-  file(WRITE \"${PROJECT_BINARY_DIR}/zel.pc\" \"\${content}\")")
-install(FILES "${PROJECT_BINARY_DIR}/zel.pc" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+set(ZEL_PC_FILES zel.pc)
+if(ZEL_QT AND ZEL_WIDGETS)
+  list(APPEND ZEL_PC_FILES zel-widgets.pc)
+endif()
+foreach(file IN LISTS ZEL_PC_FILES)
+  configure_file(cmake/${file}.in "${PROJECT_BINARY_DIR}/${file}.configured" @ONLY)
+  # The prefix is known only when the package is installed.
+  install(CODE "
+    file(READ \"${PROJECT_BINARY_DIR}/${file}.configured\" content)
+    string(REPLACE \"ZEL_PREFIX\" \"\${CMAKE_INSTALL_PREFIX}\" content \"\${content}\")
+    file(WRITE \"${PROJECT_BINARY_DIR}/${file}\" \"\${content}\")")
+  install(FILES "${PROJECT_BINARY_DIR}/${file}" DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endforeach()

@@ -2,6 +2,7 @@
 
 #include <zel/Mapping.h>
 #include <zel/Zel2Report.h>
+#include <zel/Zel2Selection.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/PrintInfo.h>
 
@@ -124,6 +125,24 @@ void Zel2Report::OnPrint(CDC* dc, CPrintInfo* info) {
     if (info && !content_) SelectPage(zel::Saturate(std::int64_t{info->m_nCurPage} - 1));
     OnDraw();
     SelectPage(selected);
+}
+
+MouseAction Zel2Report::OnMouse(const MouseStatus& ms) {
+    Zel2Column* const shown = IsExact() ? Shown() : nullptr;
+    return shown ? shown->OnMouse(ms) : Zel2Tools::OnMouse(ms);
+}
+
+void Zel2Report::SelectAt(const CRect& r, Zel2Selection* sel) {
+    Zel2Column* const shown = IsExact() ? Shown() : nullptr;
+    shown ? shown->SelectAt(r, sel) : Zel2Tools::SelectAt(r, sel);
+}
+
+Zel2* Zel2Report::GetSelectableAt(const CPoint& pt) {
+    Zel2Column* const shown = IsExact() ? Shown() : nullptr;
+    if (!shown) return Zel2Tools::GetSelectableAt(pt);
+    Zel2Selection found;
+    shown->SelectAt(pt, &found);
+    return found.GetSize() > 0 ? found[0] : nullptr;
 }
 
 void Zel2Report::DrawPage() {

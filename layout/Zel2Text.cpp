@@ -6,6 +6,7 @@
 #include <zel/Zel2Rect.h>
 #include <zel/Zel2Text.h>
 #include <zel/platform/DC.h>
+#include <zel/platform/Wnd.h>
 
 #include <algorithm>
 #include <cmath>
@@ -14,6 +15,12 @@
 #include <string>
 
 IMPLEMENT_SERIAL(Zel2Text, Zel2, 0)
+
+namespace {
+
+constexpr int kMarkReach = 3;  // pixels from a corner to where its mark ends
+
+}  // namespace
 
 Zel2Text::Zel2Text(Zel2* parent) {
     SetParent(parent);
@@ -66,12 +73,12 @@ void Zel2Text::SetText(const char* format, ...) {
     va_start(arguments, format);
     text_.FormatMessageV(format, &arguments);
     va_end(arguments);
-    UpdateWindow();
+    Repaint();
 }
 
 void Zel2Text::SetPlainText(const char* text) {
     text_ = text;
-    UpdateWindow();
+    Repaint();
 }
 
 void Zel2Text::DrawBackground() {
@@ -106,6 +113,8 @@ void Zel2Text::OnDraw() {
         }
     }
     DrawRule(box);
+    if (!Selected() || !StandsAtPoint()) return;
+    for (int i = 0; i < 4; ++i) DrawCPT(i);
 }
 
 // The font of the text is still selected.
@@ -122,16 +131,72 @@ void Zel2Text::MeasureLines() {
     }
 }
 
-int Zel2Text::IsIn(const CPoint& pt) {
-    if (size_.cx > 0 || !IsExact() || !Map()) return Zel2::IsIn(pt);
-    // Turned back about the point, the text lies level.
-    const CSize away = pt - Map()->ToDevice(AbsOrigin());
+// The lines of a text before it is turned about its point, in device pixels from there, y downwards.
+struct Zel2Text::Lines {
+    double left, top, right, bottom;
+    double cosine, sine;
+};
+
+bool Zel2Text::StandsAtPoint() {
+    return size_.cx <= 0 && IsExact() && Map();
+}
+
+Zel2Text::Lines Zel2Text::LinesAsDrawn() const {
     const double angle = angle_ * std::numbers::pi / 1800;
-    const double along = away.cx * std::cos(angle) - away.cy * std::sin(angle);
-    const double down = away.cx * std::sin(angle) + away.cy * std::cos(angle);
     const double left = format_ & DT_CENTER ? -drawn_.cx / 2.0 : format_ & DT_RIGHT ? -drawn_.cx : 0;
     const double top = format_ & DT_VCENTER ? -drawn_.cy / 2.0 : format_ & DT_BOTTOM ? -drawn_.cy : 0;
-    return along >= left && along < left + drawn_.cx && down >= top && down < top + drawn_.cy ? 1 : 0;
+    return {left, top, left + drawn_.cx, top + drawn_.cy, std::cos(angle), std::sin(angle)};
+}
+
+int Zel2Text::IsIn(const CPoint& pt) {
+    if (!StandsAtPoint()) return Zel2::IsIn(pt);
+    // Turned back about the point, the text lies level.
+    const CSize away = pt - Map()->ToDevice(AbsOrigin());
+    const Lines lines = LinesAsDrawn();
+    const double along = away.cx * lines.cosine - away.cy * lines.sine;
+    const double down = away.cx * lines.sine + away.cy * lines.cosine;
+    return along >= lines.left && along < lines.right && down >= lines.top && down < lines.bottom ? 1 : 0;
+}
+
+// In device pixels, round the text.
+CPoint Zel2Text::Corner(int i) {
+    const Lines lines = LinesAsDrawn();
+    const double along = i == 0 || i == 3 ? lines.left : lines.right;
+    const double down = i < 2 ? lines.top : lines.bottom;
+    return Map()->ToDevice(AbsOrigin()) + CSize(zel::Truncate(along * lines.cosine + down * lines.sine),
+                                                zel::Truncate(down * lines.cosine - along * lines.sine));
+}
+
+CPoint Zel2Text::Cpt(int i) {
+    return StandsAtPoint() ? Map()->FromDevice(Corner(i)) : Zel2::Cpt(i);
+}
+
+// A text at a point covers more than its size says.
+void Zel2Text::Repaint() {
+    UpdateWindow();
+    CWnd* const window = Window();
+    if (!window || !StandsAtPoint()) return;
+    CRect area(Corner(0), CSize());
+    for (int i = 1; i < 4; ++i) {
+        const CPoint corner = Corner(i);
+        area = CRect(std::min(area.left, corner.x), std::min(area.top, corner.y),
+                     std::max(area.right, corner.x), std::max(area.bottom, corner.y));
+    }
+    area.InflateRect(kMarkReach, kMarkReach);
+    window->InvalidateRect(&area, TRUE);
+}
+
+int Zel2Text::Select(int on) {
+    const bool changes = on != Selected();
+    const int done = Zel2::Select(on);
+    if (changes) Repaint();
+    return done;
+}
+
+void Zel2Text::MoveTo(const CRect& r) {
+    Repaint();
+    Zel2::MoveTo(r);
+    Repaint();
 }
 
 void Zel2Text::OnPrint(CDC*, CPrintInfo*) {

@@ -8,7 +8,7 @@
 namespace {
 
 // Dialog units
-constexpr int kMargin = 7, kListWidth = 92, kSide = kMargin + kListWidth + 8, kSideWidth = 140;
+constexpr int kMargin = 7, kListWidth = 128, kSide = kMargin + kListWidth + 8, kSideWidth = 140;
 constexpr int kHeight = 168, kButtonTop = kHeight - kMargin - 15;
 constexpr int kRowHeight = 19, kSwatchWidth = 28;
 

@@ -8,15 +8,25 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <algorithm>
+
 namespace zel::view {
 namespace {
 
-void Write(const QString& path, const Bytes& state) {
+constexpr std::size_t kPiece = std::size_t{1} << 20;  // bytes written between looks at the user's wishes
+
+void Write(const QString& path, const Bytes& state, Work& work) {
     const QByteArray name = QFile::encodeName(path);
     SafeFile target(name.constData());
     CFile file(target.TemporaryPath().c_str(), CFile::modeReadWrite);
-    file.Write(state.data(), state.size());
+    work.all = static_cast<int>(state.size() / kPiece + 1);
+    for (std::size_t at = 0; at < state.size(); at += kPiece) {
+        work.Check();
+        file.Write(state.data() + at, std::min(kPiece, state.size() - at));
+        ++work.done;
+    }
     file.Close();
+    work.Check();
     target.Commit();
 }
 
@@ -80,15 +90,16 @@ bool DocumentFile::HasNews() {
     return HasChanged();
 }
 
-void DocumentFile::Save(const Bytes& state) {
-    Write(path_, state);
+void DocumentFile::Save(const Bytes& state, Work& work) {
+    Write(path_, state, work);
     Acknowledge();
     DropCopy();
 }
 
 void DocumentFile::KeepCopy(const Bytes& state, std::uint64_t number) {
     if (number == copied_ || IsOpenElsewhere()) return;
-    Write(CopyPath(path_), state);
+    Work unattended;
+    Write(CopyPath(path_), state, unattended);
     copied_ = number;
 }
 

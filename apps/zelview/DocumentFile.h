@@ -2,6 +2,7 @@
 #pragma once
 
 #include "apps/zelview/History.h"
+#include "apps/zelview/Progress.h"
 
 #include <QDateTime>
 #include <QLockFile>
@@ -29,8 +30,8 @@ class DocumentFile {
     // Whether another program holds the file.
     bool IsOpenElsewhere() const { return !locked_; }
 
-    // Writes beside the file and renames. Throws CFileException*.
-    void Save(const Bytes& state);
+    // Writes beside the file and renames. Throws CFileException*; Cancelled, and the old file stays.
+    void Save(const Bytes& state, Work& work);
     // Whether somebody else has changed or removed the file since it was attached or saved.
     bool HasChanged() const;
     // The same, once for each change.

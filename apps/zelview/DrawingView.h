@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 namespace zel::view {
 
@@ -33,6 +34,8 @@ class DrawingView : public CZelView {
     Zel2Report* Report() const;
     void OnDraw(CDC* dc) override;
     BOOL OnPreparePrinting(CPrintInfo* info) override;
+    std::string PrintTitle() override { return title_; }
+    void SetPrintTitle(std::string title) { title_ = std::move(title); }
 
   protected:
     LRESULT WindowProc(UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -42,6 +45,7 @@ class DrawingView : public CZelView {
     Position At(const CPoint& pixel) const;
 
     std::function<void(const Position&)> onMouse_;
+    std::string title_ = "Drawing";
     bool asPrinted_ = false;
 };
 

@@ -90,8 +90,9 @@ bool StandsIn(const Zel2* object, const std::vector<Zel2*>& others) {
     return false;
 }
 
-// The index of the child after `selected`, round and round.
-int IndexAfter(Zel2Main& drawing, const Zel2* selected, int by) {
+// The child after the one that is or holds `selected`, round and round; places that were left are passed
+// over.
+Zel2* ChildAfter(Zel2Main& drawing, const Zel2* selected, int by) {
     const int count = drawing.GetCount();
     int at = by > 0 ? -1 : count;
     for (int i = 0; i < count; ++i) {
@@ -99,7 +100,11 @@ int IndexAfter(Zel2Main& drawing, const Zel2* selected, int by) {
             if (drawing[i] == object) at = i;
         }
     }
-    return (at + by + count) % count;
+    for (int step = 0; step < count; ++step) {
+        at = (at + by + count) % count;
+        if (drawing[at]) return drawing[at];
+    }
+    return nullptr;
 }
 
 }  // namespace
@@ -125,6 +130,7 @@ int DeleteSelected(Zel2Selection& selection) {
     int deleted = 0;
     while (selection.GetSize() > 0) {
         Zel2* const object = selection[static_cast<int>(selection.GetSize()) - 1];
+        object->Select(0);
         object->UpdateWindow();
         selection.Forget(object);
         if (auto* set = dynamic_cast<Zel2Set*>(object->GetParent())) {
@@ -204,9 +210,8 @@ void SelectAll(Zel2Main& drawing, Zel2Selection& selection) {
 }
 
 void SelectNext(Zel2Main& drawing, Zel2Selection& selection, int by) {
-    if (drawing.GetCount() == 0) return;
     const int last = static_cast<int>(selection.GetSize()) - 1;
-    Zel2* const next = drawing[IndexAfter(drawing, last >= 0 ? selection[last] : nullptr, by)];
+    Zel2* const next = ChildAfter(drawing, last >= 0 ? selection[last] : nullptr, by);
     if (next) Choose(selection, {next});
 }
 

@@ -15,7 +15,6 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QProgressDialog>
 #include <QSettings>
 #include <QStatusBar>
 #include <QUuid>
@@ -25,7 +24,6 @@ namespace {
 
 constexpr int kCopyInterval = 20000;  // milliseconds between copies of unsaved work
 constexpr int kCheckDelay = 300;      // until another program has finished writing
-constexpr int kPatience = 1000;       // until a progress bar appears
 constexpr const char* kObjects = "application/x-zel-objects";
 constexpr const char* kOrigin = "application/x-zel-origin";
 
@@ -125,6 +123,10 @@ bool MainWindow::Try(const QString& what, const std::function<void()>& work) {
         work();
         QApplication::restoreOverrideCursor();
         return true;
+    } catch (const Cancelled&) {
+        QApplication::restoreOverrideCursor();
+        statusBar()->showMessage("Cancelled.", 5000);
+        return false;
     } catch (CException* e) {
         QApplication::restoreOverrideCursor();
         return Say(what, QString::fromStdString(TakeMessage(e)));
@@ -132,6 +134,23 @@ bool MainWindow::Try(const QString& what, const std::function<void()>& work) {
         QApplication::restoreOverrideCursor();
         return Say(what, e.what());
     }
+}
+
+bool MainWindow::TryLong(const QString& what, const QString& label, const std::function<void(Work&)>& work) {
+    return Try(what, [&] {
+        const auto idle = [](bool* busy) { *busy = false; };
+        busy_ = true;
+        const std::unique_ptr<bool, decltype(idle)> end(&busy_, idle);
+        RunWithProgress(this, label, work);
+    });
+}
+
+// The drawing in the window stays until the other one is there whole.
+bool MainWindow::Load(const QString& what, const QString& path, std::unique_ptr<Zel2Main>& drawing) {
+    return TryLong(what, "Reading " + QFileInfo(path).fileName() + "…", [&](Work& work) {
+        drawing = LoadDocument(Native(path).c_str());
+        work.Check();
+    });
 }
 
 // Documents
@@ -143,16 +162,20 @@ void MainWindow::Show(std::unique_ptr<Zel2Main> drawing, bool saved) {
     history_.Reset(StateOf(shown, viewer.Selection()), saved);
     drawingId_ = QUuid::createUuid().toString();
     Command(ID_ZEL_FIT_WINDOW);
-    setWindowTitle("[*]" + file_.Name());
+    ShowName();
     Watch();
     UpdateActions();
+}
+
+void MainWindow::ShowName() {
+    setWindowTitle("[*]" + file_.Name());
+    view_->SetPrintTitle(QFileInfo(file_.Name()).completeBaseName().toStdString());
 }
 
 bool MainWindow::Open(const QString& path) {
     if (path.endsWith(".csv", Qt::CaseInsensitive)) return OpenCsv(path);
     std::unique_ptr<Zel2Main> drawing;
-    if (!Try("Cannot open " + Quoted(path) + ".", [&] { drawing = LoadDocument(Native(path).c_str()); }))
-        return false;
+    if (!Load("Cannot open " + Quoted(path) + ".", path, drawing)) return false;
     file_.DropCopy();
     file_.Attach(path);
     Show(std::move(drawing), true);
@@ -164,7 +187,12 @@ bool MainWindow::Open(const QString& path) {
 
 bool MainWindow::OpenCsv(const QString& path) {
     std::unique_ptr<Zel2Main> drawing;
-    if (!Try("Cannot make a drawing of " + Quoted(path) + ".", [&] { drawing = FigureOf(path); }))
+    const auto read = [&](Work& work) {
+        drawing = FigureOf(path);
+        work.Check();
+    };
+    if (!TryLong("Cannot make a drawing of " + Quoted(path) + ".",
+                 "Reading " + QFileInfo(path).fileName() + "…", read))
         return false;
     file_.DropCopy();
     file_.Attach({});
@@ -183,8 +211,7 @@ void MainWindow::OfferCopy() {
         this, "Zel",
         "The program ended before changes to " + Quoted(file_.Name()) + " were saved.\nRecover them?");
     std::unique_ptr<Zel2Main> drawing;
-    if (answer == QMessageBox::Yes &&
-        Try("Cannot recover the changes.", [&] { drawing = LoadDocument(Native(copy).c_str()); })) {
+    if (answer == QMessageBox::Yes && Load("Cannot recover the changes.", copy, drawing)) {
         Show(std::move(drawing), false);
         return;
     }
@@ -198,12 +225,11 @@ bool MainWindow::Save() {
                               "Another program has changed " + Quoted(file_.Name()) +
                                   " since it was opened.\nReplace its work by yours?") != QMessageBox::Yes)
         return false;
-    const bool saved = Try("Cannot save " + Quoted(file_.Path()) + ".", [&] {
-        // What is being typed belongs to the document.
-        view_->Viewer()->Selection().RemoveAll();
-        watcher_.removePaths(watcher_.files());
-        file_.Save(history_.Present());
-    });
+    // What is being typed belongs to the document.
+    view_->Viewer()->Selection().RemoveAll();
+    if (!watcher_.files().isEmpty()) watcher_.removePaths(watcher_.files());
+    const bool saved = TryLong("Cannot save " + Quoted(file_.Path()) + ".", "Writing " + file_.Name() + "…",
+                               [&](Work& work) { file_.Save(history_.Present(), work); });
     if (saved) history_.MarkSaved();
     Watch();
     UpdateActions();
@@ -212,18 +238,19 @@ bool MainWindow::Save() {
 
 bool MainWindow::SaveAs(const QString& path) {
     view_->Viewer()->Selection().RemoveAll();
-    const auto write = [&] {
+    const auto write = [&](Work& work) {
         DocumentFile target;
         target.Attach(path);
         if (target.IsOpenElsewhere() && target.Path() != file_.Path())
             throw std::runtime_error("It is open in another program.");
-        target.Save(history_.Present());
+        target.Save(history_.Present(), work);
     };
-    if (!Try("Cannot save " + Quoted(path) + ".", write)) return false;
+    if (!TryLong("Cannot save " + Quoted(path) + ".", "Writing " + QFileInfo(path).fileName() + "…", write))
+        return false;
     file_.DropCopy();
     file_.Attach(path);
     history_.MarkSaved();
-    setWindowTitle("[*]" + file_.Name());
+    ShowName();
     Remember(file_.Path());
     Watch();
     UpdateActions();
@@ -241,7 +268,7 @@ bool MainWindow::MayLose() {
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-    if (!MayLose()) {
+    if (busy_ || !MayLose()) {
         event->ignore();
         return;
     }
@@ -250,7 +277,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 }
 
 void MainWindow::KeepCopy() {
-    if (!history_.IsModified()) return;
+    if (busy_ || !history_.IsModified()) return;
     try {
         file_.KeepCopy(history_.Present(), history_.PresentNumber());
     } catch (CException* e) {
@@ -271,7 +298,8 @@ void MainWindow::Watch() {
 }
 
 void MainWindow::CheckFile() {
-    if (asking_ || !file_.HasNews()) return;
+    if (busy_) checkTimer_.start(kCheckDelay);
+    if (busy_ || asking_ || !file_.HasNews()) return;
     asking_ = true;
     if (!QFileInfo::exists(file_.Path())) {
         statusBar()->showMessage(file_.Name() + " is gone; saving writes it anew.");
@@ -280,9 +308,9 @@ void MainWindow::CheckFile() {
         const auto answer = QMessageBox::question(
             this, "Zel", "Another program has changed " + Quoted(file_.Name()) + ".\nLoad it anew?" + loss);
         std::unique_ptr<Zel2Main> drawing;
-        const auto load = [&] { drawing = LoadDocument(Native(file_.Path()).c_str()); };
         // After a refusal saving asks once more.
-        if (answer == QMessageBox::Yes && Try("Cannot open " + Quoted(file_.Path()) + ".", load)) {
+        if (answer == QMessageBox::Yes &&
+            Load("Cannot open " + Quoted(file_.Path()) + ".", file_.Path(), drawing)) {
             file_.Acknowledge();
             Show(std::move(drawing), true);
         }
@@ -359,9 +387,10 @@ void MainWindow::PasteClipboard() {
 }
 
 // Exports go from a copy, which the window's painting does not touch.
-void MainWindow::ExportNow(const QString& path) {
+void MainWindow::ExportNow(const QString& path, Work& work) {
     const Bytes& state = history_.Present();
     const std::unique_ptr<Zel2Main> drawing = LoadDocument(state.data(), state.size(), "the drawing");
+    work.Check();
     Zel2Report* report = nullptr;
     for (int i = 0; i < drawing->GetCount() && !report; ++i)
         report = dynamic_cast<Zel2Report*>((*drawing)[i]);
@@ -371,21 +400,20 @@ void MainWindow::ExportNow(const QString& path) {
         zel::Export(*drawing, Native(path).c_str(), options);
         return;
     }
-    QProgressDialog progress("Writing pages…", "Cancel", 0, 0, this);
-    progress.setWindowModality(Qt::WindowModal);
-    progress.setMinimumDuration(kPatience);
     const bool complete =
         ExportReport(*drawing, *report, Native(path).c_str(), options, [&](int done, int all) {
-            progress.setMaximum(all);
-            progress.setValue(done);
-            return !progress.wasCanceled();
+            work.all = all;
+            work.done = done;
+            return !work.cancelled;
         });
-    if (!complete) throw std::runtime_error("It was cancelled; no file was left.");
+    if (!complete) throw Cancelled();
 }
 
 bool MainWindow::Export(const QString& path) {
     view_->Viewer()->Selection().RemoveAll();
-    const bool written = Try("Cannot export to " + Quoted(path) + ".", [&] { ExportNow(path); });
+    const bool written =
+        TryLong("Cannot export to " + Quoted(path) + ".", "Writing " + QFileInfo(path).fileName() + "…",
+                [&](Work& work) { ExportNow(path, work); });
     if (written) statusBar()->showMessage("Written: " + path, 5000);
     return written;
 }

@@ -6,6 +6,7 @@
 #include "apps/zelview/History.h"
 
 #include <QFileSystemWatcher>
+#include <QKeySequence>
 #include <QMainWindow>
 #include <QTimer>
 
@@ -55,6 +56,13 @@ class MainWindow : public QMainWindow {
 
   private:
     using Slot = std::function<void()>;
+    // The shortcuts of an action: one, or all that the desktop knows for a command.
+    struct Keys {
+        Keys() = default;
+        Keys(const char* key) : all{QKeySequence(key)} {}
+        Keys(QKeySequence::StandardKey command) : all(QKeySequence::keyBindings(command)) {}
+        QList<QKeySequence> all;
+    };
 
     // Menus, in MainWindowMenus.cpp.
     void MakeMenus();
@@ -64,10 +72,8 @@ class MainWindow : public QMainWindow {
     void MakePageMenu();
     void MakeHelpMenu();
     void MakeToolBar();
-    QAction* Add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
-                 const Slot& slot);
-    QAction* AddCommand(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
-                        UINT command);
+    QAction* Add(QMenu* menu, const char* name, const QString& text, const Keys& keys, const Slot& slot);
+    QAction* AddCommand(QMenu* menu, const char* name, const QString& text, const Keys& keys, UINT command);
     void AddMoves(QMenu* menu);
     void ShowRecent();
     void Remember(const QString& path);
@@ -75,14 +81,18 @@ class MainWindow : public QMainWindow {
 
     // Runs `work`; a failure is told under `what`.
     bool Try(const QString& what, const std::function<void()>& work);
+    // The same for work that may take its time: it runs beside the window, and the user can cancel it.
+    bool TryLong(const QString& what, const QString& label, const std::function<void(Work&)>& work);
+    bool Load(const QString& what, const QString& path, std::unique_ptr<Zel2Main>& drawing);
     bool Say(const QString& what, const QString& why);
     void Show(std::unique_ptr<Zel2Main> drawing, bool saved);
+    void ShowName();
     void ShowState(const Bytes& state);
     void Record(const QString& edit);
     void Edited(const QString& edit);
     void OfferCopy();
     void Watch();
-    void ExportNow(const QString& path);
+    void ExportNow(const QString& path, Work& work);
     void Zoom(int direction);
     void Command(UINT id);
     void GoToPage(int page);
@@ -112,6 +122,7 @@ class MainWindow : public QMainWindow {
     Position lastPosition_;
     bool millimetres_ = true;
     bool asking_ = false;
+    bool busy_ = false;
 };
 
 }  // namespace zel::view

@@ -30,17 +30,17 @@ QAction* MainWindow::Action(const QString& name) const {
     return findChild<QAction*>(name);
 }
 
-QAction* MainWindow::Add(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
+QAction* MainWindow::Add(QMenu* menu, const char* name, const QString& text, const Keys& keys,
                          const Slot& slot) {
     auto* const action = new QAction(text, this);
     action->setObjectName(name);
-    action->setShortcut(keys);
+    action->setShortcuts(keys.all);
     QObject::connect(action, &QAction::triggered, this, [slot] { slot(); });
     menu->addAction(action);
     return action;
 }
 
-QAction* MainWindow::AddCommand(QMenu* menu, const char* name, const QString& text, const QKeySequence& keys,
+QAction* MainWindow::AddCommand(QMenu* menu, const char* name, const QString& text, const Keys& keys,
                                 UINT command) {
     return Add(menu, name, text, keys, [this, command] { Command(command); });
 }
@@ -60,16 +60,17 @@ void MainWindow::MakeFileMenu() {
     Add(menu, "new_csv", "&New from CSV…", QKeySequence::New, [this] { AskCsv(); });
     Add(menu, "open", "&Open…", QKeySequence::Open, [this] { AskOpen(); });
     recent_ = menu->addMenu("Open &Recent");
+    recent_->setObjectName("recent");
     QObject::connect(recent_, &QMenu::aboutToShow, this, [this] { ShowRecent(); });
     menu->addSeparator();
     Add(menu, "save", "&Save", QKeySequence::Save, [this] { Save(); });
-    Add(menu, "save_as", "Save &As…", QKeySequence("Ctrl+Shift+S"), [this] { AskSaveAs(); });
-    Add(menu, "export", "&Export…", QKeySequence("Ctrl+E"), [this] { AskExport(); });
+    Add(menu, "save_as", "Save &As…", "Ctrl+Shift+S", [this] { AskSaveAs(); });
+    Add(menu, "export", "&Export…", "Ctrl+E", [this] { AskExport(); });
     menu->addSeparator();
-    AddCommand(menu, "preview", "Print Pre&view…", QKeySequence("Ctrl+Shift+P"), ID_FILE_PRINT_PREVIEW);
+    AddCommand(menu, "preview", "Print Pre&view…", "Ctrl+Shift+P", ID_FILE_PRINT_PREVIEW);
     AddCommand(menu, "print", "&Print…", QKeySequence::Print, ID_FILE_PRINT);
     menu->addSeparator();
-    Add(menu, "quit", "&Quit", QKeySequence("Ctrl+Q"), [this] { close(); });
+    Add(menu, "quit", "&Quit", "Ctrl+Q", [this] { close(); });
 }
 
 void MainWindow::MakeEditMenu() {
@@ -99,13 +100,13 @@ void MainWindow::MakeEditMenu() {
         SelectAll(*view_->Drawing(), selection());
         UpdateActions();
     });
-    Add(menu, "deselect", "Select &Nothing", QKeySequence("Esc"), [this, selection] {
+    Add(menu, "deselect", "Select &Nothing", "Esc", [this, selection] {
         selection().RemoveAll();
         Command(ID_ZEL_SELECT);
     });
     for (const int by : {1, -1}) {
         Add(menu, by > 0 ? "select_next" : "select_previous", by > 0 ? "Select Ne&xt" : "Select Pre&vious",
-            QKeySequence(by > 0 ? "Ctrl+Tab" : "Ctrl+Shift+Tab"), [this, selection, by] {
+            by > 0 ? "Ctrl+Tab" : "Ctrl+Shift+Tab", [this, selection, by] {
                 SelectNext(*view_->Drawing(), selection(), by);
                 UpdateActions();
             });
@@ -137,7 +138,7 @@ void MainWindow::AddMoves(QMenu* menu) {
             const QString keys = QString(way.modifier) + direction.key;
             const bool size = way.size;
             Add(menu, (QString(size ? "size_" : "move_") + keys).toUtf8(),
-                QString(way.text).arg(direction.key), QKeySequence(keys), [this, by, size] {
+                QString(way.text).arg(direction.key), keys.toUtf8().constData(), [this, by, size] {
                     if (Nudge(view_->Viewer()->Selection(), by, size)) {
                         Edited(size ? "Resize" : "Move");
                     } else {
@@ -152,17 +153,19 @@ void MainWindow::AddMoves(QMenu* menu) {
 
 void MainWindow::MakeViewMenu() {
     QMenu* const menu = menuBar()->addMenu("&View");
-    AddCommand(menu, "pointer", "&Pointer", QKeySequence("F2"), ID_ZEL_SELECT);
-    AddCommand(menu, "zoom_rectangle", "Zoom to &Rectangle", QKeySequence("F3"), ID_ZEL_ZOOM_RECTANGLE);
+    AddCommand(menu, "pointer", "&Pointer", "F2", ID_ZEL_SELECT);
+    AddCommand(menu, "zoom_rectangle", "Zoom to &Rectangle", "F3", ID_ZEL_ZOOM_RECTANGLE);
     menu->addSeparator();
-    Add(menu, "zoom_in", "Zoom &In", QKeySequence::ZoomIn, [this] { Zoom(1); });
+    Keys larger(QKeySequence::ZoomIn);
+    larger.all.append(QKeySequence("Ctrl+="));  // the plus without the shift key
+    Add(menu, "zoom_in", "Zoom &In", larger, [this] { Zoom(1); });
     Add(menu, "zoom_out", "Zoom &Out", QKeySequence::ZoomOut, [this] { Zoom(0); });
     menu->addSeparator();
-    AddCommand(menu, "fit_window", "Fit &Window", QKeySequence("Ctrl+0"), ID_ZEL_FIT_WINDOW);
-    AddCommand(menu, "fit_width", "Fit Wi&dth", QKeySequence("Ctrl+1"), ID_ZEL_FIT_WIDTH);
-    AddCommand(menu, "fit_height", "Fit &Height", QKeySequence("Ctrl+2"), ID_ZEL_FIT_HEIGHT);
+    AddCommand(menu, "fit_window", "Fit &Window", "Ctrl+0", ID_ZEL_FIT_WINDOW);
+    AddCommand(menu, "fit_width", "Fit Wi&dth", "Ctrl+1", ID_ZEL_FIT_WIDTH);
+    AddCommand(menu, "fit_height", "Fit &Height", "Ctrl+2", ID_ZEL_FIT_HEIGHT);
     menu->addSeparator();
-    QAction* const printed = Add(menu, "as_printed", "&Show as Printed", QKeySequence("F6"),
+    QAction* const printed = Add(menu, "as_printed", "&Show as Printed", "F6",
                                  [this] { view_->ShowAsPrinted(Action("as_printed")->isChecked()); });
     printed->setCheckable(true);
     QAction* const metric = Add(menu, "millimetres", "&Millimetres", {}, [this] {
@@ -177,16 +180,15 @@ void MainWindow::MakeViewMenu() {
 void MainWindow::MakePageMenu() {
     QMenu* const menu = menuBar()->addMenu("&Page");
     const auto go = [this](int by) { GoToPage(view_->Report() ? view_->Report()->SelectedPage() + by : 0); };
-    Add(menu, "page_previous", "&Previous", QKeySequence("PgUp"), [go] { go(-1); });
-    Add(menu, "page_next", "&Next", QKeySequence("PgDown"), [go] { go(1); });
-    Add(menu, "page_first", "&First", QKeySequence("Ctrl+Home"), [this] { GoToPage(0); });
-    Add(menu, "page_last", "&Last", QKeySequence("Ctrl+End"),
+    Add(menu, "page_previous", "&Previous", "PgUp", [go] { go(-1); });
+    Add(menu, "page_next", "&Next", "PgDown", [go] { go(1); });
+    Add(menu, "page_first", "&First", "Ctrl+Home", [this] { GoToPage(0); });
+    Add(menu, "page_last", "&Last", "Ctrl+End",
         [this] { GoToPage(view_->Report() ? view_->Report()->PageCount() - 1 : 0); });
     menu->addSeparator();
-    Add(menu, "drawing_previous", "Pre&vious Drawing in the Folder", QKeySequence("Alt+PgUp"),
+    Add(menu, "drawing_previous", "Pre&vious Drawing in the Folder", "Alt+PgUp",
         [this] { OpenNeighbour(-1); });
-    Add(menu, "drawing_next", "Next &Drawing in the Folder", QKeySequence("Alt+PgDown"),
-        [this] { OpenNeighbour(1); });
+    Add(menu, "drawing_next", "Next &Drawing in the Folder", "Alt+PgDown", [this] { OpenNeighbour(1); });
 }
 
 void MainWindow::MakeHelpMenu() {

@@ -34,10 +34,12 @@ void PageDevice::Begin(QPagedPaintDevice& pages) {
 
 void PageDevice::NewPage() {
     FlushText();
+    // A preview's page inherits the clips of the page before and would bring them back after texts.
+    painter_.setClipPath(QPainterPath(), Qt::NoClip);
+    painter_.setClipping(false);
     Check(pages_->newPage());
     penSet_ = false;
     clipSet_ = false;
-    painter_.setClipping(false);
     FillPage();
 }
 

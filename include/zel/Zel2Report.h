@@ -84,6 +84,13 @@ class Zel2Report : public Zel2Tools {
     void OnDraw() override;
     // Exact rules: page info->m_nCurPage, from 1; without `info` the selected one.
     void OnPrint(CDC* dc, CPrintInfo* info) override;
+    // Exact rules: the mouse finds what stands on the page that is shown.
+    MouseAction OnMouse(const MouseStatus& ms) override;
+    void SelectAt(const CRect& r, Zel2Selection* sel) override;
+    using Zel2Tools::SelectAt;
+
+  protected:
+    Zel2* GetSelectableAt(const CPoint& pt) override;
 
   private:
     Zel2Column* Shown() const;

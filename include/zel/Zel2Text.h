@@ -40,9 +40,20 @@ class Zel2Text : public Zel2 {
     void OnPrint(CDC* dc, CPrintInfo* info) override;
     // With exact rules also a text at a point is hit, by the extent that it was last drawn with.
     int IsIn(const CPoint& pt) override;
+    // Exact rules: the corners of the text as it stands, where a selected text shows marks. They are no
+    // handles: nCpt says 0.
+    CPoint Cpt(int i) override;
+    int Select(int on) override;
+    void MoveTo(const CRect& r) override;
+    using Zel2::MoveTo;
 
   private:
+    struct Lines;
     void MeasureLines();
+    bool StandsAtPoint();
+    Lines LinesAsDrawn() const;
+    CPoint Corner(int i);
+    void Repaint();
     void DrawBackground();
     void DrawRule(CRect box);
 

@@ -22,13 +22,6 @@ void CView::OnEndPrinting(CDC*, CPrintInfo*) {}
 
 namespace {
 
-std::string TitleOf(CView& view) {
-    const CDocument* document = view.GetDocument();
-    if (document && !document->GetTitle().IsEmpty()) return document->GetTitle().GetString();
-    CWnd* const frame = view.GetParentFrame();
-    return frame ? frame->GetWindowText().GetString() : "Drawing";
-}
-
 zel::WindowPeer* OwnerOf(CView& view) {
     return view.GetTopLevelParent()->Peer();
 }
@@ -50,9 +43,16 @@ class PageSettings {
 
 }  // namespace
 
+std::string CView::PrintTitle() {
+    const CDocument* document = GetDocument();
+    if (document && !document->GetTitle().IsEmpty()) return document->GetTitle().GetString();
+    CWnd* const frame = GetParentFrame();
+    return frame ? frame->GetWindowText().GetString() : "Drawing";
+}
+
 BOOL CView::DoPreparePrinting(CPrintInfo* info) {
     if (info->m_bPreview) return TRUE;
-    zel::PrintRequest request{.title = TitleOf(*this),
+    zel::PrintRequest request{.title = PrintTitle(),
                               .direct = info->m_bDirect != FALSE,
                               .firstPage = info->GetMinPage(),
                               .lastPage = info->GetMaxPage(),
@@ -120,7 +120,7 @@ void CView::OnFilePrintPreview() {
     CPrintInfo info;
     info.m_bPreview = TRUE;
     if (!OnPreparePrinting(&info)) return;
-    zel::Windows().Preview(OwnerOf(*this), TitleOf(*this), [&](zel::DocumentDevice& pages) {
+    zel::Windows().Preview(OwnerOf(*this), PrintTitle(), [&](zel::DocumentDevice& pages) {
         // The window system calls this from its events, which an exception must not pass through.
         try {
             CPrintInfo pass = info;

@@ -1,114 +1,30 @@
-#include "Support.h"
-#include "apps/zelview/Editing.h"
-#include "apps/zelview/MainWindow.h"
-#include "backends/widgets/WidgetSupport.h"
+#include "Program.h"
 
 #include <zel/Zel2Edit.h>
+#include <zel/platform/File.h>
 #include <zel/platform/Platform.h>
-#include <zel/zel.h>
 
 #include <QAbstractButton>
-#include <QAction>
 #include <QClipboard>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QProcess>
-#include <QSettings>
-#include <QStandardPaths>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTimer>
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 namespace {
 
 namespace fs = std::filesystem;
 using zel::test::Content;
-using zel::test::OnWidgets;
+using zel::test::Program;
 using zel::test::TemporaryFolder;
 using zel::view::History;
 using zel::view::MainWindow;
-
-// A window on a document with a rectangle, a graph and a data field.
-class Program : public OnWidgets {
-  protected:
-    static void SetUpTestSuite() {
-        QStandardPaths::setTestModeEnabled(true);
-        QCoreApplication::setApplicationName("zelview-test");
-        static const TemporaryFolder kSettings;
-        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
-                           QString::fromStdString(kSettings / ""));
-        OnWidgets::SetUpTestSuite();
-    }
-    Program() : path_(folder_ / "drawing.zel") {
-        Zel2Main drawing;
-        drawing.SetRules(ZelRules::EXACT);
-        const int red = drawing.RegisterColor("Red", RGB(200, 0, 0), RGB(0, 0, 0));
-        drawing.Add(new Zel2Rect(CRect(1000, 1000, 1999, 1999), -1, red, Zel2Rect::RECTANGLE, -1));
-        auto* graph = new Zel2Graph;
-        graph->SetGraphSize(CSize(3000, 2000));
-        graph->SetCoord(0, 0, 10, 10);
-        drawing.Add(graph);
-        graph->Origin(CPoint(3000, 0));
-        auto* series = new Zel2PointArray;
-        for (const double x : {0.0, 10.0}) series->Append(x, x);
-        graph->AddIn(series);
-        drawing.Add(new Zel2DataField(CRect(0, 3000, 1999, 3799), "value", "label", -1, -1, -1));
-        zel::SaveDocument(drawing, path_.c_str());
-        EXPECT_TRUE(window_.Open(QString::fromStdString(path_)));
-        Show(window_);
-    }
-    ~Program() override {
-        Do("deselect");
-        zel::view::DocumentFile file;
-        file.DropCopy();
-    }
-    void Do(const char* action) {
-        window_.Action(action)->setEnabled(true);
-        window_.Action(action)->trigger();
-        Settle();
-    }
-    Zel2Main& Drawing() { return *window_.View().Drawing(); }
-    Zel2Selection& Selection() { return window_.View().Viewer()->Selection(); }
-    QWidget* Area() {
-        return zel::widgets::WidgetOf(window_.View())->findChild<QWidget*>("qt_scrollarea_viewport");
-    }
-    QPoint At(int x, int y) {
-        const CPoint pixel = window_.View().Viewer()->Root().Map()->ToDevice(CPoint(x, y));
-        const double factor = window_.devicePixelRatioF();
-        return {static_cast<int>(pixel.x / factor), static_cast<int>(pixel.y / factor)};
-    }
-    void Move(const QPoint& to, Qt::MouseButtons buttons) {
-        QMouseEvent move(QEvent::MouseMove, to, Area()->mapToGlobal(to), Qt::NoButton, buttons, {});
-        QApplication::sendEvent(Area(), &move);
-    }
-    void Click(const QPoint& at) {
-        Move(at, {});
-        Soon([=, this] { return QTest::mouseRelease(Area(), Qt::LeftButton, {}, at), true; });
-        QTest::mousePress(Area(), Qt::LeftButton, {}, at);
-        Settle();
-    }
-    void Drag(const QPoint& from, const QPoint& to) {
-        Move(from, {});
-        QTest::mousePress(Area(), Qt::LeftButton, {}, from);
-        Move(to, Qt::LeftButton);
-        QTest::mouseRelease(Area(), Qt::LeftButton, {}, to);
-        Settle();
-    }
-    static void Answer(QMessageBox::StandardButton button) {
-        Soon([=] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box || !box->button(button)) return false;
-            box->button(button)->click();
-            return true;
-        });
-    }
-    zel::view::Bytes State() { return zel::view::StateOf(Drawing(), Selection()); }
-
-    TemporaryFolder folder_;
-    std::string path_;
-    MainWindow window_;
-};
 
 TEST_F(Program, UndoesEveryEditAndSavesTheResult) {
     const auto before = window_.Steps().Present();
@@ -343,6 +259,37 @@ TEST_F(Program, EveryActionCanBeChosen) {
         }
     }
     window_.Steps().MarkSaved();
+}
+
+TEST_F(Program, LongWorkCanBeCancelled) {
+    int beats = 0;
+    QTimer heart;
+    QObject::connect(&heart, &QTimer::timeout, [&] { ++beats; });
+    heart.start(50);
+    Soon([] {
+        auto* const bar = qobject_cast<QProgressDialog*>(QApplication::activeModalWidget());
+        if (!bar) return false;
+        bar->findChild<QPushButton*>()->click();
+        return true;
+    });
+    const auto endless = [](zel::view::Work& work) {
+        for (;; std::this_thread::sleep_for(std::chrono::milliseconds(5))) work.Check();
+    };
+    EXPECT_THROW(zel::view::RunWithProgress(&window_, "Waiting…", endless), zel::view::Cancelled);
+    EXPECT_GT(beats, 10) << "the window lived on";
+    const std::string message = zel::test::MessageOf<CFileException>(
+        [&] { zel::view::RunWithProgress(&window_, "", [](auto&) { CFile("/none", CFile::modeRead); }); });
+    EXPECT_NE(message.find("/none"), std::string::npos) << "what is thrown beside the window arrives";
+    // Saving that is given up leaves the old file, and nothing else.
+    const std::string before = Content(path_);
+    const std::size_t files = folder_.FileCount();
+    zel::view::DocumentFile file;
+    file.Attach(QString::fromStdString(path_));
+    zel::view::Work work;
+    work.cancelled = true;
+    EXPECT_THROW(file.Save(zel::view::Bytes(5000000), work), zel::view::Cancelled);
+    EXPECT_EQ(Content(path_), before);
+    EXPECT_EQ(folder_.FileCount(), files);
 }
 
 TEST(Steps, AreBounded) {

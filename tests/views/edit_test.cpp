@@ -188,4 +188,48 @@ TEST_F(Editing, ClicksFindSeriesGraphsAndTurnedTexts) {
     EXPECT_NEAR(graph->Size().cy, 2400, 12);
 }
 
+// Texts at a point show where they end, and are repainted whole; pages of reports are open to the mouse.
+TEST_F(Editing, SelectsTextsAtAPointAndWhatStandsOnPages) {
+    drawing_->SetRules(ZelRules::EXACT);
+    auto* text = new Zel2Text("a text of some length", CPoint(1000, 2000), 0, 0, 0, -1, -1, {-1, 0});
+    drawing_->Add(text);
+    auto* report = new Zel2Report;
+    drawing_->Add(report);
+    auto* row = new Zel2Row;
+    auto* field = new Zel2DataField(CRect(0, 0, 899, 399), "1", "x", -1, -1, -1);
+    row->Add(new Zel2Rect(CRect(0, 0, 999, 399), -1, -1, Zel2Rect::RECTANGLE, -1));
+    row->Add(field);
+    report->Append(row);
+    report->MakePages();
+    view_->Invalidate();
+    Of(view_).Paint();
+    ZelViewer& viewer = *view_->Viewer();
+    const auto found = [&](int x, int y) -> Zel2* {
+        MouseStatus status;
+        status.point = viewer.Root().Map()->ToDevice(CPoint(x, y));
+        return viewer.Root().OnMouse(status).object;
+    };
+    EXPECT_EQ(found(1500, 200), field);
+    EXPECT_EQ(found(500, 200), (*row)[0]);
+    Zel2Selection band;
+    band.SetAccumulate(1);
+    viewer.Root().SelectAt(CRect(0, 0, 400, 300), &band);
+    bool inBand = false;
+    for (int i = 0; i < band.GetSize(); ++i) inBand |= band[i] == field;
+    EXPECT_TRUE(inBand);
+    EXPECT_EQ(text->nCpt(), 0U);
+    EXPECT_EQ(text->Cpt(0), CPoint(1000, 2000));
+    const CPoint end = text->Cpt(2);
+    EXPECT_GT(end.x, 2000);
+    EXPECT_LT(end.y, 1950);
+    ASSERT_EQ(found(end.x - 30, 1990), text);
+    // Moved, it is repainted where it was: a pixel near its end is invalid.
+    Of(view_).Paint();
+    text->MoveTo(CPoint(1000, 2200));
+    const CPoint left = viewer.Root().Map()->ToDevice(CPoint(end.x - 30, 1990));
+    bool invalid = false;
+    for (const CRect& part : Of(view_).invalid) invalid |= part.PtInRect(left) != 0;
+    EXPECT_TRUE(invalid);
+}
+
 }  // namespace

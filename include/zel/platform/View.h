@@ -54,6 +54,8 @@ class CView : public CWnd {
     virtual void OnEndPrinting(CDC* dc, CPrintInfo* info);
     // Asks the user for a printer where that is wanted, and keeps it in `info`; FALSE when he cancels.
     BOOL DoPreparePrinting(CPrintInfo* info);
+    // What print-outs are called: the document's title, else that of the frame.
+    virtual std::string PrintTitle();
     // Draws all pages on `pages`, which is finished then. Not a user's command: nothing is asked.
     void PrintTo(zel::DocumentDevice& pages);
 
