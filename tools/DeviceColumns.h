@@ -13,13 +13,13 @@ namespace zel {
 class DeviceColumns {
   public:
     // Columns are `width` device units wide; more than 0.
-    DeviceColumns(CDC& dc, const WorldFrame& frame, int width) : dc_(dc), frame_(frame), width_(width) {}
+    DeviceColumns(const CDC& dc, const WorldFrame& frame, int width)
+        : map_(StateOf(dc.GetSafeHdc()).map), frame_(frame), width_(width) {}
 
     // The column of the device that x of the graph falls in.
     LONG ColumnOf(double x) const {
-        CPoint at(frame_.ToLogical(x, frame_.ymin).x, 0);
-        dc_.LPtoDP(&at, 1);
-        return at.x >= 0 ? at.x / width_ : (at.x + 1) / width_ - 1;
+        const LONG at = map_.ToDevice(frame_.ToLogical(x, frame_.ymin)).x;
+        return at >= 0 ? at / width_ : (at + 1) / width_ - 1;
     }
     // Makes the column of x the one that Contains is about.
     void Enter(double x) {
@@ -43,7 +43,7 @@ class DeviceColumns {
   private:
     static constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-    CDC& dc_;
+    CoordinateMap map_;
     const WorldFrame& frame_;
     int width_;
     LONG column_ = 0;

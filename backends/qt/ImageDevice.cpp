@@ -204,12 +204,11 @@ class ImageDevice::Impl {
             };
             b = {shortened(a.x, b.x), shortened(a.y, b.y)};
             CRect box(PixelOf(std::min(a.x, b.x)), PixelOf(std::min(a.y, b.y)),
-                      PixelOf(std::max(a.x, b.x)) + 1, PixelOf(std::max(a.y, b.y)) + 1);
+                      Add(PixelOf(std::max(a.x, b.x)), 1), Add(PixelOf(std::max(a.y, b.y)), 1));
             if (wide > 1) {
-                box.left -= before;
-                box.top -= before;
-                box.right += wide - 1 - before;
-                box.bottom += wide - 1 - before;
+                const int behind = wide - 1 - before;
+                box = {Subtract(box.left, before), Subtract(box.top, before), Add(box.right, behind),
+                       Add(box.bottom, behind)};
             }
             FillPixels(box, color);
         }

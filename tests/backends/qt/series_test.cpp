@@ -143,6 +143,7 @@ std::unique_ptr<CObject> LoadedCopy(CObject& object, CArchive::Dialect dialect) 
 struct Shape {
     const char* name;
     std::function<double(std::size_t)> x, y;
+    double scaleX = 1, scaleY = 1;
 };
 
 std::vector<Shape> Shapes() {
@@ -168,6 +169,10 @@ std::vector<Shape> Shapes() {
         {"wild", even, wild},
         {"back", back, any},
         {"cloud", cloud, any},
+        {"constant", even, [](std::size_t i) { return 0.5 + 1e-12 * static_cast<double>(i); }},
+        {"denormal", [=](std::size_t i) { return even(i) * 1e-310; }, any, 1e-310},
+        {"huge", [=](std::size_t i) { return even(i) * 1e308; },
+         [=](std::size_t i) { return any(i) * 1e306; }, 1e308, 1e306},
         {"circle", slow, [](std::size_t i) { return 0.5 + 0.4 * std::cos(static_cast<double>(i) / 2000); }}};
 }
 
@@ -205,10 +210,13 @@ TEST(Series, LooksOnImagesAsIfEveryPointWereDrawn) {
                                                  {0.0, 1.0, 0.0, 1.0},
                                                  AnyZoom(),
                                                  AnyZoom()}) {
-                const auto expected = reference.Picture(x0, x1, y0, y1);
-                EXPECT_EQ(Differences(fast.Picture(x0, x1, y0, y1), expected), "")
-                    << shape.name << x0 << " width " << width;
-                EXPECT_EQ(Differences(plain.Picture(x0, x1, y0, y1), expected), "")
+                const auto picture = [&, x0 = x0 * shape.scaleX, x1 = x1 * shape.scaleX,
+                                      y0 = y0 * shape.scaleY, y1 = y1 * shape.scaleY](auto& plot) {
+                    return plot.Picture(x0, x1, y0, y1);
+                };
+                const auto expected = picture(reference);
+                EXPECT_EQ(Differences(picture(fast), expected), "") << shape.name << x0 << " width " << width;
+                EXPECT_EQ(Differences(picture(plain), expected), "")
                     << shape.name << x0 << " width " << width;
             }
         }
@@ -284,33 +292,38 @@ TEST(Series, KeepsStepsCrisp) {
     EXPECT_EQ(Differences(plot.Picture(0, 1, 0, 1), reference.Picture(0, 1, 0, 1)), "");
 }
 
-// Fills and symbols with an index are those without.
-TEST(Series, HasTheSameFillAndSymbolsWithAnIndex) {
+// Lines with their extensions, fills and symbols look with an index as they do without.
+TEST(Series, LooksTheSameWithoutAnIndex) {
     const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
-    Plot<Zel2PointArray> fast(2, grid), plain(2, grid), whole(2, grid);
-    for (const Shape& shape : Shapes()) {
-        if (!std::set<std::string>{"walk", "gaps", "circle"}.contains(shape.name)) continue;
-        for (const bool filled : {true, false}) {
+    enum Kind { LINE, FILL, DISCS };
+    for (const Kind kind : {LINE, FILL, DISCS}) {
+        Plot<Zel2PointArray> fast(2, grid), plain(2, grid);
+        for (auto* plot : {&fast, &plain}) {
+            if (kind == FILL) plot->Fill();
+            if (kind == DISCS) plot->MarkWithDiscs();
+        }
+        unsigned int code = 0;
+        for (const Shape& shape : Shapes()) {
+            const bool filled = std::set<std::string>{"walk", "gaps", "circle"}.contains(shape.name);
+            if (kind == FILL && !filled) continue;
             std::vector<double> x, y;
             for (std::size_t i = 0; i < kMany; ++i) {
                 x.push_back(shape.x(i));
                 y.push_back(shape.y(i));
             }
-            for (auto* plot : {&fast, &plain}) {
-                if (filled) {
-                    plot->Fill();
-                } else {
-                    plot->MarkWithDiscs();
-                }
-                plot->series->SetPoints(x, y);
-            }
+            fast.series->SetPoints(x, y);
+            plain.series->SetPoints(x, y);
             plain.series->GetXVec();
-            for (const unsigned int end : {0U, 7U}) {
-                if (end > 0 && !filled) break;
-                for (auto* plot : {&fast, &plain}) plot->series->SetExtension(end, 8 - end);
+            for (int i = 0; i < 3; ++i) {
+                code = (code + 1) % 9;
+                for (auto* plot : {&fast, &plain}) plot->series->SetExtension(code, (code + 2) % 9);
                 const auto [x0, x1, y0, y1] = AnyZoom();
-                EXPECT_EQ(Differences(fast.Picture(x0, x1, y0, y1), plain.Picture(x0, x1, y0, y1)), "")
-                    << shape.name << " filled " << filled << " extension " << end;
+                const auto picture = [&, x0 = x0 * shape.scaleX, x1 = x1 * shape.scaleX,
+                                      y0 = y0 * shape.scaleY, y1 = y1 * shape.scaleY](auto& plot) {
+                    return plot.Picture(x0, x1, y0, y1);
+                };
+                EXPECT_EQ(Differences(picture(fast), picture(plain)), "")
+                    << shape.name << " of kind " << kind << " with extension " << code;
             }
         }
     }
