@@ -245,6 +245,7 @@ void Zel2PointSet::Plot(DrawSymbol* symbol) {
         if (!places.empty()) symbol->PlotOn(this, places);
         places.clear();
     };
+    const bool hasExtent = frame->xmin < frame->xmax && frame->ymin < frame->ymax;
     const auto isOutside = [frame](const zel::SeriesSpan& span, std::size_t, std::size_t) {
         return span.xmax < frame->xmin || span.xmin > frame->xmax || span.ymax < frame->ymin ||
                span.ymin > frame->ymax;
@@ -252,9 +253,15 @@ void Zel2PointSet::Plot(DrawSymbol* symbol) {
     const auto take = [&](const zel::SeriesStretch& stretch) {
         zel::WalkSeries(
             stretch, isOutside,
-            [&](const zel::SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
-                for (std::size_t i = 0; i < n; ++i)
-                    if (frame->Contains(x[i], y[i])) places.push_back(frame->ToLogical(x[i], y[i]));
+            [&](const zel::SeriesSpan& span, std::size_t, const double* x, const double* y, std::size_t n) {
+                if (!span.gaps && hasExtent && frame->Contains(span.xmin, span.ymin) &&
+                    frame->Contains(span.xmax, span.ymax)) {
+                    places.resize(places.size() + n);
+                    frame->ToLogicalInside(x, y, n, places.data() + places.size() - n);
+                } else {
+                    for (std::size_t i = 0; i < n; ++i)
+                        if (frame->Contains(x[i], y[i])) places.push_back(frame->ToLogical(x[i], y[i]));
+                }
                 if (places.size() >= kBlock) plot();
             });
         return true;

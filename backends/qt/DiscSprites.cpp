@@ -17,34 +17,20 @@ bool DiscSprites::CanDraw(const CSize& size) const {
 }
 
 void DiscSprites::SetSize(const CSize& size) {
+    if (drawn_.empty()) drawn_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
     if (size == size_) return;
     size_ = size;
     for (Sprite& sprite : sprites_) sprite = {};
     Clear();
 }
 
-void DiscSprites::Add(Stroker& stroker, const CPoint& corner) {
-    // In places, of which there are 2^perPixel to a side of a pixel.
-    const int perPixel = shift_ - placeShift_, mask = (1 << perPixel) - 1;
-    const int half = placeShift_ > 0 ? 1 << (placeShift_ - 1) : 0;
-    const int placeX = zel::Add(corner.x, half) >> placeShift_,
-              placeY = zel::Add(corner.y, half) >> placeShift_;
-    const int x = placeX >> perPixel, y = placeY >> perPixel;
-    if (x <= -kSide || y <= -kSide || x >= width_ || y >= height_) return;
-    const int dx = placeX & mask, dy = placeY & mask;
-    const auto place = static_cast<std::size_t>(dy << perPixel | dx);
-    if (x >= 0 && y >= 0) {
-        if (drawn_.empty())
-            drawn_.resize(static_cast<std::size_t>(width_) * static_cast<std::size_t>(height_));
-        std::uint16_t& drawn = drawn_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
-                                      static_cast<std::size_t>(x)];
-        const auto bit = static_cast<std::uint16_t>(1U << place);
-        if ((drawn & bit) != 0) return;
-        drawn = static_cast<std::uint16_t>(drawn | bit);
-        any_ = true;
-    }
+void DiscSprites::Draw(Stroker& stroker, int x, int y, std::size_t place) {
     Sprite& sprite = sprites_[place];
-    if (!sprite.made) Make(sprite, dx << placeShift_, dy << placeShift_);
+    if (!sprite.made) {
+        const int perPixel = shift_ - placeShift_, mask = (1 << perPixel) - 1;
+        const int dx = static_cast<int>(place) & mask, dy = static_cast<int>(place) >> perPixel;
+        Make(sprite, dx << placeShift_, dy << placeShift_);
+    }
     stroker.AddRows(x, y, sprite.left.data(), sprite.rows);
     if (sprite.wide) stroker.AddRows(x + 8, y, sprite.right.data(), sprite.rows);
 }

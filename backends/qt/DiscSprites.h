@@ -23,7 +23,24 @@ class DiscSprites {
     bool CanDraw(const CSize& size) const;
     void SetSize(const CSize& size);
     // `corner` is the upper left one of the rectangle, in units.
-    void Add(Stroker& stroker, const CPoint& corner);
+    void Add(Stroker& stroker, const CPoint& corner) {
+        // In places, of which there are 2^perPixel to a side of a pixel.
+        const int perPixel = shift_ - placeShift_, mask = (1 << perPixel) - 1;
+        const int half = (1 << placeShift_) / 2;
+        const int placeX = zel::Add(corner.x, half) >> placeShift_;
+        const int placeY = zel::Add(corner.y, half) >> placeShift_;
+        const int x = placeX >> perPixel, y = placeY >> perPixel;
+        if (x <= -kSide || y <= -kSide || x >= width_ || y >= height_) return;
+        const int place = (placeY & mask) << perPixel | (placeX & mask);
+        if (x >= 0 && y >= 0) {
+            std::uint16_t& drawn = drawn_[static_cast<std::size_t>(y * width_ + x)];
+            const int bit = 1 << place;
+            if ((drawn & bit) != 0) return;
+            drawn = static_cast<std::uint16_t>(drawn | bit);
+            any_ = true;
+        }
+        Draw(stroker, x, y, static_cast<std::size_t>(place));
+    }
     // The figure is complete.
     void Clear();
 
@@ -38,6 +55,7 @@ class DiscSprites {
         std::array<std::uint64_t, kSide> right{};
     };
 
+    void Draw(Stroker& stroker, int x, int y, std::size_t place);
     void Make(Sprite& sprite, int x, int y) const;
 
     int width_;

@@ -19,6 +19,16 @@ struct WorldFrame {
             zel::Truncate(lower.x + (x - xmin) / (xmax - xmin) * (static_cast<double>(upper.x) - lower.x)),
             zel::Truncate(lower.y + (y - ymin) / (ymax - ymin) * (static_cast<double>(upper.y) - lower.y))};
     }
+    // ToLogical for `n` points that the frame contains, several at once. Its ranges are not empty.
+    void ToLogicalInside(const double* x, const double* y, std::size_t n, CPoint* points) const {
+        const double xRange = xmax - xmin, yRange = ymax - ymin;
+        const double width = static_cast<double>(upper.x) - lower.x;
+        const double height = static_cast<double>(upper.y) - lower.y;
+        for (std::size_t i = 0; i < n; ++i) {
+            points[i] = {static_cast<LONG>(lower.x + (x[i] - xmin) / xRange * width),
+                         static_cast<LONG>(lower.y + (y[i] - ymin) / yRange * height)};
+        }
+    }
     // Limits included.
     bool Contains(double x, double y) const { return x >= xmin && x <= xmax && y >= ymin && y <= ymax; }
     // Limits excluded.
