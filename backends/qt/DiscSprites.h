@@ -33,7 +33,8 @@ class DiscSprites {
         if (x <= -kSide || y <= -kSide || x >= width_ || y >= height_) return;
         const int place = (placeY & mask) << perPixel | (placeX & mask);
         if (x >= 0 && y >= 0) {
-            std::uint16_t& drawn = drawn_[static_cast<std::size_t>(y * width_ + x)];
+            std::uint16_t& drawn = drawn_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                                          static_cast<std::size_t>(x)];
             const int bit = 1 << place;
             if ((drawn & bit) != 0) return;
             drawn = static_cast<std::uint16_t>(drawn | bit);

@@ -176,6 +176,19 @@ std::vector<Shape> Shapes() {
         {"circle", slow, [](std::size_t i) { return 0.5 + 0.4 * std::cos(static_cast<double>(i) / 2000); }}};
 }
 
+struct Points {
+    std::vector<double> x, y;
+};
+
+Points PointsOf(const Shape& shape) {
+    Points points;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        points.x.push_back(shape.x(i));
+        points.y.push_back(shape.y(i));
+    }
+    return points;
+}
+
 // From all of the points to a few.
 std::array<double, 4> AnyZoom() {
     static std::mt19937 random(3);
@@ -195,11 +208,7 @@ TEST(Series, LooksOnImagesAsIfEveryPointWereDrawn) {
         Plot<Zel2PointArray> fast(width, grid), plain(width, grid);
         Plot<EveryPoint> reference(width, grid);
         for (const Shape& shape : Shapes()) {
-            std::vector<double> x, y;
-            for (std::size_t i = 0; i < kMany; ++i) {
-                x.push_back(shape.x(i));
-                y.push_back(shape.y(i));
-            }
+            const auto [x, y] = PointsOf(shape);
             fast.series->SetPoints(x, y);
             plain.series->SetPoints(x, y);
             plain.series->GetXVec();
@@ -306,11 +315,7 @@ TEST(Series, LooksTheSameWithoutAnIndex) {
         for (const Shape& shape : Shapes()) {
             const bool filled = std::set<std::string>{"walk", "gaps", "circle"}.contains(shape.name);
             if (kind == FILL && !filled) continue;
-            std::vector<double> x, y;
-            for (std::size_t i = 0; i < kMany; ++i) {
-                x.push_back(shape.x(i));
-                y.push_back(shape.y(i));
-            }
+            const auto [x, y] = PointsOf(shape);
             fast.series->SetPoints(x, y);
             plain.series->SetPoints(x, y);
             plain.series->GetXVec();
