@@ -70,6 +70,7 @@ void DrawingView::OnDraw(CDC* dc) {
     if (asPrinted_) dc->m_bPrinting = TRUE;
     CZelView::OnDraw(dc);
     dc->m_bPrinting = printing;
+    if (!printing && onPicture_) onPicture_();
 }
 
 BOOL DrawingView::OnPreparePrinting(CPrintInfo* info) {

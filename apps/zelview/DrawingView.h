@@ -25,6 +25,8 @@ class DrawingView : public CZelView {
   public:
     // Called after each move of the mouse and each press and release.
     void SetMouseHandler(std::function<void(const Position&)> handler) { onMouse_ = std::move(handler); }
+    // Called after each picture that is drawn on the window.
+    void SetPictureHandler(std::function<void()> handler) { onPicture_ = std::move(handler); }
     // Shows the tools' printer variants.
     void ShowAsPrinted(bool on);
 
@@ -45,6 +47,7 @@ class DrawingView : public CZelView {
     Position At(const CPoint& pixel) const;
 
     std::function<void(const Position&)> onMouse_;
+    std::function<void()> onPicture_;
     std::string title_ = "Drawing";
     bool asPrinted_ = false;
 };

@@ -1,5 +1,7 @@
 #include "apps/zelview/Progress.h"
 
+#include <zel/platform/Exception.h>
+
 #include <QEventLoop>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -87,6 +89,20 @@ void ShowBar(QWidget* owner, const QString& label, Worker& worker, Work& state) 
     });
 }
 
+// What was given up needs no report of how it ended.
+void Conclude(const Worker& worker, const Work& state) {
+    try {
+        worker.Rethrow();
+    } catch (CException* e) {
+        if (!state.cancelled) throw;
+        e->Delete();
+        throw Cancelled();
+    } catch (const std::exception&) {
+        if (!state.cancelled) throw;
+        throw Cancelled();
+    }
+}
+
 }  // namespace
 
 void Work::Check() const {
@@ -99,7 +115,7 @@ void RunWithProgress(QWidget* owner, const QString& label, const std::function<v
     // Until the bar is there, mouse and keys wait: nobody edits a document that is about to be replaced.
     if (!worker.EndsWithin(kAtOnce)) LiveOn(worker, kPatience, QEventLoop::ExcludeUserInputEvents, [] {});
     if (!worker.EndsWithin(0ms)) ShowBar(owner, label, worker, state);
-    worker.Rethrow();
+    Conclude(worker, state);
 }
 
 }  // namespace zel::view

@@ -27,7 +27,8 @@ class Cancelled : public std::exception {
 };
 
 // Runs `work` in a thread of its own and answers when it has ended. The window goes on living meanwhile;
-// after a second a bar with a button to cancel stands in front of it. Throws what the work throws.
+// after a second a bar with a button to cancel stands in front of it. Throws what the work throws; once it is
+// cancelled every failure is Cancelled.
 void RunWithProgress(QWidget* owner, const QString& label, const std::function<void(Work&)>& work);
 
 }  // namespace zel::view

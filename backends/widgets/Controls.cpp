@@ -29,6 +29,8 @@ class ControlPeer : public Peer {
     using Peer::Peer;
 
   protected:
+    // Keys that the program's shortcuts must leave alone while the control has the keyboard.
+    virtual bool KeepsKey(int) const { return false; }
     void AdoptControl(QWidget* control, QWidget* focused = nullptr) {
         Adopt(control);
         filter_.peer = this;
@@ -48,6 +50,10 @@ class ControlPeer : public Peer {
                 return Send(WM_SETFOCUS), false;
             case QEvent::FocusOut:
                 return Send(WM_KILLFOCUS), false;
+            case QEvent::ShortcutOverride:
+                if (!KeepsKey(static_cast<QKeyEvent*>(event)->key())) return false;
+                event->accept();
+                return true;
             case QEvent::KeyPress: {
                 const UINT key = VirtualKey(static_cast<QKeyEvent*>(event)->key());
                 return key != 0 && Send(WM_KEYDOWN, key);
@@ -74,6 +80,23 @@ int ToUtf8(const QString& text, int position) {
     return static_cast<int>(text.left(position).toUtf8().size());
 }
 
+// Who edits a text means its caret with the arrows, also where the caret cannot go any further.
+bool MovesCaret(int key) {
+    return key == Qt::Key_Left || key == Qt::Key_Right || key == Qt::Key_Up || key == Qt::Key_Down;
+}
+
+// A field of one line makes no use of up and down, and the window around it must not either.
+class LineEdit : public QLineEdit {
+  public:
+    using QLineEdit::QLineEdit;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        QLineEdit::keyPressEvent(event);
+        if (MovesCaret(event->key())) event->accept();
+    }
+};
+
 // Without a frame and a ground where the text stands in a drawing.
 template <class Edit>
 void Plain(Edit* edit) {
@@ -86,7 +109,7 @@ void Plain(Edit* edit) {
 
 class LineEditPeer : public ControlPeer {
   public:
-    explicit LineEditPeer(const WindowSpec& spec) : ControlPeer(spec), edit_(new QLineEdit(ParentWidget())) {
+    explicit LineEditPeer(const WindowSpec& spec) : ControlPeer(spec), edit_(new LineEdit(ParentWidget())) {
         AdoptControl(edit_);
         edit_->setText(FromUtf8(spec.text));
         edit_->setAlignment(AlignmentOf(spec.style) | Qt::AlignVCenter);
@@ -120,6 +143,9 @@ class LineEditPeer : public ControlPeer {
         }
         return {ToUtf8(text, edit_->selectionStart()), ToUtf8(text, edit_->selectionEnd())};
     }
+
+  protected:
+    bool KeepsKey(int key) const override { return MovesCaret(key); }
 
   private:
     Live<QLineEdit> edit_;
@@ -181,6 +207,9 @@ class TextEditPeer : public ControlPeer {
     void ShowCaret() override {
         if (edit_) edit_->ensureCursorVisible();
     }
+
+  protected:
+    bool KeepsKey(int key) const override { return MovesCaret(key); }
 
   private:
     Live<QPlainTextEdit> edit_;

@@ -13,9 +13,17 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <malloc.h>
+#include <numeric>
+#include <random>
 #include <thread>
+#ifdef __SANITIZE_ADDRESS__
+// The header that declares it comes with some compilers only.
+extern "C" std::size_t __sanitizer_get_current_allocated_bytes();  // NOLINT(bugprone-reserved-identifier)
+#endif
 
 namespace {
 
@@ -305,6 +313,50 @@ TEST(Steps, AreBounded) {
     EXPECT_TRUE(history.IsModified()) << "what is saved cannot be reached any more";
     history.Push({1}, "new");
     EXPECT_FALSE(history.CanRedo());
+}
+
+std::size_t HeapInUse() {
+#ifdef __SANITIZE_ADDRESS__
+    return __sanitizer_get_current_allocated_bytes();
+#else
+    const auto heap = mallinfo2();
+    return heap.uordblks + heap.hblkhd;
+#endif
+}
+
+// Edits on both sides of a long series, in the file as on the paper, that also change the length.
+TEST(Steps, ShareTheLongSeriesOfADrawing) {
+    constexpr int kPoints = 1000000;
+    Zel2Main drawing;
+    std::vector<double> x(kPoints), y(kPoints);
+    std::mt19937_64 random(1);
+    std::iota(x.begin(), x.end(), 0.0);
+    std::generate(y.begin(), y.end(), [&] { return std::generate_canonical<double, 53>(random); });
+    auto* const first = new Zel2TRect(CRect(0, 0, 99, 99), "", -1, -1);
+    auto* const graph = new Zel2Graph;
+    auto* const last = new Zel2Rect(CRect(0, 0, 99, 99), -1, -1, Zel2Rect::RECTANGLE, -1);
+    for (Zel2* object : {static_cast<Zel2*>(first), static_cast<Zel2*>(graph), static_cast<Zel2*>(last)})
+        drawing.Add(object);
+    auto* const series = new Zel2PointArray;
+    series->SetPoints(x, y);
+    graph->AddIn(series);
+
+    const zel::view::Bytes begin = zel::DocumentBytes(drawing);
+    const std::size_t before = HeapInUse();
+    History history;
+    history.Reset(begin, true);
+    for (int i = 1; i <= 20; ++i) {
+        first->SetText("%0*d", i, i);
+        last->MoveTo(CPoint(i, i));
+        history.Push(zel::DocumentBytes(drawing), "edit");
+    }
+    EXPECT_LT(HeapInUse() - before, 3 * begin.size());
+    const zel::view::Bytes end = history.Present();
+    EXPECT_EQ(end, zel::DocumentBytes(drawing));
+    while (history.CanUndo()) history.Undo();
+    EXPECT_EQ(history.Present(), begin);
+    while (history.CanRedo()) history.Redo();
+    EXPECT_EQ(history.Present(), end);
 }
 
 }  // namespace
