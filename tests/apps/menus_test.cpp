@@ -4,6 +4,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
@@ -44,6 +45,8 @@ class Menus : public Program {
             const bool saves = dialog->acceptMode() == QFileDialog::AcceptSave;
             const QString chosen = QString::fromStdString(path);
             saves ? dialog->selectFile(chosen) : name->setText(chosen);
+            // While the folder is being read, the name that the dialog began with may come back.
+            if (saves && name->text() != QFileInfo(chosen).fileName()) name->setText(chosen);
             QPushButton* const accept = dialog->findChild<QDialogButtonBox*>()->button(
                 saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
             if (!accept->isEnabled()) return false;  // the folder is still being read
