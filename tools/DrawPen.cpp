@@ -322,8 +322,10 @@ void DrawPen::Ellipse(const CRect& rect) {
     const int middle = static_cast<int>((static_cast<std::int64_t>(rect.top) + rect.bottom) / 2);
     const CPoint right(rect.right, middle);
     const CPoint left(rect.left, middle);
+    Dc()->BeginCurve();  // the halves are not darker where they meet
     Dc()->Arc(&rect, right, left);
     Dc()->Arc(&rect, left, right);
+    Dc()->EndCurve();
 }
 
 void DrawPen::Serialize(CArchive& ar) {

@@ -235,18 +235,22 @@ class ImageDevice::Impl {
         painter.restore();
     }
 
-    // Corners on whole pixels would make a rough ellipse: its points lie between them.
-    void StrokeEllipse(const GraphicsState& state, const QRectF& shape) {
+    // Corners on whole pixels would make a rough ellipse: its points lie between them. The centre is that of
+    // a pixel when the arc's is a whole number.
+    void StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
+        const std::uint32_t color = PixelValue(state.pen.lopnColor);
+        if (color != curveColor) FinishCurve();
+        curveColor = color;
         const double half = PenWidth(state) / 2;
-        const double radius = std::max({shape.width(), shape.height(), 2.0}) / 2;
-        const int sides = std::clamp(static_cast<int>(8 * std::sqrt(radius)), 12, 2000);
+        const double turn = arc.sweep / (2 * std::numbers::pi);
+        const double sides = 8 * std::sqrt(std::max({arc.rx, arc.ry, 1.0})) * std::fabs(turn);
+        const int steps = std::clamp(static_cast<int>(sides), 12, 2000);
         const auto at = [&](int step) {
-            const double angle = 2 * std::numbers::pi * step / sides;
-            return PointF{shape.center().x() + shape.width() / 2 * std::cos(angle),
-                          shape.center().y() + shape.height() / 2 * std::sin(angle)};
+            const double angle = arc.begin + arc.sweep * step / steps;
+            return PointF{arc.cx + 0.5 + arc.rx * std::cos(angle), arc.cy + 0.5 - arc.ry * std::sin(angle)};
         };
-        for (int i = 0; i < sides; ++i) stroker.Add(at(i), at(i + 1), half);
-        stroker.Blend({pixels.data(), width, height}, PixelValue(state.pen.lopnColor), clips);
+        for (int i = 0; i < steps; ++i) stroker.Add(at(i), at(i + 1), half);
+        if (curves == 0) FinishCurve();
     }
 
     void FillRings(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) {
@@ -495,12 +499,26 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     if (!outlined) return;
     const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
     if (impl_->sub == 1 && near && solid && state.rasterMode == R2_COPYPEN) {
-        if (box.Width() > 1 && box.Height() > 1) impl_->StrokeEllipse(state, shape);
+        const EllipticArc whole{
+            shape.center().x() - 0.5, shape.center().y() - 0.5, shape.width() / 2, shape.height() / 2, 0,
+            2 * std::numbers::pi};
+        if (box.Width() > 1 && box.Height() > 1) impl_->StrokeArc(state, whole);
         return;
     }
     GraphicsState outline = state;
     outline.brush.lbStyle = BS_NULL;
     GraphicsDevice::Ellipse(outline, rect);
+}
+
+void ImageDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
+    const bool near = std::fabs(arc.cx) + arc.rx < kFarOutside && std::fabs(arc.cy) + arc.ry < kFarOutside;
+    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    if (impl_->sub > 1 || !near || !solid || state.rasterMode != R2_COPYPEN) {
+        GraphicsDevice::StrokeArc(state, arc);
+        return;
+    }
+    impl_->UseClip(state);
+    impl_->StrokeArc(state, arc);
 }
 
 // Plain discs are symbols of series, and many.

@@ -51,6 +51,26 @@ void WindowDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     Changed(state, corners);
 }
 
+void WindowDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
+    if (places.empty()) return;
+    image_->Ellipses(state, places, box);
+    CPoint corners[] = {places[0], places[0]};
+    for (const CPoint& place : places) {
+        corners[0] = {std::min(corners[0].x, place.x), std::min(corners[0].y, place.y)};
+        corners[1] = {std::max(corners[1].x, place.x), std::max(corners[1].y, place.y)};
+    }
+    corners[0] += CSize(std::min(box.left, box.right), std::min(box.top, box.bottom));
+    corners[1] += CSize(std::max(box.left, box.right), std::max(box.top, box.bottom));
+    Changed(state, corners);
+}
+
+void WindowDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
+    image_->StrokeArc(state, arc);
+    const CPoint corners[] = {{Truncate(arc.cx - arc.rx - 1), Truncate(arc.cy - arc.ry - 1)},
+                              {Truncate(arc.cx + arc.rx + 1), Truncate(arc.cy + arc.ry + 1)}};
+    Changed(state, corners);
+}
+
 // Where rotated text lies is the font's business: everything may have changed.
 void WindowDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
     image_->DrawText(state, spans);

@@ -27,6 +27,11 @@ class WindowDevice : public GraphicsDevice {
     void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                   DWORD operation) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
+    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void StrokeArc(const GraphicsState& state, const EllipticArc& arc) override;
+    int CurveColumn(const GraphicsState& state) const override { return image_->CurveColumn(state); }
+    void BeginCurve() override { image_->BeginCurve(); }
+    void EndCurve() override { image_->EndCurve(); }
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
     CSize TextExtent(const GraphicsState& state, std::string_view text) override {
         return image_->TextExtent(state, text);

@@ -13,6 +13,8 @@ constexpr double kTurn = 2 * std::numbers::pi;
 struct DeviceEllipse {
     double cx, cy, rx, ry;
 
+    DeviceEllipse(double x, double y, double radiusX, double radiusY)
+        : cx(x), cy(y), rx(radiusX), ry(radiusY) {}
     explicit DeviceEllipse(const CRect& box)
         : cx((static_cast<double>(box.left) + box.right) / 2),
           cy((static_cast<double>(box.top) + box.bottom) / 2),
@@ -92,10 +94,10 @@ void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, co
     const int bottom = box.bottom - 1;
     std::vector<CPoint> points;
     constexpr double kQuarter = kTurn / 4;
-    DeviceEllipse({right - w, box.top, right, box.top + h}).Append(points, 0, kQuarter);
-    DeviceEllipse({box.left, box.top, box.left + w, box.top + h}).Append(points, kQuarter, kQuarter);
-    DeviceEllipse({box.left, bottom - h, box.left + w, bottom}).Append(points, 2 * kQuarter, kQuarter);
-    DeviceEllipse({right - w, bottom - h, right, bottom}).Append(points, 3 * kQuarter, kQuarter);
+    DeviceEllipse(CRect{right - w, box.top, right, box.top + h}).Append(points, 0, kQuarter);
+    DeviceEllipse(CRect{box.left, box.top, box.left + w, box.top + h}).Append(points, kQuarter, kQuarter);
+    DeviceEllipse(CRect{box.left, bottom - h, box.left + w, bottom}).Append(points, 2 * kQuarter, kQuarter);
+    DeviceEllipse(CRect{right - w, bottom - h, right, bottom}).Append(points, 3 * kQuarter, kQuarter);
     OneRing(*this, device, points);
 }
 
@@ -124,15 +126,21 @@ void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CP
     if (state.arcDirection == AD_CLOCKWISE) std::swap(begin, finish);
     double sweep = finish - begin;
     while (sweep <= 1e-12) sweep += kTurn;
+    if (kind == ArcKind::ARC) {
+        StrokeArc(device, {ellipse.cx, ellipse.cy, ellipse.rx, ellipse.ry, begin, sweep});
+        return;
+    }
     std::vector<CPoint> points;
     ellipse.Append(points, begin, sweep);
     if (kind == ArcKind::PIE)
         points.push_back({Truncate(std::round(ellipse.cx)), Truncate(std::round(ellipse.cy))});
-    if (kind != ArcKind::ARC) {
-        OneRing(*this, device, points);
-        return;
-    }
-    Polyline(device, points.data(), points.size());
+    OneRing(*this, device, points);
+}
+
+void GraphicsDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
+    std::vector<CPoint> points;
+    DeviceEllipse{arc.cx, arc.cy, arc.rx, arc.ry}.Append(points, arc.begin, arc.sweep);
+    Polyline(state, points.data(), points.size());
 }
 
 void GraphicsDevice::SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) {

@@ -36,6 +36,13 @@ struct TextSpan {
     CPoint at;
 };
 
+// A part of an ellipse in device units, y downwards. Angles are those of the ellipse's parameter, from the
+// right and counterclockwise as it is seen.
+struct EllipticArc {
+    double cx, cy, rx, ry;
+    double begin, sweep;
+};
+
 // Which part of an ellipse an arc primitive draws.
 enum class ArcKind { ARC, CHORD, PIE };
 
@@ -91,6 +98,9 @@ class GraphicsDevice {
     // From the direction of `start` to that of `end`, both seen from the centre of `rect`.
     virtual void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
                      ArcKind kind);
+    // The open arc of an Arc, with a state whose logical units are those of the device. The default is a
+    // polyline with corners on whole units.
+    virtual void StrokeArc(const GraphicsState& state, const EllipticArc& arc);
     virtual void SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color);
     // Fills a region given in logical coordinates.
     virtual void FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush);
