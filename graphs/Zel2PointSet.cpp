@@ -1,6 +1,7 @@
 #include "core/ArchiveFields.h"
 #include "graphs/SeriesFill.h"
 #include "graphs/SeriesHit.h"
+#include "tools/CurveScope.h"
 #include "tools/SeriesIndex.h"
 
 #include <zel/DrawColor.h>
@@ -237,8 +238,7 @@ void Zel2PointSet::PlotPointSymbols() {
 void Zel2PointSet::Plot(DrawSymbol* symbol) {
     const WorldFrame* frame = GraphFrame();
     if (!symbol || !frame) return;
-    CDC* const figure = symbol->IsPlainDisc(this) ? DC() : nullptr;
-    if (figure) figure->BeginCurve();
+    const zel::CurveScope figure(DC(), symbol->IsPlainDisc(this));
     std::vector<CPoint> places;
     places.reserve(kBlock);
     const auto plot = [&] {
@@ -268,7 +268,6 @@ void Zel2PointSet::Plot(DrawSymbol* symbol) {
     };
     ForStretches(take, symbolOnFirst_ ? 0 : 1);
     plot();
-    if (figure) figure->EndCurve();
 }
 
 void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {

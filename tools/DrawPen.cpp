@@ -1,4 +1,5 @@
 #include "core/ArchiveFields.h"
+#include "tools/CurveScope.h"
 #include "tools/DashWalker.h"
 #include "tools/SeriesLine.h"
 
@@ -322,10 +323,9 @@ void DrawPen::Ellipse(const CRect& rect) {
     const int middle = static_cast<int>((static_cast<std::int64_t>(rect.top) + rect.bottom) / 2);
     const CPoint right(rect.right, middle);
     const CPoint left(rect.left, middle);
-    Dc()->BeginCurve();  // the halves are not darker where they meet
+    const zel::CurveScope figure(Dc());  // the halves are not darker where they meet
     Dc()->Arc(&rect, right, left);
     Dc()->Arc(&rect, left, right);
-    Dc()->EndCurve();
 }
 
 void DrawPen::Serialize(CArchive& ar) {

@@ -1,5 +1,7 @@
 #include "tools/SeriesLine.h"
 
+#include "tools/CurveScope.h"
+
 #include <cmath>
 
 namespace {
@@ -28,10 +30,9 @@ void DrawPen::SeriesLine::Draw(std::span<const zel::SeriesStretch> stretches) {
     }
     walker_.DrawSolid();
     stepped_ = AreStepped(stretches);
-    if (!stepped_) dc_.BeginCurve();
+    const zel::CurveScope figure(&dc_, !stepped_);
     for (const zel::SeriesStretch& stretch : stretches) DrawCurve(stretch);
     walker_.FlushRun();
-    if (!stepped_) dc_.EndCurve();
 }
 
 // Lines along the axes lie on whole pixels where a device can tell that they are: they are not handed on as a

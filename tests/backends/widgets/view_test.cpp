@@ -22,6 +22,7 @@ TEST_F(WidgetView, DrawsInWholePixelsOfTheScreen) {
     CClientDC dc(view_);
     EXPECT_EQ(dc.GetDeviceCaps(LOGPIXELSX), std::lround(96 * factor_));
     EXPECT_EQ(dc.GetDeviceCaps(HORZRES), std::lround(400 * factor_));
+    EXPECT_EQ(dc.CurveColumn(), 1) << "or a window would walk every point of a series";
     const QImage image = Grab();
     EXPECT_EQ(image.width(), std::lround(400 * factor_));
     const CRect box = Viewer().Root().Map()->ToDevice(CRect(1000, 1999, 1999, 1000));
