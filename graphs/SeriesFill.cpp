@@ -1,6 +1,6 @@
 #include "graphs/SeriesFill.h"
 
-#include "tools/SeriesIndex.h"
+#include "series/SeriesIndex.h"
 
 #include <algorithm>
 #include <cmath>

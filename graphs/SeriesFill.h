@@ -1,7 +1,7 @@
 // The outlines of filled areas under data series.
 #pragma once
 
-#include "tools/DeviceColumns.h"
+#include "series/DeviceColumns.h"
 
 #include <zel/SeriesPoints.h>
 #include <zel/WorldFrame.h>

@@ -1,8 +1,8 @@
 #include "core/ArchiveFields.h"
 #include "graphs/SeriesFill.h"
 #include "graphs/SeriesHit.h"
-#include "tools/CurveScope.h"
-#include "tools/SeriesIndex.h"
+#include "series/CurveScope.h"
+#include "series/SeriesIndex.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>

@@ -1,5 +1,5 @@
 #include "graphs/StoredPoints.h"
-#include "tools/SeriesIndex.h"
+#include "series/SeriesIndex.h"
 
 #include <zel/Zel2PointView.h>
 

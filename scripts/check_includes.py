@@ -5,9 +5,9 @@ import subprocess
 import sys
 
 # For each folder of sources, the folders whose private headers it may include.
-LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "core", "tools", "drawing", "graphs", "layout", "database", "views"]
+LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "scales", "series", "core", "tools", "drawing", "graphs", "layout", "charts", "database", "views"]
 ALLOWED = {folder: LAYERS[: i + 1] for i, folder in enumerate(LAYERS)}
-ALLOWED["database"] = [f for f in LAYERS if f != "layout"]
+ALLOWED["database"] = [f for f in LAYERS if f not in ("layout", "charts")]
 ALLOWED["backends/sqlite"] = ["backends/sqlite"]
 ALLOWED["backends/odbc"] = ["backends/odbc"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]

@@ -1,5 +1,5 @@
 #include "core/ArchiveFields.h"
-#include "tools/CurveScope.h"
+#include "series/CurveScope.h"
 #include "tools/DashWalker.h"
 #include "tools/SeriesLine.h"
 

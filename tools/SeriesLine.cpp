@@ -1,6 +1,6 @@
 #include "tools/SeriesLine.h"
 
-#include "tools/CurveScope.h"
+#include "series/CurveScope.h"
 
 #include <cmath>
 

@@ -2,8 +2,8 @@
 #pragma once
 
 #include "tools/DashWalker.h"
-#include "tools/DeviceColumns.h"
-#include "tools/SeriesIndex.h"
+#include "series/DeviceColumns.h"
+#include "series/SeriesIndex.h"
 
 #include <zel/WorldFrame.h>
 

@@ -1,4 +1,4 @@
-#include "tools/SeriesIndex.h"
+#include "series/SeriesIndex.h"
 
 #include <cmath>
 #include <system_error>
