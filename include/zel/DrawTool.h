@@ -44,6 +44,8 @@ class DrawTool : public CObject {
     void Name(const char* name) { name_ = name; }
     CString GetName() const { return name_; }
     void SetName(const char* name) { name_ = name; }
+    double Opacity() const { return opacity_; }
+    void Opacity(double opacity) { opacity_ = opacity; }
     // The name without a copy.
     const CString& NameRef() const { return name_; }
 
@@ -62,6 +64,7 @@ class DrawTool : public CObject {
   private:
     CDC* dc_ = nullptr;
     int scale_ = 0;
+    double opacity_ = 1;
 };
 
 // The tools of one kind in a drawing, found by index (dense from 0, never changing once given) or by name.
