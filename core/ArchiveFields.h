@@ -26,6 +26,11 @@ inline bool IsComplete(CArchive& ar) {
     return ar.GetDialect() == CArchive::Dialect::COMPLETE;
 }
 
+// Whether the archive has the fields that documents have had since a format version.
+inline bool HasSince(CArchive& ar, int version) {
+    return IsComplete(ar) && ar.GetDialectVersion() >= version;
+}
+
 // A bool as one byte.
 inline void ExchangeFlag(CArchive& ar, bool& flag) {
     BYTE byte = flag ? 1 : 0;
