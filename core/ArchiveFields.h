@@ -32,7 +32,7 @@ inline void ExchangeFlag(CArchive& ar, bool& flag) {
     flag = byte != 0;
 }
 
-// Signed 32-bit raw values, `count` of them.
+// So many bytes as they lie in memory.
 inline void ExchangeRaw(CArchive& ar, void* data, std::size_t bytes) {
     if (ar.IsStoring()) {
         ar.Write(data, bytes);
