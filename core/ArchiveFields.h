@@ -56,7 +56,7 @@ inline void ExchangeTexts(CArchive& ar, std::vector<std::string>& texts) {
     for (std::string& text : texts) ExchangeText(ar, text);
 }
 
-// Raw bytes.
+// So many bytes as they lie in memory.
 inline void ExchangeRaw(CArchive& ar, void* data, std::size_t bytes) {
     if (ar.IsStoring()) {
         ar.Write(data, bytes);

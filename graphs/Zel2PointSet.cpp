@@ -149,7 +149,7 @@ int Zel2PointSet::SymbolReach() {
     DrawSymbol* const symbol = index >= 0 ? Symbol(index) : nullptr;
     if (!symbol) return -1;
     const CSize size = Map()->ToDevice(symbol->Size());
-    return std::max(std::abs(size.cx), std::abs(size.cy)) / 2;
+    return std::max(zel::Magnitude(size.cx), zel::Magnitude(size.cy)) / 2;
 }
 
 int Zel2PointSet::IsIn(const CPoint& pt) {
