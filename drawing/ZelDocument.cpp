@@ -72,7 +72,7 @@ void CheckContent(CFile& file, const DocumentHeader& header, const std::string& 
 std::unique_ptr<Zel2Main> ReadContent(CFile& file, const DocumentHeader& header) {
     file.Seek(DocumentHeader::kSize, CFile::begin);
     CArchive ar(&file, CArchive::load);
-    ar.SetDialect(CArchive::Dialect::COMPLETE);
+    ar.SetDialect(CArchive::Dialect::COMPLETE, static_cast<int>(header.version));
     std::unique_ptr<Zel2Main> drawing = ReadOwned<Zel2Main>(ar);
     if (ar.BytesLeft() > 0)
         ar.Fail(CArchiveException::genericException,
@@ -147,12 +147,12 @@ DocumentFacts CheckDocument(const char* path) {
 
 void TraceDrawing(const char* path, ArchiveTrace& trace) {
     CFile file(path, CFile::modeRead);
-    std::uint8_t first[2] = {};
-    const bool tagged = file.Read(first, 2) == 2 && first[0] == 0xFF && first[1] == 0xFF;
+    DocumentHeader::Bytes first{};
+    const bool tagged = file.Read(first.data(), first.size()) >= 2 && first[0] == 0xFF && first[1] == 0xFF;
     const bool document = DocumentHeader::Begins(first);
     file.Seek(document ? DocumentHeader::kSize : 0, CFile::begin);
     CArchive ar(&file, CArchive::load);
-    if (document) ar.SetDialect(CArchive::Dialect::COMPLETE);
+    if (document) ar.SetDialect(CArchive::Dialect::COMPLETE, DocumentHeader::VersionIn(first));
     ar.SetTrace(&trace);
     // Hosts store a drawing with its class or only what is in it.
     if (document || tagged) {

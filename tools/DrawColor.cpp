@@ -30,6 +30,7 @@ DrawTool& DrawColor::operator=(const DrawTool& other) {
 void DrawColor::CopyFields(const DrawColor& other) {
     name_ = other.name_;
     printer_ = other.printer_;
+    CopyOpacity(other);
     AttachDc(other.Dc());
     screen_ = other.screen_;
     print_ = other.print_;
@@ -42,7 +43,8 @@ DrawTool* DrawColor::ACopy() const {
 
 void DrawColor::OpenOn(CDC* dc, int scale) {
     DrawTool::OpenOn(dc, scale);
-    brush_ = std::make_unique<CBrush>(GetColor());
+    brush_ = std::make_unique<CBrush>();
+    brush_->CreateSolidBrush(GetColor(), InkOpacity());
 }
 
 void DrawColor::Close() {
@@ -149,6 +151,7 @@ void DrawColor::Polygon(Zel2* obj, double* x, double* y, int n) {
 
 void DrawColor::Serialize(CArchive& ar) {
     zel::Exchange(ar, name_, screen_, print_, printer_);
+    ExchangeOpacity(ar);
 }
 
 DrawColorTable& DrawColorTable::operator=(const DrawColorTable& other) {

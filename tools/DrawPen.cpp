@@ -78,6 +78,7 @@ DrawPen& DrawPen::operator=(const DrawPen& other) {
     if (this == &other) return *this;
     name_ = other.name_;
     printer_ = other.printer_;
+    CopyOpacity(other);
     CopyFields(other);
     return *this;
 }
@@ -115,7 +116,7 @@ void DrawPen::OpenOn(CDC* dc, int scale) {
     if (!dc) return;
     int width = MulDiv(MulDiv(width_, scale, kTenthsOfMillimetrePerInch), LogicalInch(), 1000);
     if (width < 1 && width_ > 0) width = 1;
-    pen_ = std::make_unique<CPen>(PS_SOLID, width, Color());
+    pen_ = std::make_unique<CPen>(PS_SOLID, width, Color(), InkOpacity());
     dashPosition_ = 0;
     dashIndex_ = 0;
 }
@@ -285,7 +286,7 @@ void DrawPen::LineTo(const WorldFrame& frame, std::span<const zel::SeriesStretch
         SeriesLine(*this, *Dc(), frame).Draw(stretches);
     }
     for (const zel::SeriesStretch& stretch : stretches)
-        if (stretch.Size() > 0) world_ = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
+        if (stretch.Size() > 0) world_ = {stretch.X(stretch.end - 1), stretch.Y(stretch.end - 1)};
 }
 
 // Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the
@@ -332,6 +333,7 @@ void DrawPen::Serialize(CArchive& ar) {
     zel::Exchange(ar, name_, screen_, print_, style_, width_);
     zel::ExchangeRaw(ar, pattern_.data(), sizeof pattern_);
     if (zel::IsComplete(ar)) zel::Exchange(ar, printer_);
+    ExchangeOpacity(ar);
     if (ar.IsLoading()) {
         // An older pen that was open keeps neither its platform pen nor its place in the pattern.
         pen_.reset();

@@ -90,8 +90,8 @@ QString ToQString(std::string_view text) {
 
 }  // namespace
 
-QColor ColorOf(COLORREF color) {
-    return {GetRValue(color), GetGValue(color), GetBValue(color)};
+QColor ColorOf(COLORREF color, BYTE transparency) {
+    return {GetRValue(color), GetGValue(color), GetBValue(color), 255 - transparency};
 }
 
 Face::Face(const LOGFONT& font)
@@ -324,7 +324,7 @@ class Run {
 
     void Decorate(const QPointF& baseline, double width) {
         const double thickness = std::max(em_ / 14, 1 / unitsPerPixel_);
-        const QColor color = ColorOf(state_.textColor);
+        const QColor color = ColorOf(state_.textColor, state_.textTransparency);
         if (state_.font.lfUnderline) {
             painter_.fillRect(QRectF(baseline.x(), baseline.y() + em_ * 0.1, width, thickness), color);
         }
@@ -340,12 +340,12 @@ class Run {
         painter_.translate(at);
         painter_.scale(em_ / kPixels, em_ / kPixels);
         painter_.setFont(face_.WithFallback(kPixels));
-        painter_.setPen(ColorOf(state_.textColor));
+        painter_.setPen(ColorOf(state_.textColor, state_.textTransparency));
         painter_.drawText(QPointF(0, 0), ToQString(text));
         painter_.restore();
     }
 
-    void Flush() { line_.Draw(painter_, ColorOf(state_.textColor)); }
+    void Flush() { line_.Draw(painter_, ColorOf(state_.textColor, state_.textTransparency)); }
 
     QPainter& painter_;
     const GraphicsState& state_;

@@ -72,6 +72,6 @@ double WidthOf(const GraphicsState& state, std::string_view text);
 void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans,
                double unitsPerPixel);
 
-QColor ColorOf(COLORREF color);
+QColor ColorOf(COLORREF color, BYTE transparency = 0);
 
 }  // namespace zel::qt

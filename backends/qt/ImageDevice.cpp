@@ -46,6 +46,20 @@ std::uint32_t PixelValue(COLORREF color) {
            static_cast<std::uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
 }
 
+// Not premultiplied.
+std::uint32_t InkOf(COLORREF color, BYTE transparency) {
+    return (PixelValue(color) & 0xFFFFFFu) | static_cast<std::uint32_t>(255 - transparency) << 24;
+}
+std::uint32_t InkOf(const LOGPEN& pen) {
+    return InkOf(pen.lopnColor, pen.lopnTransparency);
+}
+std::uint32_t InkOf(const LOGBRUSH& brush) {
+    return InkOf(brush.lbColor, brush.lbTransparency);
+}
+bool IsOpaque(std::uint32_t ink) {
+    return ink >> 24 == 255;
+}
+
 QPainter::CompositionMode CompositionOf(int rasterMode) {
     switch (rasterMode) {
         case R2_BLACK:
@@ -142,7 +156,13 @@ class ImageDevice::Impl {
         return std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX() / sub);
     }
 
-    void FillPixels(const CRect& box, std::uint32_t value) {
+    void FillPixels(const CRect& box, std::uint32_t ink) {
+        if (!IsOpaque(ink)) {
+            FinishCurve();
+            stroker.AddBox(box);
+            Blend(ink);
+            return;
+        }
         // Clips lie in bands from the top: those above the box and below it are passed over.
         auto part = std::partition_point(clips.begin(), clips.end(),
                                          [&](const CRect& each) { return each.bottom <= box.top; });
@@ -151,7 +171,7 @@ class ImageDevice::Impl {
             if (!seen.IntersectRect(box, *part)) continue;
             for (int y = seen.top; y < seen.bottom; ++y) {
                 auto row = pixels.begin() + static_cast<std::ptrdiff_t>(y) * width;
-                std::fill(row + seen.left, row + seen.right, value);
+                std::fill(row + seen.left, row + seen.right, ink);
             }
         }
     }
@@ -171,9 +191,13 @@ class ImageDevice::Impl {
     }
     void FinishCurve() {
         thinner.End();
-        stroker.Blend({pixels.data(), width, height}, curveColor, clips);
+        Blend(curveColor);
         discs.Clear();
+        if (largeDiscs.isEmpty()) return;
+        painter.fillPath(largeDiscs, QColor::fromRgba(curveColor));
+        largeDiscs.clear();
     }
+    void Blend(std::uint32_t ink) { stroker.Blend({pixels.data(), width, height}, ink, clips); }
 
     // Discs of one size that follow are part of the figure.
     void BeginDiscs(const CSize& size, std::uint32_t color) {
@@ -182,16 +206,29 @@ class ImageDevice::Impl {
         discs.SetSize(size);
     }
 
+    void AddLargeDisc(CRect units, std::uint32_t color) {
+        if (color != curveColor) FinishCurve();
+        curveColor = color;
+        units.NormalizeRect();
+        const double scale = sub;
+        const QRectF shape(units.left / scale, units.top / scale, (units.Width() - 1) / scale,
+                           (units.Height() - 1) / scale);
+        if (!shape.intersects(QRectF(0, 0, width, height))) return;
+        largeDiscs.setFillRule(Qt::WindingFill);
+        largeDiscs.addEllipse(shape);
+    }
+
     // A wide pen that goes nowhere leaves a disc: dots of a dashed line may be as short as that.
     void DrawDot(const CPoint& at, double penWidth, std::uint32_t color) {
         const PointF centre{at.x + 0.5, at.y + 0.5};
         stroker.Add(centre, centre, penWidth / 2);
-        stroker.Blend({pixels.data(), width, height}, color, clips);
+        Blend(color);
     }
 
     // Along the axes: whole pixels. A line one pixel wide leaves out the unit that it ends on; wider ones
     // have ends of half their width.
     void DrawCrisp(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
+        if (!IsOpaque(color)) FinishCurve();
         const int wide = std::max(1, static_cast<int>(std::lround(penWidth)));
         const int before = wide / 2;
         for (std::size_t i = 1; i < count; ++i) {
@@ -210,15 +247,18 @@ class ImageDevice::Impl {
                 box = {Subtract(box.left, before), Subtract(box.top, before), Add(box.right, behind),
                        Add(box.bottom, behind)};
             }
-            FillPixels(box, color);
+            // Corners of a line that one sees through are covered once.
+            IsOpaque(color) ? FillPixels(box, color) : stroker.AddBox(box);
         }
+        if (!IsOpaque(color)) Blend(color);
     }
 
     // Dashed platform pens and raster modes: whole pixels through the painter.
     void DrawPlain(const GraphicsState& state, const CPoint* points, std::size_t count) {
         const double wide = PenWidth(state);
-        QPen pen(ColorOf(state.pen.lopnColor), wide, Qt::SolidLine, wide > 1 ? Qt::RoundCap : Qt::FlatCap,
-                 Qt::RoundJoin);
+        const BYTE transparency = state.rasterMode == R2_COPYPEN ? state.pen.lopnTransparency : BYTE{0};
+        QPen pen(ColorOf(state.pen.lopnColor, transparency), wide, Qt::SolidLine,
+                 wide > 1 ? Qt::RoundCap : Qt::FlatCap, Qt::RoundJoin);
         const auto dashes = DashesOf(state, wide, 1);
         if (!dashes.empty()) pen.setDashPattern(QList<qreal>(dashes.begin(), dashes.end()));
         QPolygonF line;
@@ -238,7 +278,7 @@ class ImageDevice::Impl {
     // Corners on whole pixels would make a rough ellipse: its points lie between them. The centre is that of
     // a pixel when the arc's is a whole number.
     void StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
-        const std::uint32_t color = PixelValue(state.pen.lopnColor);
+        const std::uint32_t color = InkOf(state.pen);
         if (color != curveColor) FinishCurve();
         curveColor = color;
         const double half = PenWidth(state) / 2;
@@ -293,7 +333,7 @@ class ImageDevice::Impl {
         if (operation == WHITENESS || operation == BLACKNESS) {
             FillPixels(box, operation == WHITENESS ? 0xFFFFFFFFu : 0xFF000000u);
         } else if (operation == PATCOPY && brush.lbStyle == BS_SOLID) {
-            FillPixels(box, PixelValue(brush.lbColor));
+            FillPixels(box, InkOf(brush));
         } else {
             GraphicsState how = state;
             how.brush = operation == DSTINVERT ? LOGBRUSH{BS_SOLID, RGB(255, 255, 255), 0} : brush;
@@ -314,7 +354,8 @@ class ImageDevice::Impl {
     std::optional<std::uint32_t> blank;  // what all pixels are, as long as nothing was drawn
     ColumnThinner thinner;
     DiscSprites discs;
-    int curves = 0;  // that have begun, one within the other
+    QPainterPath largeDiscs;  // of the figure
+    int curves = 0;           // that have begun, one within the other
     double curveWidth = 0;
     std::uint32_t curveColor = 0;
     QPainter painter;
@@ -423,7 +464,7 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     impl.UseClip(state);
     const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
     const double penWidth = impl.PenWidth(state);
-    const std::uint32_t color = PixelValue(state.pen.lopnColor);
+    const std::uint32_t color = InkOf(state.pen);
     if (impl.curves > 0 && solid && state.rasterMode == R2_COPYPEN) {
         impl.AddToCurve(points, count, penWidth, color);
     } else if (state.rasterMode != R2_COPYPEN || !solid) {
@@ -507,14 +548,14 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     }
     GraphicsState outline = state;
     outline.brush.lbStyle = BS_NULL;
-    GraphicsDevice::Ellipse(outline, rect);
+    BasicDevice::Ellipse(outline, rect);
 }
 
 void ImageDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
     const bool near = std::fabs(arc.cx) + arc.rx < kFarOutside && std::fabs(arc.cy) + arc.ry < kFarOutside;
     const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
     if (impl_->sub > 1 || !near || !solid || state.rasterMode != R2_COPYPEN) {
-        GraphicsDevice::StrokeArc(state, arc);
+        BasicDevice::StrokeArc(state, arc);
         return;
     }
     impl_->UseClip(state);
@@ -527,12 +568,20 @@ void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> p
         state.pen.lopnStyle == PS_NULL && state.rasterMode == R2_COPYPEN && state.brush.lbStyle == BS_SOLID;
     CRect units = state.map.ToDevice(box);
     units.NormalizeRect();
-    if (!plain || !impl_->discs.CanDraw(units.Size())) {
-        GraphicsDevice::Ellipses(state, places, box);
+    const std::uint32_t ink = InkOf(state.brush);
+    const bool small = impl_->discs.CanDraw(units.Size());
+    // Large discs that one does not see through are the same one by one.
+    if (!plain || (!small && IsOpaque(ink))) {
+        BasicDevice::Ellipses(state, places, box);
         return;
     }
     impl_->UseClip(state);
-    impl_->BeginDiscs(units.Size(), PixelValue(state.brush.lbColor));
+    if (!small) {
+        for (const CPoint& place : places) impl_->AddLargeDisc(state.map.ToDevice(box + place), ink);
+        if (impl_->curves == 0) impl_->FinishCurve();
+        return;
+    }
+    impl_->BeginDiscs(units.Size(), ink);
     const CSize toCorner = units.TopLeft() - state.map.ToDevice(CPoint(0, 0));
     for (const CPoint& place : places) impl_->discs.Add(impl_->stroker, state.map.ToDevice(place) + toCorner);
     if (impl_->curves == 0) impl_->FinishCurve();

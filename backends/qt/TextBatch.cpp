@@ -24,8 +24,9 @@ bool TextBatch::CanHold(const GraphicsState& state, std::span<const TextSpan> sp
 }
 
 bool TextBatch::Matches(const GraphicsState& state) const {
-    return IsEmpty() || (boxes_.size() < kMost && color_ == state.textColor && face_ == &FaceOf(state.font) &&
-                         em_ == EmHeight(state));
+    return IsEmpty() ||
+           (boxes_.size() < kMost && color_ == state.textColor && transparency_ == state.textTransparency &&
+            face_ == &FaceOf(state.font) && em_ == EmHeight(state));
 }
 
 void TextBatch::Add(const GraphicsState& state, std::span<const TextSpan> spans) {
@@ -37,6 +38,7 @@ void TextBatch::Add(const GraphicsState& state, std::span<const TextSpan> spans)
         face_ = &face;
         em_ = em;
         color_ = state.textColor;
+        transparency_ = state.textTransparency;
     }
     line_->Break();
     Box box{1e30, 1e30, -1e30, -1e30};
@@ -63,7 +65,7 @@ bool TextBatch::Touches(const QRectF& area) const {
 
 void TextBatch::Draw(QPainter& painter) {
     if (!line_) return;
-    line_->Draw(painter, ColorOf(color_));
+    line_->Draw(painter, ColorOf(color_, transparency_));
     line_.reset();
     boxes_.clear();
 }

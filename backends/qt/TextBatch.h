@@ -34,6 +34,7 @@ class TextBatch {
     const Face* face_ = nullptr;
     double em_ = 0;
     COLORREF color_ = 0;
+    BYTE transparency_ = 0;
 };
 
 }  // namespace zel::qt

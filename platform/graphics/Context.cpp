@@ -136,7 +136,8 @@ HFONT SelectObject(HDC dc, HFONT font) {
     return zel::GetFont(font, dc->now.graphics.font) ? Replace(dc->now.font, font) : nullptr;
 }
 
-COLORREF SetTextColor(HDC dc, COLORREF color) {
+COLORREF SetTextColor(HDC dc, COLORREF color, BYTE opacity) {
+    dc->now.graphics.textTransparency = static_cast<BYTE>(255 - opacity);
     return Replace(dc->now.graphics.textColor, color);
 }
 UINT SetTextAlign(HDC dc, UINT align) {

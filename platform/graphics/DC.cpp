@@ -84,8 +84,8 @@ CGdiObject* CDC::SelectStockObject(int index) {
     return SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(stock)));
 }
 
-COLORREF CDC::SetTextColor(COLORREF color) {
-    return SetOnBoth(&::SetTextColor, color);
+COLORREF CDC::SetTextColor(COLORREF color, BYTE opacity) {
+    return SetOnBoth(&::SetTextColor, color, opacity);
 }
 COLORREF CDC::SetBkColor(COLORREF color) {
     return SetOnBoth(&::SetBkColor, color);

@@ -61,6 +61,15 @@ WORD High(DWORD value) {
     return static_cast<WORD>(value >> 16);
 }
 
+// The format knows opaque ink only: transparent ink looks as it does on white paper.
+COLORREF OnPaper(COLORREF color, BYTE transparency) {
+    const auto mixed = [&](int channel) {
+        return (channel * (255 - transparency) + 255 * transparency + 127) / 255;
+    };
+    if (transparency == 0) return color;
+    return RGB(mixed(GetRValue(color)), mixed(GetGValue(color)), mixed(GetBValue(color)));
+}
+
 void AppendPoints(std::vector<WORD>& words, std::span<const CPoint> points) {
     for (const CPoint& point : points) words.insert(words.end(), {Word(point.x), Word(point.y)});
 }
@@ -280,13 +289,13 @@ void MetafileDevice::Select(ObjectKind kind, const Words& definition) {
 }
 
 void MetafileDevice::SelectPen(const LOGPEN& pen) {
-    Select(PEN, {static_cast<WORD>(pen.lopnStyle), Word(pen.lopnWidth.x), 0, Low(pen.lopnColor),
-                 High(pen.lopnColor)});
+    const COLORREF color = OnPaper(pen.lopnColor, pen.lopnTransparency);
+    Select(PEN, {static_cast<WORD>(pen.lopnStyle), Word(pen.lopnWidth.x), 0, Low(color), High(color)});
 }
 
 void MetafileDevice::SelectBrush(const LOGBRUSH& brush) {
-    Select(BRUSH,
-           {static_cast<WORD>(brush.lbStyle), Low(brush.lbColor), High(brush.lbColor), Word(brush.lbHatch)});
+    const COLORREF color = OnPaper(brush.lbColor, brush.lbTransparency);
+    Select(BRUSH, {static_cast<WORD>(brush.lbStyle), Low(color), High(color), Word(brush.lbHatch)});
 }
 
 void MetafileDevice::SelectFont(const LOGFONT& font) {
@@ -400,7 +409,7 @@ void MetafileDevice::DrawText(const GraphicsState& state, std::span<const TextSp
     if (state.backgroundMode == OPAQUE) {
         WriteColor(META_SETBKCOLOR, written_.backgroundColor, state.backgroundColor);
     }
-    WriteColor(META_SETTEXTCOLOR, written_.textColor, state.textColor);
+    WriteColor(META_SETTEXTCOLOR, written_.textColor, OnPaper(state.textColor, state.textTransparency));
     const UINT align = state.textAlign & ~TA_UPDATECP;  // positions are given, never taken from the player
     if (written_.textAlign != align) Record(META_SETTEXTALIGN, {static_cast<WORD>(align)});
     written_.textAlign = align;

@@ -12,7 +12,7 @@ namespace zel {
 // Writes the records of a Windows metafile (Microsoft MS-WMF). A record of a setting is written only when a
 // primitive needs it and it differs from what was written last; objects are created when they are first
 // needed and kept for use again.
-class MetafileDevice : public GraphicsDevice {
+class MetafileDevice : public BasicDevice<GraphicsDevice> {
   public:
     explicit MetafileDevice(std::string fileName) : fileName_(std::move(fileName)) {}
 

@@ -215,4 +215,52 @@ TEST_F(Image, WritesTextWhereItIsTold) {
     EXPECT_THAT(warned, testing::HasSubstr("\"No Such Family\" is not installed"));
 }
 
+// Half of black on white is 127, and half of black on that 63.
+TEST_F(Image, MixesTransparentInk) {
+    CPen pen(PS_SOLID, 4 * kSub, RGB(0, 0, 0), 128);
+    CPen* previous = dc_.SelectObject(&pen);
+    Line(CPoint(0, 10 * kSub), CPoint(90 * kSub, 10 * kSub));
+    Line(CPoint(20 * kSub, 0), CPoint(20 * kSub, 30 * kSub));
+    EXPECT_EQ(At(40, 10), RGB(127, 127, 127));
+    EXPECT_EQ(At(20, 10), RGB(63, 63, 63)) << "two lines";
+    const auto cross = [&](int y) {
+        const POINT crossing[] = {{10 * kSub, y * kSub},
+                                  {60 * kSub, y * kSub},
+                                  {60 * kSub, (y + 9) * kSub},
+                                  {40 * kSub, (y + 9) * kSub},
+                                  {40 * kSub, (y - 9) * kSub}};
+        dc_.Polyline(crossing, 5);
+    };
+    cross(40);
+    EXPECT_EQ(At(40, 40), RGB(127, 127, 127)) << "one line that crosses itself";
+    EXPECT_EQ(At(60, 40), RGB(127, 127, 127)) << "at its corner";
+    dc_.BeginCurve();
+    cross(60);
+    cross(62);
+    dc_.EndCurve();
+    EXPECT_EQ(At(40, 61), RGB(127, 127, 127)) << "one figure of two lines";
+    dc_.SelectObject(previous);
+
+    CBrush quarter;
+    quarter.CreateSolidBrush(RGB(255, 0, 0), 64);
+    CBrush* before = dc_.SelectObject(&quarter);
+    dc_.SelectStockObject(NULL_PEN);
+    const CRect box = Units(70, 20, 80, 30), far = Units(70, 40, 80, 50);
+    dc_.FillRect(&box, &quarter);
+    EXPECT_EQ(At(75, 25), RGB(255, 191, 191)) << "255 * 191 / 255";
+    const CPoint corners[] = {far.TopLeft(), {far.right, far.top}, far.BottomRight(), {far.left, far.bottom}};
+    dc_.Polygon(corners, 4);
+    EXPECT_EQ(At(75, 45), RGB(255, 191, 191));
+    for (const int size : {8, 24}) {
+        device_.Clear(RGB(255, 255, 255));
+        const CPoint places[] = {{40 * kSub, 40 * kSub}, {42 * kSub, 40 * kSub}};
+        const CRect disc = Units(-size / 2, -size / 2, size / 2, size / 2);
+        dc_.BeginCurve();
+        for (const CPoint& place : places) dc_.Ellipses({&place, 1}, disc);
+        dc_.EndCurve();
+        EXPECT_EQ(At(41, 40), RGB(255, 191, 191)) << "marks of a series, side " << size;
+    }
+    dc_.SelectObject(before);
+}
+
 }  // namespace

@@ -185,15 +185,15 @@ TEST_F(Context, FillsAndFrames) {
 class Bare : public zel::RecordingDevice {
   public:
     using State = zel::GraphicsState;
-    void Rectangle(const State& s, const CRect& r) override { GraphicsDevice::Rectangle(s, r); }
+    void Rectangle(const State& s, const CRect& r) override { BasicDevice::Rectangle(s, r); }
     void RoundRect(const State& s, const CRect& r, const CSize& c) override {
-        GraphicsDevice::RoundRect(s, r, c);
+        BasicDevice::RoundRect(s, r, c);
     }
-    void Ellipse(const State& s, const CRect& r) override { GraphicsDevice::Ellipse(s, r); }
+    void Ellipse(const State& s, const CRect& r) override { BasicDevice::Ellipse(s, r); }
     void Arc(const State& s, const CRect& r, const CPoint& a, const CPoint& b, zel::ArcKind k) override {
-        GraphicsDevice::Arc(s, r, a, b, k);
+        BasicDevice::Arc(s, r, a, b, k);
     }
-    void SetPixel(const State& s, const CPoint& p, COLORREF c) override { GraphicsDevice::SetPixel(s, p, c); }
+    void SetPixel(const State& s, const CPoint& p, COLORREF c) override { BasicDevice::SetPixel(s, p, c); }
     void Polygons(const State& s, std::span<const CPoint> p, std::span<const int>) override { Keep(s, p); }
     void Polyline(const State& s, const CPoint* p, std::size_t n) override { Keep(s, {p, n}); }
     void FillRect(const State& s, const CRect& r, const LOGBRUSH&, DWORD) override {

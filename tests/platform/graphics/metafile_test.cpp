@@ -233,4 +233,17 @@ TEST(Metafile, SaysWhereItCannotBeWritten) {
                 testing::HasSubstr("/no/such/folder/drawing.wmf"));
 }
 
+// A quarter of red on white paper: 255 * 1/4 + 255 * 3/4 and 0 * 1/4 + 255 * 3/4, rounded.
+TEST(Metafile, MixesTransparentInkWithWhitePaper) {
+    const auto records = RecordsOf(Recorded([](CDC& dc) {
+        CBrush brush;
+        brush.CreateSolidBrush(RGB(255, 0, 0), 64);
+        const CRect box(0, 0, 9, 9);
+        dc.FillRect(&box, &brush);
+    }));
+    constexpr WORD kCreateBrush = 0x02FC;
+    EXPECT_THAT(records,
+                testing::Contains(Record{kCreateBrush, {0, static_cast<std::int16_t>(0xBFFF), 0x00BF, 0}}));
+}
+
 }  // namespace
