@@ -172,12 +172,13 @@ void Zel2Report::DrawBand(zel::ReportBand& band, LONG outer, LONG inner) {
     const LONG left = paper_->left, right = zel::Subtract(paper_->size.cx, paper_->right);
     const unsigned vertical = outer > inner ? DT_TOP : DT_BOTTOM;
     DrawBandText(band.left, CPoint(left, outer), band.font, DT_LEFT | vertical);
-    DrawBandText(band.middle, CPoint(left + (right - left) / 2, outer), band.font, DT_CENTER | vertical);
+    DrawBandText(band.middle, CPoint(zel::Saturate(left + (std::int64_t{right} - left) / 2), outer),
+                 band.font, DT_CENTER | vertical);
     DrawBandText(band.right, CPoint(right, outer), band.font, DT_RIGHT | vertical);
     DrawPen* pen = band.rule >= 0 ? Pen(band.rule) : nullptr;
     if (!pen) return;
     // In the middle between text and content.
-    const LONG y = outer + (inner - outer) * 3 / 4;
+    const LONG y = zel::Saturate(outer + (std::int64_t{inner} - outer) * 3 / 4);
     const CPoint from = R2L(CPoint(left, y)), to = R2L(CPoint(right, y));
     pen->MoveTo(from.x, from.y);
     pen->LineTo(to.x, to.y);

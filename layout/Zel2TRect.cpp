@@ -103,7 +103,7 @@ void Zel2TRect::InflateRect(CRect& r) {
     if (!map) return;
     const int dx = map->ScaleX(map->Zoomed(MulDiv(border_.cx, kUnitsPerInch, kPointsPerInch)));
     const int dy = map->ScaleY(map->Zoomed(MulDiv(border_.cy, kUnitsPerInch, kPointsPerInch)));
-    r.InflateRect(-dx, -std::abs(dy));
+    r.DeflateRect(dx, zel::Magnitude(dy));
 }
 
 void Zel2TRect::OnDraw() {

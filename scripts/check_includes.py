@@ -5,7 +5,7 @@ import subprocess
 import sys
 
 # For each folder of sources, the folders whose private headers it may include.
-LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "scales", "series", "core", "tools", "drawing", "graphs", "layout", "charts", "database", "views"]
+LAYERS = ["platform/object", "platform/graphics", "platform/windows", "platform/database", "core", "scales", "series", "tools", "drawing", "graphs", "layout", "charts", "database", "views"]
 ALLOWED = {folder: LAYERS[: i + 1] for i, folder in enumerate(LAYERS)}
 ALLOWED["database"] = [f for f in LAYERS if f not in ("layout", "charts")]
 ALLOWED["backends/sqlite"] = ["backends/sqlite"]

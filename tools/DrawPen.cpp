@@ -286,7 +286,7 @@ void DrawPen::LineTo(const WorldFrame& frame, std::span<const zel::SeriesStretch
         SeriesLine(*this, *Dc(), frame).Draw(stretches);
     }
     for (const zel::SeriesStretch& stretch : stretches)
-        if (stretch.Size() > 0) world_ = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
+        if (stretch.Size() > 0) world_ = {stretch.X(stretch.end - 1), stretch.Y(stretch.end - 1)};
 }
 
 // Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the

@@ -41,11 +41,11 @@ bool DrawPen::SeriesLine::AreStepped(std::span<const zel::SeriesStretch> stretch
     WorldPoint before = pen_.world_;
     for (const zel::SeriesStretch& stretch : stretches) {
         if (stretch.Size() == 0) continue;
-        const double x[] = {before.x, stretch.x.At(stretch.begin)};
-        const double y[] = {before.y, stretch.y.At(stretch.begin)};
+        const double x[] = {before.x, stretch.X(stretch.begin)};
+        const double y[] = {before.y, stretch.Y(stretch.begin)};
         if (!zel::IsStepped({zel::SeriesValues(x), zel::SeriesValues(y), 0, 2}) || !zel::IsStepped(stretch))
             return false;
-        before = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
+        before = {stretch.X(stretch.end - 1), stretch.Y(stretch.end - 1)};
     }
     return true;
 }
@@ -58,7 +58,7 @@ void DrawPen::SeriesLine::DrawDashed(const zel::SeriesStretch& stretch) {
             pen_.world_ = {x[i], y[i]};
         }
     };
-    const auto at = [&](std::size_t i) { return WorldPoint{stretch.x.At(i), stretch.y.At(i)}; };
+    const auto at = [&](std::size_t i) { return WorldPoint{stretch.X(i), stretch.Y(i)}; };
     zel::WalkSeries(
         stretch,
         [&](const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
@@ -90,8 +90,8 @@ void DrawPen::SeriesLine::DrawCurve(const zel::SeriesStretch& stretch) {
 bool DrawPen::SeriesLine::TakeWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
     if (IsBeyond(span)) {
         DrawRun();
-        LineTo(stretch_->x.At(begin), stretch_->y.At(begin));
-        pen_.world_ = {stretch_->x.At(end - 1), stretch_->y.At(end - 1)};
+        LineTo(stretch_->X(begin), stretch_->Y(begin));
+        pen_.world_ = {stretch_->X(end - 1), stretch_->Y(end - 1)};
         return true;
     }
     if (!IsInColumns(span)) return false;
@@ -144,9 +144,9 @@ void DrawPen::SeriesLine::AddToRun(std::size_t begin, std::size_t end, const zel
 void DrawPen::SeriesLine::DrawRun() {
     if (run_.begin == run_.end) return;
     const std::size_t begin = run_.begin, last = run_.end - 1;
-    const WorldPoint from{stretch_->x.At(begin), stretch_->y.At(begin)};
+    const WorldPoint from{stretch_->X(begin), stretch_->Y(begin)};
     LineTo(from.x, from.y);
-    const WorldPoint to{stretch_->x.At(last), stretch_->y.At(last)};
+    const WorldPoint to{stretch_->X(last), stretch_->Y(last)};
     pen_.world_ = to;
     if (begin < last && run_.high > frame_.ymin && run_.low < frame_.ymax) {
         const LONG column = frame_.ToLogical(from.x, from.y).x;

@@ -47,7 +47,7 @@ GraphicsState InDeviceUnits(const GraphicsState& state) {
     GraphicsState device = state;
     device.map = CoordinateMap();
     LONG& width = device.pen.lopnWidth.x;
-    if (width != 0) width = std::max<LONG>(1, Truncate(std::abs(width) * state.map.ScaleX() + 0.5));
+    if (width != 0) width = std::max<LONG>(1, Truncate(std::fabs(width) * state.map.ScaleX() + 0.5));
     return device;
 }
 
@@ -90,8 +90,8 @@ void BasicDevice<Interface>::RoundRect(const GraphicsState& state, const CRect& 
     const GraphicsState device = InDeviceUnits(state);
     if (!HasRoom(device, box)) return;
     const CSize size = state.map.ToDevice(corner);
-    const int w = std::min(std::abs(size.cx), box.Width());
-    const int h = std::min(std::abs(size.cy), box.Height());
+    const int w = std::min(Magnitude(size.cx), box.Width());
+    const int h = std::min(Magnitude(size.cy), box.Height());
     const int right = box.right - 1;
     const int bottom = box.bottom - 1;
     std::vector<CPoint> points;

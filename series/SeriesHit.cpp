@@ -1,4 +1,4 @@
-#include "graphs/SeriesHit.h"
+#include "series/SeriesHit.h"
 
 #include "series/SeriesIndex.h"
 
@@ -38,8 +38,8 @@ bool SeriesHit::Test(const SeriesStretch& stretch) {
         const bool beside = std::min(low.x, high.x) > reach || std::max(low.x, high.x) < -reach ||
                             std::min(low.y, high.y) > reach || std::max(low.y, high.y) < -reach;
         if (!beside) return false;
-        hit = TestPoint(stretch.x.At(begin), stretch.y.At(begin));
-        last_ = FromHere(stretch.x.At(end - 1), stretch.y.At(end - 1));
+        hit = TestPoint(stretch.X(begin), stretch.Y(begin));
+        last_ = FromHere(stretch.X(end - 1), stretch.Y(end - 1));
         return true;
     };
     WalkSeries(stretch, pass,
