@@ -2,8 +2,9 @@
 // first lines of its data.
 //
 //     zel_make_seeds FOLDER DATA_FOLDER
-#include "Examples.h"
 #include "RandomDrawing.h"
+#include "Support.h"
+#include "examples/gallery.h"
 #include "tests/fuzz/LoaderFuzz.h"
 
 #include <zel/platform/Archive.h>
@@ -54,13 +55,16 @@ void WriteSeeds(Zel2Main& drawing, const std::string& path) {
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    const std::string folder(argv[1]);
+    const std::string folder = std::filesystem::absolute(argv[1]), data = std::filesystem::absolute(argv[2]);
     std::filesystem::create_directories(folder);
     for (unsigned seed = 0; seed < kDrawings; ++seed)
         WriteSeeds(*zel::test::RandomDrawing(seed).Make(), folder + "/random" + std::to_string(seed));
-    const zel::test::TemporaryFolder data;
-    CutData(argv[2], data / "data");
+    // Drawings keep where their data came from: under names that are the same every time.
+    const zel::test::TemporaryFolder own;
+    std::filesystem::current_path(own / "");
+    setenv("TMPDIR", ".", 1);
+    CutData(data, "data");
     for (const Example& example : AllExamples())
-        WriteSeeds(*zel::test::MakeExample(example, data / "data"), folder + "/" + example.name);
+        WriteSeeds(*example.make("data"), folder + "/" + example.name);
     return 0;
 }
