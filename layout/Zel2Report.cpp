@@ -3,6 +3,7 @@
 #include <zel/Mapping.h>
 #include <zel/Zel2Report.h>
 #include <zel/Zel2Selection.h>
+#include <zel/platform/DC.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/PrintInfo.h>
 
@@ -121,10 +122,18 @@ void Zel2Report::OnPrint(CDC* dc, CPrintInfo* info) {
         Zel2Tools::OnPrint(dc, info);
         return;
     }
+    // A page on paper has its own margins: it begins at the paper's corner, not at that of what the printer
+    // can reach.
+    const CPoint origin = dc->GetViewportOrg();
+    if (IsOnPaper()) {
+        dc->SetViewportOrg(zel::Subtract(origin.x, dc->GetDeviceCaps(PHYSICALOFFSETX)),
+                           zel::Subtract(origin.y, dc->GetDeviceCaps(PHYSICALOFFSETY)));
+    }
     const int selected = selected_;
     if (info && !content_) SelectPage(zel::Saturate(std::int64_t{info->m_nCurPage} - 1));
     OnDraw();
     SelectPage(selected);
+    dc->SetViewportOrg(origin.x, origin.y);
 }
 
 MouseAction Zel2Report::OnMouse(const MouseStatus& ms) {

@@ -3,7 +3,7 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
-#include "backends/qt/RunThinner.h"
+#include "platform/graphics/RunThinner.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,7 +11,6 @@
 namespace zel::qt {
 namespace {
 
-constexpr double kHairlineInches = 0.18 / 72;
 constexpr double kPixelsPerInch = 96;
 constexpr double kHatchPixels = 8;
 constexpr double kFarOutside = 1e7;

@@ -4,7 +4,8 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
-#include "backends/qt/RunThinner.h"
+#include "platform/graphics/ComplexText.h"
+#include "platform/graphics/RunThinner.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
@@ -19,7 +20,7 @@ namespace {
 
 constexpr int kResolution = kSvgUnitsPerInch;
 constexpr double kPixel = kResolution / 96.0;  // of a screen
-constexpr double kHairline = 0.5 * kPixel;
+constexpr double kHairline = kHairlineInches * kResolution;
 constexpr double kHatchSpacing = 8 * kPixel;
 
 QString Number(double value) {
@@ -55,6 +56,8 @@ class SvgDevice : public MeasuringDevice {
         xml_.writeAttribute("viewBox", "0 0 " + width + " " + height);
         xml_.writeAttribute("stroke-linecap", "round");
         xml_.writeAttribute("stroke-linejoin", "round");
+        // Widths are those of the characters, as everywhere else.
+        xml_.writeAttribute("style", "font-kerning:none");
         if (!options.title.empty()) xml_.writeTextElement("title", QString::fromStdString(options.title));
         if (!options.opaqueBackground) return;
         xml_.writeEmptyElement("rect");
@@ -160,6 +163,10 @@ class SvgDevice : public MeasuringDevice {
         EndFigure();
         const double tolerance = std::max(2.0, EmHeight(state) * 0.02);
         const double angle = state.font.lfEscapement / 10.0 * M_PI / 180;
+        if (const std::string whole = WholeOf(spans); !FaceOf(state.font).IsPlain(whole)) {
+            WriteText(state, whole, state.map.ToDevice(spans[0].at), WidthOf(state, whole));
+            return;
+        }
         std::size_t begin = 0;
         while (begin < spans.size()) {
             std::string text(spans[begin].text);
@@ -171,7 +178,7 @@ class SvgDevice : public MeasuringDevice {
                 const double x = start.x + width * std::cos(angle), y = start.y - width * std::sin(angle);
                 if (std::hypot(at.x - x, at.y - y) > tolerance) break;
                 text += spans[next].text;
-                width = WidthOf(state, text);
+                width += WidthOf(state, spans[next].text);
             }
             WriteText(state, text, start, width);
             begin = next;
@@ -306,14 +313,20 @@ class SvgDevice : public MeasuringDevice {
         // Spaces of a label are kept, and nothing but spaces draws nothing.
         if (text.find_first_not_of(' ') == std::string::npos) return;
         const BaselineOffset offset = OffsetOf(state, width);
+        const bool fromTheRight = IsRightToLeft(text);
         const double em = EmHeight(state);
         const QString x = Number(at.x), y = Number(at.y);
         xml_.writeStartElement("text");
-        xml_.writeAttribute("x", Number(at.x + offset.x));
+        xml_.writeAttribute("x", Number(at.x + offset.x + (fromTheRight ? width : 0)));
         xml_.writeAttribute("y", Number(at.y + offset.y));
         if (state.font.lfEscapement % 3600 != 0) {
             xml_.writeAttribute(
                 "transform", "rotate(" + Number(-state.font.lfEscapement / 10.0) + " " + x + " " + y + ")");
+        }
+        // What is read from the right begins at its right end.
+        if (fromTheRight) {
+            xml_.writeAttribute("direction", "rtl");
+            xml_.writeAttribute("unicode-bidi", "embed");
         }
         const QString face = QString::fromUtf8(state.font.lfFaceName);
         xml_.writeAttribute("font-family",
@@ -326,9 +339,10 @@ class SvgDevice : public MeasuringDevice {
         }
         xml_.writeAttribute("fill", HexColor(state.textColor));
         WriteOpacity("fill-opacity", state.textTransparency);
-        xml_.writeAttribute("textLength", Number(width));
+        // Readers part joined letters to reach a length.
+        if (!IsComplexText(text)) xml_.writeAttribute("textLength", Number(width));
         xml_.writeAttribute("xml:space", "preserve");
-        xml_.writeCharacters(QString::fromStdString(text));
+        xml_.writeCharacters(QString::fromStdString(Writable(FaceOf(state.font).Font(), text)));
         xml_.writeEndElement();
     }
 

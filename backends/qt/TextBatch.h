@@ -14,7 +14,7 @@ namespace zel::qt {
 class TextBatch {
   public:
     // Whether texts with these settings can be held at all: turned, decorated and opaque ones cannot, nor
-    // characters that the face does not have.
+    // those that are not plain (Face::IsPlain).
     static bool CanHold(const GraphicsState& state, std::span<const TextSpan> spans);
     // Whether they go with what is held already.
     bool Matches(const GraphicsState& state) const;

@@ -34,8 +34,10 @@ void WriteSeed(const std::string& path, unsigned mode, const void* bytes, std::s
     seed.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
 }
 
-void WriteSeeds(Zel2Main& drawing, const std::string& path) {
-    for (const auto dialect : {CArchive::Dialect::CLASSIC, CArchive::Dialect::COMPLETE}) {
+void WriteSeeds(Zel2Main& drawing, const std::string& path,
+                const std::vector<CArchive::Dialect>& dialects = {CArchive::Dialect::CLASSIC,
+                                                                  CArchive::Dialect::COMPLETE}) {
+    for (const auto dialect : dialects) {
         CMemFile file;
         CArchive ar(&file, CArchive::store);
         ar.SetDialect(dialect);
@@ -59,12 +61,20 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     for (unsigned seed = 0; seed < kDrawings; ++seed)
         WriteSeeds(*zel::test::RandomDrawing(seed).Make(), folder + "/random" + std::to_string(seed));
+    for (unsigned seed = 0; seed < kDrawings; ++seed) {
+        const auto drawing = zel::test::RandomDrawing(seed, zel::test::RandomDrawing::Charts::WITH).Make();
+        WriteSeeds(*drawing, folder + "/chart" + std::to_string(seed), {CArchive::Dialect::COMPLETE});
+    }
     // Drawings keep where their data came from: under names that are the same every time.
     const zel::test::TemporaryFolder own;
     std::filesystem::current_path(own / "");
     setenv("TMPDIR", ".", 1);
     CutData(data, "data");
-    for (const Example& example : AllExamples())
-        WriteSeeds(*example.make("data"), folder + "/" + example.name);
+    for (const Example& example : AllExamples()) {
+        const auto drawing = example.make("data");
+        const bool isChart = drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0]);
+        isChart ? WriteSeeds(*drawing, folder + "/" + example.name, {CArchive::Dialect::COMPLETE})
+                : WriteSeeds(*drawing, folder + "/" + example.name);
+    }
     return 0;
 }

@@ -1,6 +1,7 @@
 #include "Support.h"
 
 #include <zel/platform/Platform.h>
+#include <zel/platform/Warning.h>
 #include <zel/qt/Install.h>
 #include <zel/zel.h>
 
@@ -525,6 +526,38 @@ TEST_F(Files, MixTransparentInkInVectors) {
         expect(125, 80, qRgb(255, 191, 191), "where marks of a figure lie one over the other");
         expect(33, 140, qRgb(127, 127, 255), "text");
     }
+}
+
+// Hebrew is found in PDF in the order in which it is read, and SVG tells the direction.
+TEST_F(Files, KeepTextOfEveryDirectionSearchable) {
+    const int font = root_.GetFontIndex("text");
+    root_.Add(new Zel2Text("\u05E9\u05DC\u05D5\u05DD abc", CPoint(2000, 1000), font, DT_CENTER, 0, -1, -1,
+                           {-1, 0.0F}));
+    root_.Add(new Zel2Text("cafe\u0301 \u0416", CPoint(2000, 500), font, DT_CENTER, 900, -1, -1, {-1, 0.0F}));
+    const std::string text = RunProgram("pdftotext " + Written("a.pdf") + " -").text;
+    EXPECT_THAT(text, testing::HasSubstr("\u05E9\u05DC\u05D5\u05DD"));
+    EXPECT_THAT(text, testing::HasSubstr("caf\u00E9 \u0416"));
+    const std::string svg = Content(Written("a.svg"));
+    EXPECT_THAT(svg, testing::ContainsRegex("direction=\"rtl\".*>\u05E9\u05DC\u05D5\u05DD abc<"));
+}
+
+// What a foreign document can ask for: a dashed line around a giant, and a line of text without end.
+TEST_F(Files, DoNotGrowWithoutLimit) {
+    Zel2Main drawing;
+    drawing.SetRules(ZelRules::EXACT);
+    const int pen = drawing.RegisterPen("dots", DrawPen::DOT, 0, 0, 0, nullptr);
+    drawing.Add(new Zel2Rect(CRect(0, 0, 30'000'000, 200'000), pen, -1, Zel2Rect::RECTANGLE, -1));
+    const int font = drawing.RegisterFont("f", "Arial", 100, 0, 0, 0, 0, 0, 0);
+    drawing.Add(new Zel2Text(std::string(80'000, 'x').c_str(), CPoint(0, 0), font, 0, 0, -1, -1, {-1, 0.0F}));
+    std::vector<std::string> warnings;
+    const auto before = zel::SetWarningHandler([&](const std::string& text) { warnings.push_back(text); });
+    for (const char* name : {"giant.svg", "giant.pdf"}) {
+        const std::string path = folder_ / name;
+        zel::Export(drawing, path.c_str());
+        EXPECT_LT(Content(path).size(), 40'000'000U) << name;
+    }
+    zel::SetWarningHandler(before);
+    EXPECT_THAT(warnings, testing::Contains(testing::HasSubstr("dashes is drawn solid")));
 }
 
 }  // namespace
