@@ -2,8 +2,9 @@
 // first lines of its data.
 //
 //     zel_make_seeds FOLDER DATA_FOLDER
-#include "Examples.h"
 #include "RandomDrawing.h"
+#include "Support.h"
+#include "examples/gallery.h"
 #include "tests/fuzz/LoaderFuzz.h"
 
 #include <zel/platform/Archive.h>
@@ -56,7 +57,7 @@ void WriteSeeds(Zel2Main& drawing, const std::string& path,
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    const std::string folder(argv[1]);
+    const std::string folder = std::filesystem::absolute(argv[1]), data = std::filesystem::absolute(argv[2]);
     std::filesystem::create_directories(folder);
     for (unsigned seed = 0; seed < kDrawings; ++seed)
         WriteSeeds(*zel::test::RandomDrawing(seed).Make(), folder + "/random" + std::to_string(seed));
@@ -64,10 +65,13 @@ int main(int argc, char** argv) {
         const auto drawing = zel::test::RandomDrawing(seed, zel::test::RandomDrawing::Charts::WITH).Make();
         WriteSeeds(*drawing, folder + "/chart" + std::to_string(seed), {CArchive::Dialect::COMPLETE});
     }
-    const zel::test::TemporaryFolder data;
-    CutData(argv[2], data / "data");
+    // Drawings keep where their data came from: under names that are the same every time.
+    const zel::test::TemporaryFolder own;
+    std::filesystem::current_path(own / "");
+    setenv("TMPDIR", ".", 1);
+    CutData(data, "data");
     for (const Example& example : AllExamples()) {
-        const auto drawing = zel::test::MakeExample(example, data / "data");
+        const auto drawing = example.make("data");
         const bool isChart = drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0]);
         isChart ? WriteSeeds(*drawing, folder + "/" + example.name, {CArchive::Dialect::COMPLETE})
                 : WriteSeeds(*drawing, folder + "/" + example.name);
