@@ -34,6 +34,7 @@ class ChartLayouter {
     // An axis before it has its place.
     struct Measured {
         bool turned = false;                 // labels run along the other direction
+        bool wrapped = false;                // labels are broken into lines
         int labels = 0;                      // how far labels reach outwards, without contexts
         int contexts = 0;                    // the height of the second line
         int beforeStart = 0, behindEnd = 0;  // how far labels reach beyond the ends of the axis

@@ -23,7 +23,9 @@ std::uint32_t AddToChecksum(std::uint32_t checksum, const void* bytes, std::size
 // Counts and sums up what is written through it.
 class ChecksummedFile : public CFile {
   public:
-    using CFile::CFile;
+    // `name` stands for the path in exceptions.
+    ChecksummedFile(const char* path, const char* name) : CFile(path, modeReadWrite), name_(name) {}
+    CString GetFilePath() const override { return name_; }
     void Write(const void* bytes, std::size_t count) override {
         checksum_ = AddToChecksum(checksum_, bytes, count);
         length_ += count;
@@ -33,6 +35,7 @@ class ChecksummedFile : public CFile {
     std::uint64_t Length() const { return length_; }
 
   private:
+    CString name_;
     std::uint32_t checksum_ = 0;
     std::uint64_t length_ = 0;
 };
@@ -96,7 +99,7 @@ void StoreComplete(CFile& file, Zel2& object) {
 
 void SaveDocument(Zel2Main& drawing, const char* path) {
     SafeFile target(path);
-    ChecksummedFile file(target.TemporaryPath().c_str(), CFile::modeReadWrite);
+    ChecksummedFile file(target.TemporaryPath().c_str(), path);
     file.Seek(DocumentHeader::kSize, CFile::begin);
     StoreComplete(file, drawing);
 

@@ -282,7 +282,7 @@ Ticks CalendarTicks(const Scale& scale, const TickRoom& room) {
     const std::vector<Step> steps = StepsFor(range, wanted);
     Ticks fallback;
     for (std::size_t i = 0; i < steps.size(); ++i) {
-        if (range / steps[i].seconds > 1.5 * wanted) continue;
+        if (range / steps[i].seconds > 1.25 * wanted) continue;
         std::vector<Mark> marks = Marker(scale, steps[i]).Run();
         if (marks.empty()) continue;
         WriteTexts(marks, steps[i]);

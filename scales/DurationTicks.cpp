@@ -56,7 +56,7 @@ Ticks DurationTicks(const Scale& scale, const TickRoom& room) {
     const double range = scale.High() - scale.Low();
     if (largest > kMostSeconds || range < 1e-12 * std::max(largest, 1e-280)) return EndTicks(scale, room, {});
     const double wanted = WantedTicks(room);
-    for (const double step : StepsFrom(range / (1.5 * wanted))) {
+    for (const double step : StepsFrom(range / (1.2 * wanted))) {
         Ticks ticks;
         const double begin = std::ceil(scale.Low() / step - 1e-9);
         for (double i = begin; i * step <= scale.High() + 1e-9 * step; i += 1)

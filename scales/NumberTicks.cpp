@@ -83,8 +83,8 @@ class Search {
             const double density = BestDensity(count);
             if (count >= wanted_ && ScoreOf(simplicity, 1, density) <= best_.score) return;
             const double gap = (high_ - low_) / (count + 1) / skip / kSteps[step];
-            // The smallest power of ten is the one with most ticks: from there on they get fewer.
-            for (int power = static_cast<int>(std::ceil(std::log10(gap))) - 1;; ++power) {
+            // With a smaller power of ten the labels would cover less than the data.
+            for (int power = static_cast<int>(std::ceil(std::log10(gap) - 1e-9));; ++power) {
                 const double width = skip * kSteps[step] * std::pow(10.0, power);
                 const double coverage = BestCoverage(width * (count - 1));
                 if (!(width > 0) || !std::isfinite(width) ||

@@ -148,7 +148,9 @@ bool Scale::HasPlace(double value) const {
 
 Scale Scale::WithUsableEnds() const {
     const bool reversed = IsReversed();
-    double low = Low(), high = High();
+    // The difference of the ends of the range of doubles overflows.
+    const auto bounded = [](double v) { return std::isfinite(v) ? std::clamp(v, -kMost / 4, kMost / 4) : v; };
+    double low = bounded(Low()), high = bounded(High());
     if (!IsUsable(*this, low) || !IsUsable(*this, high)) {
         // A logarithm that begins at 0 or below shows three decades below its upper end.
         const bool oneSided = kind_ == Kind::LOGARITHM || kind_ == Kind::SQUARE_ROOT;
@@ -165,9 +167,8 @@ Scale Scale::WithUsableEnds() const {
             high = kind_ == Kind::LOGARITHM ? 10 : 1;
         }
     }
-    // The difference of the ends of the range of doubles overflows.
-    low = std::max(low, -kMost / 4);
-    high = std::min(high, kMost / 4);
+    low = bounded(low);
+    high = bounded(high);
     if (!(Forward(low) < Forward(high))) {
         const double middle = low;
         if (kind_ == Kind::LOGARITHM) {
@@ -212,7 +213,7 @@ Scale Scale::WithRoundEnds() const {
         const double range = high - low;
         if (!(range > 1e-12 * std::max(std::fabs(low), std::fabs(high))) || !(range < kMost / 8))
             return *this;
-        const double step = RoundStep(range / 10);
+        const double step = RoundStep(range / 14);
         const double roundLow = std::floor(low / step + 1e-9) * step,
                      roundHigh = std::ceil(high / step - 1e-9) * step;
         low = std::min(low, roundLow);

@@ -5,14 +5,18 @@
 #include "platform/graphics/StandardMetrics.h"
 #include "platform/graphics/Utf8.h"
 
+#include <zel/platform/Exception.h>
 #include <zel/platform/Warning.h>
 
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QThreadStorage>
 
 #include <cmath>
+#include <fontconfig/fontconfig.h>
 #include <map>
+#include <memory>
 #include <string>
 #include <tuple>
 
@@ -24,8 +28,27 @@ constexpr int kSizeSteps = 64;  // sizes of a face are told apart by this part o
 constexpr std::size_t kMostSizes = 64;
 constexpr std::size_t kMostLines = 256;
 
+// The family that the system's configuration names in the place of another: one of the same widths, where
+// there is one. Qt has an order of its own, in which widths do not count.
+QString FamilyFor(const QString& wanted) {
+    const std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)> pattern(FcPatternCreate(),
+                                                                          &FcPatternDestroy);
+    const QByteArray name = wanted.toUtf8();
+    FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(name.constData()));
+    FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
+    FcDefaultSubstitute(pattern.get());
+    FcResult result = FcResultNoMatch;
+    const std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)> match(
+        FcFontMatch(nullptr, pattern.get(), &result), &FcPatternDestroy);
+    FcChar8* family = nullptr;
+    if (!match || FcPatternGetString(match.get(), FC_FAMILY, 0, &family) != FcResultMatch) return wanted;
+    const QString found = QString::fromUtf8(reinterpret_cast<const char*>(family));
+    return QFontDatabase::hasFamily(found) ? found : wanted;
+}
+
 QFont MakeFont(const LOGFONT& font) {
-    QFont made(QString::fromUtf8(font.lfFaceName));
+    const QString wanted = QString::fromUtf8(font.lfFaceName);
+    QFont made(QFontDatabase::hasFamily(wanted) ? wanted : FamilyFor(wanted));
     made.setStyleHint(QFont::SansSerif);
     made.setHintingPreference(QFont::PreferNoHinting);
     made.setStyleStrategy(QFont::PreferAntialias);
@@ -71,6 +94,11 @@ QColor ColorOf(COLORREF color, BYTE transparency) {
 
 Face::Face(const LOGFONT& font)
     : font_(MakeFont(font)), design_(QRawFont::fromFont(font_)), latin_(kDirectGlyphs) {
+    // Where there is no font at all Qt draws boxes, with a face that has not even a name.
+    if (design_.fontTable("head").isEmpty())
+        AfxThrowResourceException(
+            "Cannot draw text: no font is installed, or none that fontconfig finds. The package "
+            "\"fonts-liberation2\" has those that are best.");
     WarnOfSubstitute(QString::fromUtf8(font.lfFaceName), design_.familyName());
     ascent_ = design_.ascent() / kDesignSize;
     descent_ = design_.descent() / kDesignSize;
@@ -217,7 +245,7 @@ TEXTMETRIC TextMetrics(const GraphicsState& state) {
     TEXTMETRIC metrics{};
     metrics.tmAscent = LogicalY(state, face.Ascent() * em);
     metrics.tmDescent = LogicalY(state, face.Descent() * em);
-    metrics.tmHeight = metrics.tmAscent + metrics.tmDescent;
+    metrics.tmHeight = Add(metrics.tmAscent, metrics.tmDescent);
     metrics.tmInternalLeading = LogicalY(state, std::max(0.0, (face.Ascent() + face.Descent() - 1) * em));
     metrics.tmExternalLeading = LogicalY(state, face.Leading() * em);
     metrics.tmAveCharWidth = LogicalX(state, face.GlyphOf('x').advance * em);
