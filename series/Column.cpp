@@ -89,10 +89,20 @@ void Column::SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t s
     values_ = ValuesFrom(origin_);
 }
 
+// The ends of the range of 64 bits in the stead of what lies beyond.
+std::int64_t Column::OriginTicks(double origin) const {
+    constexpr double kMost = 9.2e18;
+    return static_cast<std::int64_t>(std::clamp(origin * static_cast<double>(perSecond_), -kMost, kMost));
+}
+
 SeriesValues Column::ValuesFrom(double origin) const {
     if (kind_ != Kind::TIMES) return values_;
-    return SeriesValues(ticks_, stride_, static_cast<std::int64_t>(origin) * perSecond_,
-                        static_cast<double>(perSecond_));
+    // A whole second times a power of ten is exact as a double below 2^53, and as an integer beyond.
+    std::int64_t ticks = 0;
+    const bool isWhole = std::fabs(origin) < 9e15;
+    if (!isWhole || __builtin_mul_overflow(static_cast<std::int64_t>(origin), perSecond_, &ticks))
+        ticks = OriginTicks(origin);
+    return SeriesValues(ticks_, stride_, ticks, static_cast<double>(perSecond_));
 }
 
 const std::vector<std::string>& Column::Names() const {
@@ -100,39 +110,44 @@ const std::vector<std::string>& Column::Names() const {
     return names_ ? *names_ : none;
 }
 
+// Every kind has the same fields; those that are not its own are empty.
 void Column::Serialize(CArchive& ar) {
     int kind = static_cast<int>(kind_);
-    ExchangeText(ar, name_);
-    ExchangeText(ar, unit_);
-    Exchange(ar, kind);
-    if (kind == static_cast<int>(Kind::TIMES)) {
-        std::vector<std::int64_t> ticks;
-        Exchange(ar, perSecond_);
-        if (ar.IsStoring()) {
-            ticks.reserve(size_);
-            const auto base = static_cast<std::int64_t>(origin_) * perSecond_;
-            const SeriesValues& values = values_;
-            for (std::size_t i = 0; i < size_; ++i) {
-                const double value = values.At(i) * static_cast<double>(perSecond_);
-                ticks.push_back(std::isfinite(value) ? base + std::llround(value) : kAbsent);
+    std::vector<std::int64_t> ticks;
+    std::vector<double> numbers;
+    std::vector<std::string> names = Names();
+    if (ar.IsStoring()) {
+        const SeriesValues values = kind_ == Kind::TIMES ? ValuesFrom(origin_) : values_;
+        std::int64_t base = 0;
+        if (__builtin_mul_overflow(static_cast<std::int64_t>(std::clamp(origin_, -9.2e18, 9.2e18)),
+                                   perSecond_, &base))
+            base = OriginTicks(origin_);
+        for (std::size_t i = 0; i < size_; ++i) {
+            const double value = values.At(i);
+            if (kind_ != Kind::TIMES) {
+                numbers.push_back(value);
+            } else {
+                ticks.push_back(std::isfinite(value)
+                                    ? base + std::llround(value * static_cast<double>(perSecond_))
+                                    : kAbsent);
             }
         }
-        ExchangeList(ar, ticks);
-        if (ar.IsStoring()) return;
+    }
+    ExchangeText(ar, name_);
+    ExchangeText(ar, unit_);
+    Exchange(ar, kind, perSecond_);
+    ExchangeList(ar, ticks);
+    ExchangeList(ar, numbers);
+    ExchangeTexts(ar, names);
+    if (ar.IsLoading()) Take(ar, kind, std::move(ticks), std::move(numbers), std::move(names));
+}
+
+void Column::Take(CArchive& ar, int kind, std::vector<std::int64_t> ticks, std::vector<double> numbers,
+                  std::vector<std::string> names) {
+    if (kind == static_cast<int>(Kind::TIMES)) {
         if (perSecond_ < 1) ar.Fail(CArchiveException::genericException, "times have no ticks to a second");
         *this = Times(std::move(ticks), perSecond_).SetName(name_).SetUnit(unit_);
-        return;
-    }
-    std::vector<double> numbers;
-    if (ar.IsStoring()) {
-        numbers.resize(size_);
-        for (std::size_t i = 0; i < size_; ++i) numbers[i] = values_.At(i);
-    }
-    ExchangeList(ar, numbers);
-    std::vector<std::string> names = Names();
-    if (kind == static_cast<int>(Kind::TEXTS)) ExchangeTexts(ar, names);
-    if (ar.IsStoring()) return;
-    if (kind == static_cast<int>(Kind::TEXTS)) {
+    } else if (kind == static_cast<int>(Kind::TEXTS)) {
         std::vector<std::int32_t> codes;
         codes.reserve(numbers.size());
         for (const double number : numbers) {
@@ -140,9 +155,9 @@ void Column::Serialize(CArchive& ar) {
             codes.push_back(known ? static_cast<std::int32_t>(number) : -1);
         }
         SetCodes(std::move(codes), std::move(names));
-        return;
+    } else {
+        *this = Column(std::move(numbers)).SetName(name_).SetUnit(unit_);
     }
-    *this = Column(std::move(numbers)).SetName(name_).SetUnit(unit_);
 }
 
 }  // namespace zel

@@ -92,6 +92,9 @@ class Column {
 
   private:
     void SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t stride, std::int64_t perSecond);
+    std::int64_t OriginTicks(double origin) const;
+    void Take(CArchive& ar, int kind, std::vector<std::int64_t> ticks, std::vector<double> numbers,
+              std::vector<std::string> names);
     void SetCodes(std::vector<std::int32_t> codes, std::vector<std::string> names);
 
     Kind kind_ = Kind::NUMBERS;

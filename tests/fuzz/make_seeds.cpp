@@ -33,8 +33,10 @@ void WriteSeed(const std::string& path, unsigned mode, const void* bytes, std::s
     seed.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
 }
 
-void WriteSeeds(Zel2Main& drawing, const std::string& path) {
-    for (const auto dialect : {CArchive::Dialect::CLASSIC, CArchive::Dialect::COMPLETE}) {
+void WriteSeeds(Zel2Main& drawing, const std::string& path,
+                const std::vector<CArchive::Dialect>& dialects = {CArchive::Dialect::CLASSIC,
+                                                                  CArchive::Dialect::COMPLETE}) {
+    for (const auto dialect : dialects) {
         CMemFile file;
         CArchive ar(&file, CArchive::store);
         ar.SetDialect(dialect);
@@ -58,9 +60,17 @@ int main(int argc, char** argv) {
     std::filesystem::create_directories(folder);
     for (unsigned seed = 0; seed < kDrawings; ++seed)
         WriteSeeds(*zel::test::RandomDrawing(seed).Make(), folder + "/random" + std::to_string(seed));
+    for (unsigned seed = 0; seed < kDrawings; ++seed) {
+        const auto drawing = zel::test::RandomDrawing(seed, zel::test::RandomDrawing::Charts::WITH).Make();
+        WriteSeeds(*drawing, folder + "/chart" + std::to_string(seed), {CArchive::Dialect::COMPLETE});
+    }
     const zel::test::TemporaryFolder data;
     CutData(argv[2], data / "data");
-    for (const Example& example : AllExamples())
-        WriteSeeds(*zel::test::MakeExample(example, data / "data"), folder + "/" + example.name);
+    for (const Example& example : AllExamples()) {
+        const auto drawing = zel::test::MakeExample(example, data / "data");
+        const bool isChart = drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0]);
+        isChart ? WriteSeeds(*drawing, folder + "/" + example.name, {CArchive::Dialect::COMPLETE})
+                : WriteSeeds(*drawing, folder + "/" + example.name);
+    }
     return 0;
 }
