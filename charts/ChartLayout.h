@@ -48,6 +48,12 @@ struct LegendEntry {
     PlacedText name;
 };
 
+// Distances of a plot area from the edges of its chart.
+struct PlotMargins {
+    int left = 0, bottom = 0, right = 0, top = 0;
+    bool operator==(const PlotMargins&) const = default;
+};
+
 struct ChartLayout {
     CSize size;
     Box plot;
@@ -57,6 +63,8 @@ struct ChartLayout {
     Box legendBox;
     bool legendInside = false;
     std::vector<std::string> notes;
+
+    PlotMargins Margins() const { return {plot.left, plot.bottom, size.cx - plot.right, size.cy - plot.top}; }
 };
 
 // The indexes of the fonts of a chart.

@@ -228,7 +228,11 @@ void ChartLayouter::MoveLegendInside() {
     MoveLegend(lefts[best] - layout_.legendBox.left, tops[best] - layout_.legendBox.top);
 }
 
-void ChartLayouter::FitAxes(int level, const PlotMargins& least) {
+void ChartLayouter::FitAxes(int level, const PlotMargins& fromEdges) {
+    const PlotMargins least{std::max(0, fromEdges.left - inner_.left),
+                            std::max(0, fromEdges.bottom - inner_.bottom),
+                            std::max(0, fromEdges.right - (layout_.size.cx - inner_.right)),
+                            std::max(0, fromEdges.top - (layout_.size.cy - inner_.top))};
     measured_.assign(scales_.size(), {});
     layout_.axes.resize(scales_.size());
     PlotMargins margins = least;

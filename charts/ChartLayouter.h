@@ -9,12 +9,6 @@
 
 namespace zel {
 
-// Margins around a plot area.
-struct PlotMargins {
-    int left = 0, bottom = 0, right = 0, top = 0;
-    bool operator==(const PlotMargins&) const = default;
-};
-
 // Lays a chart out from outside in: titles and caption, legend, axes; the plot area is what is left. What an
 // axis takes depends on its labels, which depend on its length, so axes and plot area are made anew until
 // they agree. Where the plot area would be too small, parts are left out one after another and noted.
@@ -24,7 +18,8 @@ class ChartLayouter {
     ChartLayouter(Zel2Chart& chart, const ChartFonts& fonts, std::vector<Scale> scales,
                   std::vector<std::string> notes);
 
-    // With margins of at least `least`: those of charts that this one is aligned with.
+    // With a plot area at least so far from the edges of the chart: as far as in charts that it is aligned
+    // with.
     ChartLayout Run(const PlotMargins& least = {});
 
   private:
@@ -49,7 +44,7 @@ class ChartLayouter {
     void TakeLegend(const LegendLayout& legend);
     void MoveLegend(int dx, int dy);
     void MoveLegendInside();
-    void FitAxes(int level, const PlotMargins& least);
+    void FitAxes(int level, const PlotMargins& fromEdges);
     void MeasureAxis(std::size_t i, int level);
     void MeasureHorizontal(PlacedAxis& axis, Measured& measured);
     void MeasureNames(PlacedAxis& axis, Measured& measured, TickRoom room);

@@ -11,6 +11,9 @@
 #include <zel/Error.h>
 #include <zel/Mapping.h>
 #include <zel/Zel2Chart.h>
+#include <zel/Zel2Column.h>
+#include <zel/Zel2Row.h>
+#include <zel/Zel2Table.h>
 #include <zel/platform/DC.h>
 
 #include <algorithm>
@@ -120,6 +123,7 @@ std::vector<Zel2Layer*> Zel2Chart::Layers() {
 
 void Zel2Chart::Changed() {
     layout_.reset();
+    ownMargins_.reset();
     ++revision_;
 }
 
@@ -288,13 +292,12 @@ std::vector<zel::Scale> Zel2Chart::Scales(std::vector<std::string>& notes) {
 }
 
 // Outside of a drawing nothing can be measured: the plot area is all of it then.
-zel::ChartLayout Zel2Chart::MakeLayout() {
+zel::ChartLayout Zel2Chart::MakeLayout(const zel::PlotMargins& least) {
     std::vector<std::string> notes;
     std::vector<zel::Scale> scales = Scales(notes);
     if (Colors() && Fonts() && Pens()) {
         RegisterTools();
-        return zel::ChartLayouter(*this, RegisterFonts(), std::move(scales), std::move(notes))
-            .Run(AlignedMargins());
+        return zel::ChartLayouter(*this, RegisterFonts(), std::move(scales), std::move(notes)).Run(least);
     }
     zel::ChartLayout layout;
     layout.size = size_;
@@ -308,12 +311,46 @@ zel::ChartLayout Zel2Chart::MakeLayout() {
 }
 
 const zel::ChartLayout& Zel2Chart::Layout() {
-    if (!layout_) layout_ = std::make_unique<zel::ChartLayout>(MakeLayout());
+    if (layout_) return *layout_;
+    layout_ = std::make_unique<zel::ChartLayout>(MakeLayout({}));
+    ownMargins_ = std::make_unique<zel::PlotMargins>(layout_->Margins());
+    const zel::PlotMargins aligned = AlignedMargins();
+    if (aligned != *ownMargins_) *layout_ = MakeLayout(aligned);
     return *layout_;
 }
 
+const zel::PlotMargins& Zel2Chart::OwnMargins() {
+    if (!ownMargins_) ownMargins_ = std::make_unique<zel::PlotMargins>(MakeLayout({}).Margins());
+    return *ownMargins_;
+}
+
+// Charts above each other begin and end at the same x, charts beside each other at the same y.
 zel::PlotMargins Zel2Chart::AlignedMargins() {
-    return {};
+    zel::PlotMargins margins = OwnMargins();
+    const auto align = [&](Zel2* object, bool above, bool beside) {
+        auto* const other = dynamic_cast<Zel2Chart*>(object);
+        if (!other || other == this) return;
+        const zel::PlotMargins& its = other->OwnMargins();
+        if (above)
+            margins = {std::max(margins.left, its.left), margins.bottom, std::max(margins.right, its.right),
+                       margins.top};
+        if (beside)
+            margins = {margins.left, std::max(margins.bottom, its.bottom), margins.right,
+                       std::max(margins.top, its.top)};
+    };
+    if (auto* table = dynamic_cast<Zel2Table*>(GetParent())) {
+        const int columns = std::max(1, static_cast<int>(table->Columns()));
+        const auto places = static_cast<int>(table->Columns() * table->Rows());
+        int own = -1;
+        for (int i = 0; i < places; ++i) own = (*table)[i] == this ? i : own;
+        for (int i = 0; own >= 0 && i < places; ++i)
+            align((*table)[i], i % columns == own % columns, i / columns == own / columns);
+    } else if (auto* row = dynamic_cast<Zel2Row*>(GetParent())) {
+        for (int i = 0; i < row->GetCount(); ++i) align((*row)[i], false, true);
+    } else if (auto* column = dynamic_cast<Zel2Column*>(GetParent())) {
+        for (int i = 0; i < column->GetCount(); ++i) align((*column)[i], true, false);
+    }
+    return margins;
 }
 
 std::vector<std::string> Zel2Chart::Notes() {

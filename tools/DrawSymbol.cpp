@@ -8,6 +8,8 @@
 #include <zel/Zel2.h>
 #include <zel/platform/DC.h>
 
+#include <algorithm>
+#include <cstdlib>
 #include <span>
 #include <typeinfo>
 
@@ -330,13 +332,36 @@ bool DrawSymbol::IsPlainDisc(Zel2* obj) {
     return type_ == zel::SYMBOL_CIRCLE && !HasLabel() && !obj->Pen(penIndex_) && obj->Color(colorIndex_);
 }
 
+// What is drawn for the origin: the shape, which may reach over the symbol's rectangle, and half its outline.
+CRect DrawSymbol::BoxOfMark(Zel2* obj) const {
+    CRect rect = RectAround(obj, CPoint(0, 0));
+    if (IsRaised(type_)) rect.OffsetRect(0, -(rect.Height() / 2));
+    CRect box = rect;
+    box.NormalizeRect();
+    for (const CPoint& corner : Outline(rect))
+        box = CRect(std::min(box.left, corner.x), std::min(box.top, corner.y), std::max(box.right, corner.x),
+                    std::max(box.bottom, corner.y));
+    const DrawPen* const pen = obj->Pen(penIndex_);
+    CSize inch(obj->DC()->GetDeviceCaps(LOGPIXELSX), 1);
+    obj->DC()->DPtoLP(&inch);
+    const int tenths = pen ? MulDiv(std::max(pen->Width(), 0), obj->Scale(), 1000) : 0;
+    const int reach = MulDiv(tenths, std::abs(inch.cx), 254) / 2 + 1;
+    box.InflateRect(reach, reach);
+    return box;
+}
+
 void DrawSymbol::PlotOn(Zel2* obj, std::span<const CPoint> points) {
-    // A device that looks at each figure gets each, where its rectangle is rounded to.
-    if (!IsPlainDisc(obj) || !obj->DC() || obj->DC()->CurveColumn() == 0) {
+    // A device that looks at each figure gets each, where its rectangle is rounded to. How far a label
+    // reaches is not known before it is drawn.
+    CDC* const dc = obj->DC();
+    const bool disc = IsPlainDisc(obj);
+    if (!dc || dc->CurveColumn() == 0 || (!disc && HasLabel())) {
         for (const CPoint& pt : points) PlotOn(obj, pt);
-        return;
+    } else if (disc) {
+        obj->Color(colorIndex_)->Ellipses(points, RectAround(obj, CPoint(0, 0)));
+    } else {
+        dc->Marks(points, BoxOfMark(obj), [&] { PlotOn(obj, CPoint(0, 0)); });
     }
-    obj->Color(colorIndex_)->Ellipses(points, RectAround(obj, CPoint(0, 0)));
 }
 
 void DrawSymbol::PlotOn(Zel2* obj, double x, double y) {

@@ -12,10 +12,9 @@ namespace zel {
 
 void PlotMarks(Zel2& obj, DrawSymbol& symbol, const WorldFrame& frame,
                std::span<const SeriesStretch> stretches) {
-    constexpr std::size_t kBlock = 1024;  // places handed on at once
+    constexpr std::size_t kBlock = 1 << 16;  // places handed on at once: marks in one place are seen then
     const CurveScope figure(obj.DC(), symbol.IsPlainDisc(&obj));
     std::vector<CPoint> places;
-    places.reserve(kBlock);
     const auto plot = [&] {
         if (!places.empty()) symbol.PlotOn(&obj, places);
         places.clear();

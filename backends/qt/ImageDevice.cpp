@@ -4,6 +4,7 @@
 #include "backends/qt/FileSink.h"
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
+#include "backends/qt/MarkSprites.h"
 #include "backends/qt/PenStyle.h"
 #include "backends/qt/PolygonClip.h"
 #include "backends/qt/Stroker.h"
@@ -684,6 +685,41 @@ void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> p
     const CSize toCorner = units.TopLeft() - state.map.ToDevice(CPoint(0, 0));
     for (const CPoint& place : places) impl_->discs.Add(impl_->stroker, state.map.ToDevice(place) + toCorner);
     if (impl_->curves == 0) impl_->FinishCurve();
+}
+
+// Each mark is drawn once for each place within a pixel, on a small image, and copied from there.
+void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+                        const MarkPainter& paint) {
+    constexpr std::size_t kFew = 4;
+    constexpr int kLargest = 64;  // pixels
+    constexpr int kMargin = 2;    // pixels that an antialiased or a snapped edge may reach over
+    Impl& impl = *impl_;
+    const CPoint origin = state.map.ToDevice(CPoint(0, 0));
+    CRect units = state.map.ToDevice(box) - origin;
+    units.NormalizeRect();
+    const CRect reach(impl.PixelOf(units.left) - kMargin, impl.PixelOf(units.top) - kMargin,
+                      impl.PixelOf(units.right) + kMargin + 1, impl.PixelOf(units.bottom) + kMargin + 1);
+    if (places.size() < kFew || state.rasterMode != R2_COPYPEN || reach.Width() > kLargest ||
+        reach.Height() > kLargest) {
+        BasicDevice::Marks(state, places, box, paint);
+        return;
+    }
+    impl.UseClip(state);
+    impl.FinishCurve();
+    const auto make = [&](const CSize& within) {
+        ImageDevice small(reach.Width(), reach.Height(), impl.dotsPerInch, impl.caps.unitsPerInch,
+                          impl.shift == 0 ? Grid::PIXELS : Grid::SIXTEENTHS);
+        small.Clear(0, false);
+        const CSize corner(reach.left * impl.sub, reach.top * impl.sub);
+        paint(small, CPoint(0, 0) - origin - corner + within, MarkClip::NONE);
+        return Sprite{reach.left, reach.top, reach.Width(), reach.Height(),
+                      std::vector<std::uint32_t>(
+                          small.Pixels(), small.Pixels() + std::ptrdiff_t{reach.Width()} * reach.Height())};
+    };
+    std::vector<CPoint> origins;
+    origins.reserve(places.size());
+    for (const CPoint& place : places) origins.push_back(state.map.ToDevice(place));
+    MarkSprites({impl.pixels.data(), impl.width, impl.height}, impl.shift, make).Draw(origins, impl.clips);
 }
 
 void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {

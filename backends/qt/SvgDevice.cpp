@@ -13,7 +13,9 @@
 #include <QXmlStreamWriter>
 
 #include <cmath>
+#include <set>
 #include <string>
+#include <utility>
 
 namespace zel::qt {
 namespace {
@@ -49,6 +51,7 @@ class SvgDevice : public MeasuringDevice {
         xml_.writeStartDocument();
         xml_.writeStartElement("svg");
         xml_.writeDefaultNamespace("http://www.w3.org/2000/svg");
+        xml_.writeNamespace("http://www.w3.org/1999/xlink", "xlink");
         xml_.writeAttribute("version", "1.1");
         xml_.writeAttribute("width", Number(options.width) + "in");
         xml_.writeAttribute("height", Number(options.height) + "in");
@@ -150,6 +153,40 @@ class SvgDevice : public MeasuringDevice {
         BeginCurve();
         BasicDevice::Ellipses(state, places, box);
         EndCurve();
+    }
+
+    // One symbol, used at each place. Of marks that lie within a quarter of a pixel of a screen, the last is
+    // kept.
+    void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+               const MarkPainter& paint) override {
+        constexpr std::size_t kFew = 4;
+        if (places.size() < kFew) {
+            BasicDevice::Marks(state, places, box, paint);
+            return;
+        }
+        UseClip(state);
+        EndFigure();
+        const QString id = "mark" + QString::number(++lastId_);
+        xml_.writeStartElement("defs");
+        xml_.writeStartElement("g");
+        xml_.writeAttribute("id", id);
+        paint(*this, CPoint(0, 0) - state.map.ToDevice(CPoint(0, 0)), MarkClip::KEPT);
+        EndFigure();
+        xml_.writeEndElement();
+        xml_.writeEndElement();
+        std::vector<CPoint> shown;
+        std::set<std::pair<LONG, LONG>> taken;
+        for (auto place = places.rbegin(); place != places.rend(); ++place) {
+            const CPoint at = state.map.ToDevice(*place);
+            const auto cell = [](LONG unit) { return static_cast<LONG>(std::floor(unit * 4 / kPixel)); };
+            if (options_.keepAllPoints || taken.emplace(cell(at.x), cell(at.y)).second) shown.push_back(at);
+        }
+        for (auto at = shown.rbegin(); at != shown.rend(); ++at) {
+            xml_.writeEmptyElement("use");
+            xml_.writeAttribute("xlink:href", "#" + id);
+            xml_.writeAttribute("x", QString::number(at->x));
+            xml_.writeAttribute("y", QString::number(at->y));
+        }
     }
 
     void BeginCurve() override { ++curves_; }

@@ -67,7 +67,8 @@ class DrawSymbol : public DrawTool {
     void PlotOn(Zel2* obj, CPoint pt);
     // Whether the symbol is a filled circle without outline and label in the drawing of `obj`.
     bool IsPlainDisc(Zel2* obj);
-    // Draws centred on each point, in order; plain discs as one figure (DrawColor::Ellipses).
+    // Draws centred on each point, in order; plain discs as one figure (DrawColor::Ellipses), others as marks
+    // (GraphicsDevice::Marks).
     void PlotOn(Zel2* obj, std::span<const CPoint> points);
     // Draws at a point of the graph that `obj` stands in, if the graph's range contains it (limits included).
     void PlotOn(Zel2* obj, double x, double y);
@@ -87,6 +88,7 @@ class DrawSymbol : public DrawTool {
     };
 
     void GiveOpacity(DrawTool* registered) const;
+    CRect BoxOfMark(Zel2* obj) const;
     CRect RectAround(Zel2* obj, const CPoint& pt) const;
     std::vector<CPoint> Outline(const CRect& box) const;
     void DrawShape(const Tools& tools, const CRect& box) const;

@@ -133,7 +133,8 @@ class Zel2Chart : public Zel2Set {
     zel::ChartFonts RegisterFonts();
     void RegisterTools();
     std::vector<zel::Scale> Scales(std::vector<std::string>& notes);
-    zel::ChartLayout MakeLayout();
+    zel::ChartLayout MakeLayout(const zel::PlotMargins& least);
+    const zel::PlotMargins& OwnMargins();
     zel::PlotMargins AlignedMargins();
     template <class Layer>
     Layer* AddLayer(std::unique_ptr<Layer> layer);
@@ -145,6 +146,7 @@ class Zel2Chart : public Zel2Set {
     std::string fontFace_ = "Arial";
     std::vector<std::unique_ptr<zel::ChartAxis>> axes_;
     int y2_ = -1;
-    std::unique_ptr<zel::ChartLayout> layout_;  // null until it is needed
+    std::unique_ptr<zel::ChartLayout> layout_;      // null until it is needed
+    std::unique_ptr<zel::PlotMargins> ownMargins_;  // without regard to charts beside it; null until needed
     std::uint64_t revision_ = 0;
 };

@@ -80,6 +80,43 @@ const GraphicsState& StateOf(HDC dc) {
 int CurveColumnOf(HDC dc) {
     return dc->device->CurveColumn(dc->now.graphics);
 }
+namespace {
+
+// Another device, and another place on it, for a while.
+class Moved {
+  public:
+    Moved(HDC dc, GraphicsDevice& target, const CSize& move, MarkClip clip)
+        : dc_(dc), device_(dc->device), settings_(dc->now) {
+        dc_->FlushLines();
+        dc_->device = &target;
+        CoordinateMap& map = dc_->now.graphics.map;
+        map.viewportOrigin = map.viewportOrigin + move;
+        if (clip == MarkClip::NONE) dc_->now.graphics.clip.reset();
+    }
+    ~Moved() {
+        dc_->FlushLines();
+        dc_->device = device_;
+        dc_->now = settings_;
+    }
+    Moved(const Moved&) = delete;
+    Moved& operator=(const Moved&) = delete;
+
+  private:
+    HDC dc_;
+    GraphicsDevice* device_;
+    ZelContextHandle::Settings settings_;
+};
+
+}  // namespace
+
+void DrawMarks(HDC dc, std::span<const CPoint> places, const CRect& box, const std::function<void()>& plot) {
+    const auto paint = [&](GraphicsDevice& target, const CSize& move, MarkClip clip) {
+        const Moved moved(dc, target, move, clip);
+        plot();
+    };
+    const GraphicsState state = StateOf(dc);
+    dc->Draw().Marks(state, places, box, paint);
+}
 void FlushContext(HDC dc) {
     dc->Draw().Flush();
 }

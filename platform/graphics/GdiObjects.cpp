@@ -121,7 +121,7 @@ HGDIOBJ Generic(Handle handle) {
 }  // namespace
 
 BOOL CPen::CreatePen(int style, int width, COLORREF color, BYTE opacity) {
-    LOGPEN pen{static_cast<UINT>(style), {std::abs(width), 0}, color, static_cast<BYTE>(255 - opacity)};
+    LOGPEN pen{static_cast<UINT>(style), {zel::Magnitude(width), 0}, color, static_cast<BYTE>(255 - opacity)};
     return CreatePenIndirect(&pen);
 }
 BOOL CPen::CreatePenIndirect(LOGPEN* pen) {

@@ -185,6 +185,13 @@ void BasicDevice<Interface>::Ellipses(const GraphicsState& state, std::span<cons
 }
 
 template <class Interface>
+void BasicDevice<Interface>::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect&,
+                                   const MarkPainter& paint) {
+    const CPoint origin = state.map.ToDevice(CPoint(0, 0));
+    for (const CPoint& place : places) paint(*this, state.map.ToDevice(place) - origin, MarkClip::KEPT);
+}
+
+template <class Interface>
 void BasicDevice<Interface>::BeginCurve() {}
 template <class Interface>
 void BasicDevice<Interface>::EndCurve() {}

@@ -98,6 +98,9 @@ class Printing : public Program {
         printer->setOutputFileName(path);
         const auto paper = zel::widgets::PagesOn(std::move(printer));
         window_.View().PrintTo(*paper);
+        return PagesOf(path);
+    }
+    static std::vector<QImage> PagesOf(const QString& path) {
         QProcess reader;
         const TemporaryFolder pictures;
         const QString folder = QString::fromStdString(pictures / "");
@@ -107,6 +110,17 @@ class Printing : public Program {
         for (const QString& name : QDir(folder).entryList({"page*.png"}, QDir::Files, QDir::Name))
             pages.push_back(QImage(folder + name).convertToFormat(QImage::Format_RGB32));
         return pages;
+    }
+    // The left-most and the upper-most ink.
+    static QPoint FirstInk(const QImage& page) {
+        QPoint first(page.width(), page.height());
+        for (int y = 0; y < page.height(); ++y) {
+            for (int x = 0; x < page.width(); ++x) {
+                if (qGray(page.pixel(x, y)) > 200) continue;
+                first = {std::min(first.x(), x), std::min(first.y(), y)};
+            }
+        }
+        return first;
     }
     // The mean brightness of the blocks, by which pictures of different rasterisers are compared.
     static QImage Blocks(const QImage& page) {
@@ -165,6 +179,17 @@ TEST_F(Printing, PaperEqualsThePreviewPageByPage) {
         ExpectAlike(previewed[page], printed[page]);
     }
     EXPECT_NE(previewed[0], previewed[1]);
+    // The printer's margins move nothing: the ink begins where it does in the exported file.
+    const auto drawing = zel::LoadDocument((folder_ / "report.zel").c_str());
+    const std::string path = folder_ / "exported.pdf";
+    zel::ExportOptions asPrinted;
+    asPrinted.printerTools = true;
+    zel::ExportReport(*drawing, dynamic_cast<Zel2Report&>(*(*drawing)[0]), path.c_str(), asPrinted);
+    const std::vector<QImage> exported = PagesOf(QString::fromStdString(path));
+    ASSERT_EQ(exported.size(), printed.size());
+    const QPoint one = FirstInk(exported[0]), other = FirstInk(printed[0]);
+    EXPECT_NEAR(one.x(), other.x(), 1);
+    EXPECT_NEAR(one.y(), other.y(), 1);
 }
 
 }  // namespace

@@ -140,6 +140,23 @@ TEST_F(Chart, stacks_add_up) {
     EXPECT_EQ(chart->ScaleOf(1).To(), 2) << "what is hidden carries nothing";
 }
 
+TEST_F(Chart, plot_areas_of_neighbours_are_aligned) {
+    auto* table = root.Add(std::make_unique<Zel2Table>(2, 2));
+    Zel2Chart* charts[2][2];
+    for (unsigned i = 0; i < 2; ++i)
+        for (unsigned j = 0; j < 2; ++j) {
+            charts[i][j] =
+                new Zel2Chart(zel::ChartOptions{.title = j == 1 && i == 1 ? "only one has a title" : ""});
+            charts[i][j]->AddLine(Count(3), std::vector<double>{0, i == 0 && j == 0 ? 123'456.5 : 1, 2});
+            table->SetCell(i, j, charts[i][j], 1, 1);
+        }
+    charts[1][0]->X().SetTitle("x");
+    EXPECT_EQ(charts[0][0]->PlotArea().left, charts[0][1]->PlotArea().left);
+    EXPECT_EQ(charts[1][0]->PlotArea().top, charts[0][0]->PlotArea().top);
+    EXPECT_EQ(charts[1][1]->PlotArea().bottom, charts[0][1]->PlotArea().bottom);
+    EXPECT_NE(charts[0][0]->PlotArea().left, charts[1][0]->PlotArea().left) << "other columns keep their own";
+}
+
 TEST_F(Chart, classic_archives_refuse_it_by_name) {
     CMemFile file;
     CArchive ar(&file, CArchive::store);

@@ -5,6 +5,7 @@
 #include <zel/platform/GdiObjects.h>
 #include <zel/platform/String.h>
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -105,6 +106,10 @@ class CDC : public CObject {
     // The ellipse in `box` moved by each of `places`. Between BeginCurve and EndCurve they are one figure.
     void Ellipses(std::span<const CPoint> places, const CRect& box) {
         Device().Ellipses(State(), places, box);
+    }
+    // What `plot` draws on this context, within `box` around the origin, with its origin at each of `places`.
+    void Marks(std::span<const CPoint> places, const CRect& box, const std::function<void()>& plot) {
+        zel::DrawMarks(m_hDC, places, box, plot);
     }
     BOOL Polygon(const POINT* points, int count);
     // FALSE, with nothing drawn, when a piece has fewer than 2 points.

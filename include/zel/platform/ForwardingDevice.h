@@ -44,16 +44,13 @@ class ForwardingDevice : public Interface {
         DrawnIn(state, rect);
     }
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override {
-        if (places.empty()) return;
         Target().Ellipses(state, places, box);
-        CPoint low = places[0], high = places[0];
-        for (const CPoint& place : places) {
-            low = {std::min(low.x, place.x), std::min(low.y, place.y)};
-            high = {std::max(high.x, place.x), std::max(high.y, place.y)};
-        }
-        CRect ordered = box;
-        ordered.NormalizeRect();
-        DrawnIn(state, {low + CSize(ordered.left, ordered.top), high + CSize(ordered.right, ordered.bottom)});
+        DrawnAround(state, places, box);
+    }
+    void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+               const MarkPainter& paint) override {
+        Target().Marks(state, places, box, paint);
+        DrawnAround(state, places, box);
     }
     void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
              ArcKind kind) override {
@@ -98,6 +95,17 @@ class ForwardingDevice : public Interface {
     virtual void Drawn(const GraphicsState&, std::span<const CPoint>) {}
 
   private:
+    void DrawnAround(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
+        if (places.empty()) return;
+        CPoint low = places[0], high = places[0];
+        for (const CPoint& place : places) {
+            low = {std::min(low.x, place.x), std::min(low.y, place.y)};
+            high = {std::max(high.x, place.x), std::max(high.y, place.y)};
+        }
+        CRect ordered = box;
+        ordered.NormalizeRect();
+        DrawnIn(state, {low + CSize(ordered.left, ordered.top), high + CSize(ordered.right, ordered.bottom)});
+    }
     void DrawnIn(const GraphicsState& state, const CRect& rect) {
         const CPoint corners[] = {rect.TopLeft(), rect.BottomRight()};
         Drawn(state, corners);

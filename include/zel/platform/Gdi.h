@@ -9,6 +9,7 @@
 #include <zel/platform/GraphicsDevice.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -52,6 +53,9 @@ GraphicsDevice& DeviceOf(HDC dc);
 const GraphicsState& StateOf(HDC dc);
 // GraphicsDevice::CurveColumn with the settings of now, without handing on gathered lines.
 int CurveColumnOf(HDC dc);
+// Draws what `plot` draws on the context with its origin at each of `places` (GraphicsDevice::Marks). `plot`
+// leaves the settings as it found them.
+void DrawMarks(HDC dc, std::span<const CPoint> places, const CRect& box, const std::function<void()>& plot);
 // Hands gathered lines to the device, and lets it show what it has.
 void FlushContext(HDC dc);
 }  // namespace zel

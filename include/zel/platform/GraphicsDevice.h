@@ -5,6 +5,7 @@
 #include <zel/platform/GdiTypes.h>
 #include <zel/platform/Region.h>
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -46,6 +47,13 @@ struct EllipticArc {
 
 // Which part of an ellipse an arc primitive draws.
 enum class ArcKind { ARC, CHORD, PIE };
+
+class GraphicsDevice;
+
+// Draws a mark on a device, moved by so many device units from where its origin lies. The clip is that of the
+// device that was drawn on, and has no meaning on another one.
+enum class MarkClip { KEPT, NONE };
+using MarkPainter = std::function<void(GraphicsDevice& device, const CSize& move, MarkClip clip)>;
 
 // The drawing surface behind a device context: a window, a page, an image, a file.
 //
@@ -99,6 +107,11 @@ class GraphicsDevice {
     // The ellipse in `box` moved by each of `places`, in order. A device may move them by a part of a pixel,
     // so that many are alike.
     virtual void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) = 0;
+    // A mark with its origin at each of `places`, in order. `box` (logical units) holds what `paint` draws
+    // for the origin (0, 0). A device may move marks by a part of a pixel, so that many are alike, and leave
+    // out one that has another like it in its place.
+    virtual void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+                       const MarkPainter& paint) = 0;
     // From the direction of `start` to that of `end`, both seen from the centre of `rect`.
     virtual void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
                      ArcKind kind) = 0;
@@ -151,6 +164,8 @@ class BasicDevice : public Interface {
     void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+               const MarkPainter& paint) override;
     void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
              ArcKind kind) override;
     // A polyline with corners on whole units.

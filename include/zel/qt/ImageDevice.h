@@ -53,6 +53,8 @@ class ImageDevice : public BasicDevice<GraphicsDevice> {
                   DWORD operation) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+               const MarkPainter& paint) override;
     void StrokeArc(const GraphicsState& state, const EllipticArc& arc) override;
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
     CSize TextExtent(const GraphicsState& state, std::string_view text) override;

@@ -9,6 +9,7 @@
 #include <QXmlStreamReader>
 
 #include <clocale>
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
@@ -558,6 +559,30 @@ TEST_F(Files, DoNotGrowWithoutLimit) {
     }
     zel::SetWarningHandler(before);
     EXPECT_THAT(warnings, testing::Contains(testing::HasSubstr("dashes is drawn solid")));
+}
+
+// The symbols of a series are one definition that is used, and look as they do on images.
+TEST_F(Files, SvgUsesOneDefinitionForAllMarks) {
+    auto* points = new Zel2PointArray;
+    for (int i = 0; i < 60; ++i) points->Append(1 + i * 0.14, 0.5 + 0.4 * std::sin(i * 0.2));
+    for (int i = 0; i < 500; ++i) points->Append(5, 0.05);  // all in one place
+    points->SetSymbol(root_.RegisterSymbol("s", CSize(90, 90), zel::SYMBOL_DIAMOND, "", 3, RGB(0, 0, 90), 0,
+                                           RGB(250, 180, 0), 0, 1, "Arial", 80, 0, 0, nullptr, nullptr, 0),
+                      true);
+    graph_->AddIn(points);
+    const std::string path = Written("marks.svg"), content = Content(path), seen = folder_ / "marks.png";
+    int uses = 0;
+    for (std::size_t at = content.find("<use"); at != std::string::npos; at = content.find("<use", at + 1))
+        ++uses;
+    EXPECT_EQ(uses, 61);
+    EXPECT_EQ(content.find("id=\"mark"), content.rfind("id=\"mark"));
+    ASSERT_EQ(RunProgram("rsvg-convert -b white " + path + " -o " + seen).code, 0);
+    const QImage theirs = Coarse(seen), ours = Coarse(Written("marks-here.png"));
+    double difference = 0;
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 80; ++x)
+            difference += std::abs(qGray(theirs.pixel(x, y)) - qGray(ours.pixel(x, y)));
+    EXPECT_LT(difference / (80 * 60), 2) << "of 255 on average";
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
 
 namespace {
 
@@ -409,6 +410,75 @@ TEST_F(Image, RefusesWhatNoMemoryHolds) {
         ADD_FAILURE();
     } catch (CInvalidArgException* e) {
         EXPECT_THAT(zel::TakeMessage(e), testing::HasSubstr("choose a lower resolution"));
+    }
+}
+
+// Plots a symbol at places in logical units, together or one after another.
+class Plotted : public Zel2 {
+  public:
+    Plotted(DrawSymbol& symbol, const std::vector<CPoint>& places, bool together)
+        : symbol_(symbol), places_(places), together_(together) {}
+    CSize Size() override { return {1042, 833}; }
+    void OnDraw() override {
+        if (together_) symbol_.PlotOn(this, places_);
+        for (std::size_t i = 0; !together_ && i < places_.size(); ++i) symbol_.PlotOn(this, places_[i]);
+    }
+
+  private:
+    DrawSymbol& symbol_;
+    const std::vector<CPoint>& places_;
+    bool together_;
+};
+
+// Copied marks look as marks that are drawn one by one, whatever their shape, border, ink and clip. The
+// places are quarters of a pixel, none of them twice.
+TEST_F(Image, CopiesMarksAsTheyAreDrawn) {
+    using Grid = zel::qt::ImageDevice::Grid;
+    zel::qt::Install();
+    std::mt19937 random(5);
+    for (int type = zel::SYMBOL_CIRCLE; type <= zel::SYMBOL_CROSS + 1; ++type) {
+        for (const Grid grid : {Grid::SIXTEENTHS, Grid::PIXELS}) {
+            const bool custom = type > zel::SYMBOL_CROSS;
+            int xs[] = {0, 50, 130}, ys[] = {0, 120, -20};
+            DrawSymbol symbol("s", CSize(50 + 10 * type, 60),
+                              custom ? zel::SYMBOL_CUSTOM : static_cast<zel::SymbolKind>(type), "", type % 6,
+                              RGB(0, 0, 90), 0, RGB(200, 20 * type % 256, 0), 0, type % 4 != 2, "", 0, 0, 0,
+                              xs, ys, 3);
+            symbol.Opacity(type % 3 == 0 ? 0.5 : 1);
+            std::vector<CPoint> places;
+            const int quarter = grid == Grid::SIXTEENTHS ? 4 : 1,
+                      across = grid == Grid::SIXTEENTHS ? 400 : 100;
+            std::set<std::pair<int, int>> taken;
+            while (places.size() < 60) {
+                const auto any = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+                const std::pair<int, int> at(any(across) * quarter, any(across * 4 / 5) * quarter);
+                if (taken.insert(at).second) places.push_back({at.first, at.second});
+            }
+            const auto drawn = [&](bool together) {
+                zel::qt::ImageDevice image(100, 80, 96, 0, grid);
+                image.Clear(RGB(240, 250, 255));
+                CDC dc(image);
+                dc.IntersectClipRect(0, 0, across * quarter * 3 / 4, 100'000);
+                Zel2Main root;
+                root.SetRules(ZelRules::EXACT);
+                DrawSymbol copy(symbol);
+                root.Add(new Plotted(copy, places, together));
+                root.PrepareMappingFor(&dc, nullptr, 0, 0);
+                root.Draw(&dc);
+                dc.Flush();
+                return std::vector<std::uint32_t>(image.Pixels(), image.Pixels() + 8000);
+            };
+            const auto fast = drawn(true), plain = drawn(false);
+            int most = 0;
+            for (std::size_t i = 0; i < plain.size(); ++i) {
+                for (int shift = 0; shift < 24; shift += 8)
+                    most = std::max(most, std::abs(static_cast<int>(fast[i] >> shift & 0xFF) -
+                                                   static_cast<int>(plain[i] >> shift & 0xFF)));
+            }
+            EXPECT_LE(most, 16) << "as exact as the painter's edges: type " << type << " grid "
+                                << static_cast<int>(grid);
+            EXPECT_NE(plain[8000 / 2 + 30], 0U);
+        }
     }
 }
 
