@@ -23,6 +23,7 @@ std::vector<Example> GalleryExamples() {
 std::vector<Example> AllExamples() {
     std::vector<Example> all = GalleryExamples();
     for (const Example& picture : DocumentationPictures()) all.push_back(picture);
+    for (const Example& chart : ChartPictures()) all.push_back(chart);
     all.push_back({"report", MakeReport});
     return all;
 }
@@ -35,8 +36,10 @@ std::vector<double> ValuesOf(const zel::Column& column) {
         if (column.GetKind() == zel::Column::Kind::TIMES && std::isfinite(value)) {
             const auto time = sys_seconds(seconds(std::llround(column.Origin() + value)));
             const year_month_day date(floor<days>(time));
-            const auto begin = sys_days(date.year() / January / 1), end = sys_days((date.year() + years(1)) / January / 1);
-            value = static_cast<int>(date.year()) + duration<double>(time - begin) / duration<double>(end - begin);
+            const auto begin = sys_days(date.year() / January / 1),
+                       end = sys_days((date.year() + years(1)) / January / 1);
+            value = static_cast<int>(date.year()) +
+                    duration<double>(time - begin) / duration<double>(end - begin);
         }
         values.push_back(value);
     }

@@ -15,6 +15,7 @@ struct Example {
 // The drawings of the gallery; the pictures that the documentation shows; these, those and the report.
 std::vector<Example> GalleryExamples();
 std::vector<Example> DocumentationPictures();
+std::vector<Example> ChartPictures();
 std::vector<Example> AllExamples();
 
 // The numbers of a column; times become decimal years.

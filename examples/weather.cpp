@@ -8,11 +8,11 @@ std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder) {
 
     auto root = std::make_unique<Zel2Main>();
     root->SetRules(ZelRules::EXACT);
-    auto* chart = root->Add(std::make_unique<Zel2Chart>(zel::ChartOptions{
-        .title = "Weather in Seattle",
-        .subtitle = "highest and lowest temperature of each day, and precipitation",
-        .caption = "Source: NOAA National Climatic Data Center",
-        .size = {180, 110}}));
+    auto* chart = root->Add(std::make_unique<Zel2Chart>(
+        zel::ChartOptions{.title = "Weather in Seattle",
+                          .subtitle = "highest and lowest temperature of each day, and precipitation",
+                          .caption = "Source: NOAA National Climatic Data Center",
+                          .size = {180, 110}}));
     chart->Y().SetTitle("Temperature").SetUnit("°C").SetRange(-10, 40);
     chart->Y2().SetTitle("Precipitation").SetUnit("mm").SetRange(0, 200);
 

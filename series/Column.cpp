@@ -1,6 +1,7 @@
 #include "core/ArchiveFields.h"
 
 #include <zel/Column.h>
+#include <zel/Error.h>
 #include <zel/platform/Exception.h>
 
 #include <algorithm>
@@ -12,6 +13,13 @@ namespace zel {
 namespace {
 
 constexpr std::int64_t kAbsent = std::numeric_limits<std::int64_t>::min();
+
+std::int64_t TickAt(const std::int64_t* first, std::ptrdiff_t stride, std::size_t i) {
+    std::int64_t tick;
+    std::memcpy(&tick, reinterpret_cast<const char*>(first) + static_cast<std::ptrdiff_t>(i) * stride,
+                sizeof tick);
+    return tick;
+}
 
 }  // namespace
 
@@ -69,18 +77,15 @@ Column Column::TimesView(std::span<const std::int64_t> ticks, std::int64_t perSe
 // Counted from the whole second of the first time there is.
 void Column::SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t stride,
                       std::int64_t perSecond) {
-    if (perSecond < 1) AfxThrowInvalidArgException("Cannot read times of less than one tick a second.");
+    if (perSecond < 1) throw Error("Cannot read times: there must be at least one tick to a second");
     kind_ = Kind::TIMES;
     size_ = n;
     perSecond_ = perSecond;
     std::int64_t second = 0;
     for (std::size_t i = 0; i < n; ++i) {
-        const auto* const tick = reinterpret_cast<const std::int64_t*>(
-            reinterpret_cast<const char*>(first) + static_cast<std::ptrdiff_t>(i) * stride);
-        std::int64_t value;
-        std::memcpy(&value, tick, sizeof value);
-        if (value == kAbsent) continue;
-        second = value / perSecond;
+        const std::int64_t tick = TickAt(first, stride, i);
+        if (tick == kAbsent) continue;
+        second = tick / perSecond;
         break;
     }
     origin_ = static_cast<double>(second);
@@ -89,19 +94,14 @@ void Column::SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t s
     values_ = ValuesFrom(origin_);
 }
 
-// The ends of the range of 64 bits in the stead of what lies beyond.
-std::int64_t Column::OriginTicks(double origin) const {
-    constexpr double kMost = 9.2e18;
-    return static_cast<std::int64_t>(std::clamp(origin * static_cast<double>(perSecond_), -kMost, kMost));
-}
-
 SeriesValues Column::ValuesFrom(double origin) const {
     if (kind_ != Kind::TIMES) return values_;
-    // A whole second times a power of ten is exact as a double below 2^53, and as an integer beyond.
-    std::int64_t ticks = 0;
-    const bool isWhole = std::fabs(origin) < 9e15;
-    if (!isWhole || __builtin_mul_overflow(static_cast<std::int64_t>(origin), perSecond_, &ticks))
-        ticks = OriginTicks(origin);
+    constexpr double kMost = 9.2e18;  // below the end of 64 bits
+    std::int64_t ticks = static_cast<std::int64_t>(std::clamp(origin, -kMost, kMost));
+    // So far away no digit is left to keep.
+    if (__builtin_mul_overflow(ticks, perSecond_, &ticks))
+        ticks =
+            static_cast<std::int64_t>(std::clamp(origin * static_cast<double>(perSecond_), -kMost, kMost));
     return SeriesValues(ticks_, stride_, ticks, static_cast<double>(perSecond_));
 }
 
@@ -116,21 +116,11 @@ void Column::Serialize(CArchive& ar) {
     std::vector<std::int64_t> ticks;
     std::vector<double> numbers;
     std::vector<std::string> names = Names();
-    if (ar.IsStoring()) {
-        const SeriesValues values = kind_ == Kind::TIMES ? ValuesFrom(origin_) : values_;
-        std::int64_t base = 0;
-        if (__builtin_mul_overflow(static_cast<std::int64_t>(std::clamp(origin_, -9.2e18, 9.2e18)),
-                                   perSecond_, &base))
-            base = OriginTicks(origin_);
-        for (std::size_t i = 0; i < size_; ++i) {
-            const double value = values.At(i);
-            if (kind_ != Kind::TIMES) {
-                numbers.push_back(value);
-            } else {
-                ticks.push_back(std::isfinite(value)
-                                    ? base + std::llround(value * static_cast<double>(perSecond_))
-                                    : kAbsent);
-            }
+    for (std::size_t i = 0; ar.IsStoring() && i < size_; ++i) {
+        if (kind_ == Kind::TIMES) {
+            ticks.push_back(TickAt(ticks_, stride_, i));
+        } else {
+            numbers.push_back(values_.At(i));
         }
     }
     ExchangeText(ar, name_);

@@ -3,6 +3,7 @@
 #include "charts/ChartLayout.h"
 
 #include <zel/Error.h>
+#include <zel/platform/File.h>
 #include <zel/platform/RecordingDevice.h>
 
 namespace {
