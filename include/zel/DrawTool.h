@@ -118,7 +118,7 @@ class DrawToolTable : public CObject {
     void Clear();
 
     std::vector<std::unique_ptr<DrawTool>> tools_;
-    std::unordered_map<std::string, int> indexOfName_;  // first tool of each name, built when first asked
+    std::unordered_map<std::string, int> indexOfName_;  // as registered; tools can be renamed
     CDC* dc_ = nullptr;
     int scale_ = 0;
 };
