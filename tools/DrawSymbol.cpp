@@ -124,7 +124,7 @@ DrawTool& DrawSymbol::operator=(const DrawTool& other) {
     return symbol ? *this = *symbol : DrawTool::operator=(other);
 }
 
-DrawTool* DrawSymbol::ACopy() const {
+DrawTool* DrawSymbol::ACopy() {
     return new DrawSymbol(*this);
 }
 
@@ -201,7 +201,7 @@ void DrawSymbol::GetFontData(CString& face, int& size, COLORREF& scr, COLORREF& 
 
 void DrawSymbol::SetDefaults(Zel2* obj) {
     if (fontIndex_ < 0 && HasLabel()) {
-        const CString name = name_ + " - Symbol Text";
+        const CString name = NameRef() + " - Symbol Text";
         fontIndex_ = obj->GetFontIndex(name);
         if (fontIndex_ < 0)
             fontIndex_ = obj->RegisterFont(name, face_, fontSize_, 0, 0, 0, 0, font_.screen, font_.print);
@@ -213,19 +213,19 @@ void DrawSymbol::SetDefaults(Zel2* obj) {
         size_ = CSize(side, side);
     }
     if (penIndex_ < 0 && (border_ || type_ == zel::SYMBOL_CROSS)) {
-        const CString name = name_ + " - Border Line";
+        const CString name = NameRef() + " - Border Line";
         penIndex_ = obj->GetPenIndex(name);
         if (penIndex_ < 0)
             penIndex_ = obj->RegisterPen(name, DrawPen::SOLID, penWidth_, pen_.screen, pen_.print, nullptr);
     }
     if (colorIndex_ < 0 && type_ != zel::SYMBOL_CROSS) {
-        const CString name = name_ + " - Background";
+        const CString name = NameRef() + " - Background";
         colorIndex_ = obj->GetColorIndex(name);
         if (colorIndex_ < 0) colorIndex_ = obj->RegisterColor(name, brush_.screen, brush_.print);
     }
 }
 
-CRect DrawSymbol::RectAround(Zel2* obj, const CPoint& pt) const {
+CRect DrawSymbol::RectAround(Zel2* obj, const CPoint& pt) {
     const Mapping* map = obj->Map();
     const int w = map ? map->ScaleX(map->Zoomed(size_.cx)) : size_.cx;
     const int h = map ? map->ScaleY(map->Zoomed(size_.cy)) : size_.cy;
@@ -333,7 +333,10 @@ void DrawSymbol::PlotOn(Zel2* obj, double x, double y) {
 }
 
 void DrawSymbol::Serialize(CArchive& ar) {
-    if (zel::IsComplete(ar)) zel::Exchange(ar, name_, border_, printer_);
+    if (zel::IsComplete(ar)) {
+        ExchangeName(ar);
+        zel::Exchange(ar, border_, printer_);
+    }
     // The size stands twice in the record.
     for (int i = 0; i < 2; ++i) zel::Exchange(ar, size_.cx, size_.cy);
     int type = type_;

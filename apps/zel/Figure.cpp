@@ -70,14 +70,11 @@ class FigureMaker {
         root_->Add(graph_);
         graph_->SetGraphSize(size_);
         graph_->SetCoord(0, 0, 0, 0);
-        auto* grid = new Zel2PointArray;
-        graph_->AddIn(grid);
         if (options_.fill) {
             for (int i = 0; i < Count(); ++i) AddArea(i);
         }
         for (int i = 0; i < Count(); ++i) AddSeries(i);
         SetRanges();
-        DrawGridWith(*grid);
         SetMargins();
         AddTitles();
         if (Count() > 1) AddLegend();
@@ -91,6 +88,7 @@ class FigureMaker {
     void RegisterTools() {
         root_->RegisterColor("Frame Color", kWhite, kWhite);
         root_->RegisterColor("Background Color", kWhite, kWhite);
+        root_->RegisterPen("Vertical/Horizontal Coordinate Lines", DrawPen::SOLID, 1, kGrid, kGrid, nullptr);
         titleFont_ = root_->RegisterFont("Title", "Arial", 140, 1, 0, 0, 0, 0, 0);
         textFont_ = root_->RegisterFont("Axis Title", "Arial", 100, 0, 0, 0, 0, 0, 0);
     }
@@ -104,24 +102,6 @@ class FigureMaker {
         area->SetColor(root_->RegisterColor((data.name + " area").c_str(), tint, tint));
         area->SetExtension(Zel2PointSet::BOTTOM, Zel2PointSet::BOTTOM);
         graph_->AddIn(area);
-    }
-
-    // The graph draws its own grid over what is plotted; ours lies below it, as the first of the plotted
-    // objects.
-    void DrawGridWith(Zel2PointArray& grid) {
-        constexpr double kGap = std::numeric_limits<double>::quiet_NaN();
-        double x0, y0, x1, y1;
-        graph_->GetFloatRect(x0, y0, x1, y1);
-        const auto add = [&](double ax, double ay, double bx, double by) {
-            grid.Append(ax, ay);
-            grid.Append(bx, by);
-            grid.Append(kGap, kGap);
-        };
-        for (const double x : graph_->XLabels()) add(x, y0, x, y1);
-        for (const double y : graph_->YLabels()) add(x0, y, x1, y);
-        grid.SetPen(root_->RegisterPen("Grid", DrawPen::SOLID, 1, kGrid, kGrid, nullptr));
-        graph_->SetXLines({});
-        graph_->SetYLines({});
     }
 
     void AddSeries(int i) {
@@ -175,8 +155,10 @@ class FigureMaker {
                                   ys = within(graph_->YLabels(), y0, y1);
         graph_->SetXLabels(xs);
         graph_->SetXTicks(xs);
+        graph_->SetXLines(xs);
         graph_->SetYLabels(ys);
         graph_->SetYTicks(ys);
+        graph_->SetYLines(ys);
     }
 
     void SetMargins() {

@@ -46,7 +46,7 @@ class DrawPen : public DrawTool {
     DrawPen& operator=(const DrawPen& other);
     DrawTool& operator=(const DrawTool& other) override;
 
-    DrawTool* ACopy() const override;
+    DrawTool* ACopy() override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
     // Name, colours, style, width, pattern; the printer flag is not stored.
