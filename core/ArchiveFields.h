@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <type_traits>
 #include <vector>
 
@@ -25,6 +26,11 @@ inline bool IsComplete(CArchive& ar) {
     return ar.GetDialect() == CArchive::Dialect::COMPLETE;
 }
 
+// Whether the archive has the fields that documents have had since a format version.
+inline bool HasSince(CArchive& ar, int version) {
+    return IsComplete(ar) && ar.GetDialectVersion() >= version;
+}
+
 // A bool as one byte.
 inline void ExchangeFlag(CArchive& ar, bool& flag) {
     BYTE byte = flag ? 1 : 0;
@@ -32,7 +38,25 @@ inline void ExchangeFlag(CArchive& ar, bool& flag) {
     flag = byte != 0;
 }
 
-// Signed 32-bit raw values, `count` of them.
+// A text as CString stores it.
+inline void ExchangeText(CArchive& ar, std::string& text) {
+    CString copy(text.c_str());
+    Exchange(ar, copy);
+    text = copy.GetString();
+}
+
+// A 32-bit count and the texts.
+inline void ExchangeTexts(CArchive& ar, std::vector<std::string>& texts) {
+    int count = static_cast<int>(texts.size());
+    Exchange(ar, count);
+    if (ar.IsLoading()) {
+        ar.CheckCount(std::max(count, 0), 1);
+        texts.assign(static_cast<std::size_t>(std::max(count, 0)), {});
+    }
+    for (std::string& text : texts) ExchangeText(ar, text);
+}
+
+// So many bytes as they lie in memory.
 inline void ExchangeRaw(CArchive& ar, void* data, std::size_t bytes) {
     if (ar.IsStoring()) {
         ar.Write(data, bytes);

@@ -273,20 +273,20 @@ void Zel2::DrawCPT(int i) {
     if (!window) return;
     CClientDC dc(window);
     const CPoint at = Map()->ToDevice(Cpt(i));
-    const int left = at.x - kMarkerReach;
-    const int top = at.y - kMarkerReach;
+    CRect box(at, CSize());
+    box.InflateRect(kMarkerReach, kMarkerReach);
     if (GetStatus(FOCUS)) {
-        dc.PatBlt(left, top, kMarkerSize, kMarkerSize, BLACKNESS);
+        dc.PatBlt(box.left, box.top, kMarkerSize, kMarkerSize, BLACKNESS);
         return;
     }
     CPen black(PS_SOLID, 1, RGB(0, 0, 0));
     CPen* previous = dc.SelectObject(&black);
-    dc.PatBlt(left, top, kMarkerSize, kMarkerSize, WHITENESS);
-    dc.MoveTo(left, top);
-    dc.LineTo(left, at.y + kMarkerReach);
-    dc.LineTo(at.x + kMarkerReach, at.y + kMarkerReach);
-    dc.LineTo(at.x + kMarkerReach, top);
-    dc.LineTo(left, top);
+    dc.PatBlt(box.left, box.top, kMarkerSize, kMarkerSize, WHITENESS);
+    dc.MoveTo(box.left, box.top);
+    dc.LineTo(box.left, box.bottom);
+    dc.LineTo(box.right, box.bottom);
+    dc.LineTo(box.right, box.top);
+    dc.LineTo(box.left, box.top);
     dc.SelectObject(previous);
 }
 

@@ -49,6 +49,10 @@ DocumentHeader::Bytes DocumentHeader::Encode() const {
     return bytes;
 }
 
+int DocumentHeader::VersionIn(const Bytes& bytes) {
+    return static_cast<int>(std::min<std::uint32_t>(Take<std::uint32_t>(bytes, 8), kDocumentVersion));
+}
+
 DocumentHeader DocumentHeader::Decode(const Bytes& bytes, const std::string& source) {
     if (std::memcmp(bytes.data(), kMagic, sizeof kMagic) != 0) {
         Refuse(CArchiveException::badClass, source, "it is no drawing document (its first bytes differ)");

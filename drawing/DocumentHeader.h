@@ -27,8 +27,10 @@ struct DocumentHeader {
     std::uint64_t contentLength = 0;
     std::uint32_t contentChecksum = 0;
 
-    // Whether two bytes are the first of a document.
-    static bool Begins(const std::uint8_t (&bytes)[2]) { return bytes[0] == 0x89 && bytes[1] == 'Z'; }
+    // Whether these are the first bytes of a document.
+    static bool Begins(const Bytes& bytes) { return bytes[0] == 0x89 && bytes[1] == 'Z'; }
+    // The version that stands in a header of which nothing is checked; no newer one than is known.
+    static int VersionIn(const Bytes& bytes);
     Bytes Encode() const;
     // Throws CArchiveException* that names `source` when the bytes are no header, or one of a newer version.
     static DocumentHeader Decode(const Bytes& bytes, const std::string& source);

@@ -116,7 +116,7 @@ HMETAFILE zel::RecordMetafile(Zel2Main& root, const char* fileName, int* unitsPe
         CPoint origin;
         CSize extent;
         root.Map()->GetLogical(origin, extent);
-        const CSize logical(std::max(1, std::abs(extent.cx)), std::max(1, std::abs(extent.cy)));
+        const CSize logical(std::max(1, Magnitude(extent.cx)), std::max(1, Magnitude(extent.cy)));
         recorder.Dc().SetMapMode(MM_ANISOTROPIC);
         recorder.Dc().SetWindowExt(logical.cx, logical.cy);
         recorder.Dc().SetViewportExt(logical.cx, logical.cy);
@@ -154,7 +154,7 @@ void zel::WritePlaceableMetafile(Zel2Main& root, const char* fileName) {
     CPoint origin;
     CSize extent;
     root.Map()->GetLogical(origin, extent);
-    const CRect box(0, 0, std::abs(extent.cx), std::abs(extent.cy));
+    const CRect box(0, 0, Magnitude(extent.cx), Magnitude(extent.cy));
     const auto header = PlaceableHeader(box, static_cast<WORD>(unitsPerInch));
     const auto& bytes = GetMetaFileBits(metafile.get());
     SafeFile file(fileName);

@@ -23,7 +23,9 @@ std::uint32_t AddToChecksum(std::uint32_t checksum, const void* bytes, std::size
 // Counts and sums up what is written through it.
 class ChecksummedFile : public CFile {
   public:
-    using CFile::CFile;
+    // `name` stands for the path in exceptions.
+    ChecksummedFile(const char* path, const char* name) : CFile(path, modeReadWrite), name_(name) {}
+    CString GetFilePath() const override { return name_; }
     void Write(const void* bytes, std::size_t count) override {
         checksum_ = AddToChecksum(checksum_, bytes, count);
         length_ += count;
@@ -33,6 +35,7 @@ class ChecksummedFile : public CFile {
     std::uint64_t Length() const { return length_; }
 
   private:
+    CString name_;
     std::uint32_t checksum_ = 0;
     std::uint64_t length_ = 0;
 };
@@ -69,7 +72,7 @@ void CheckContent(CFile& file, const DocumentHeader& header, const std::string& 
 std::unique_ptr<Zel2Main> ReadContent(CFile& file, const DocumentHeader& header) {
     file.Seek(DocumentHeader::kSize, CFile::begin);
     CArchive ar(&file, CArchive::load);
-    ar.SetDialect(CArchive::Dialect::COMPLETE);
+    ar.SetDialect(CArchive::Dialect::COMPLETE, static_cast<int>(header.version));
     std::unique_ptr<Zel2Main> drawing = ReadOwned<Zel2Main>(ar);
     if (ar.BytesLeft() > 0)
         ar.Fail(CArchiveException::genericException,
@@ -96,7 +99,7 @@ void StoreComplete(CFile& file, Zel2& object) {
 
 void SaveDocument(Zel2Main& drawing, const char* path) {
     SafeFile target(path);
-    ChecksummedFile file(target.TemporaryPath().c_str(), CFile::modeReadWrite);
+    ChecksummedFile file(target.TemporaryPath().c_str(), path);
     file.Seek(DocumentHeader::kSize, CFile::begin);
     StoreComplete(file, drawing);
 
@@ -144,12 +147,12 @@ DocumentFacts CheckDocument(const char* path) {
 
 void TraceDrawing(const char* path, ArchiveTrace& trace) {
     CFile file(path, CFile::modeRead);
-    std::uint8_t first[2] = {};
-    const bool tagged = file.Read(first, 2) == 2 && first[0] == 0xFF && first[1] == 0xFF;
+    DocumentHeader::Bytes first{};
+    const bool tagged = file.Read(first.data(), first.size()) >= 2 && first[0] == 0xFF && first[1] == 0xFF;
     const bool document = DocumentHeader::Begins(first);
     file.Seek(document ? DocumentHeader::kSize : 0, CFile::begin);
     CArchive ar(&file, CArchive::load);
-    if (document) ar.SetDialect(CArchive::Dialect::COMPLETE);
+    if (document) ar.SetDialect(CArchive::Dialect::COMPLETE, DocumentHeader::VersionIn(first));
     ar.SetTrace(&trace);
     // Hosts store a drawing with its class or only what is in it.
     if (document || tagged) {

@@ -4,6 +4,7 @@
 #include "examples/gallery.h"
 
 #include <zel/platform/Exception.h>
+#include <zel/platform/MessageBox.h>
 #include <zel/qt/Install.h>
 
 #include <chrono>
@@ -104,7 +105,7 @@ int main(int argc, char** argv) {
     } catch (CException* e) {
         std::fprintf(stderr, "%s\n", zel::TakeMessage(e).c_str());
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "%s\n", e.what());
+        std::fprintf(stderr, "%s\n", zel::WordsOf(e).c_str());
     }
     return 1;
 }

@@ -1,20 +1,14 @@
 // The outlines of filled areas under data series.
 #pragma once
 
-#include "series/DeviceColumns.h"
+#include "series/ThinnedPath.h"
 
-#include <zel/SeriesPoints.h>
 #include <zel/WorldFrame.h>
 
 #include <span>
 #include <vector>
 
 namespace zel {
-
-struct WorldPoint {
-    double x;
-    double y;
-};
 
 // Whether a code names one of the eight extensions.
 constexpr bool IsExtension(unsigned int code) {
@@ -29,11 +23,11 @@ WorldPoint ExtensionPoint(unsigned int code, const WorldFrame& frame, const Worl
 // corners of the frame from the side where the end extension lies to that of the start one.
 class FillOutline {
   public:
-    // With `columns`, points that follow each other in one column of the device count as the first, the
-    // lowest, the highest and the last, which look the same; without, each is a corner.
-    FillOutline(const WorldFrame& frame, unsigned int start, unsigned int end, DeviceColumns* columns);
+    // `columns` as of a ThinnedPath.
+    FillOutline(const WorldFrame& frame, unsigned int start, unsigned int end, DeviceColumns* columns)
+        : frame_(frame), start_(start), end_(end), path_(columns) {}
 
-    void Add(const SeriesStretch& stretch);
+    void Add(const SeriesStretch& stretch) { path_.Add(stretch); }
     // After the last stretch.
     void Close();
 
@@ -42,10 +36,6 @@ class FillOutline {
     std::vector<double> y;
 
   private:
-    void Take(const WorldPoint& p);
-    void Take(const WorldPoint& first, const WorldPoint& last, double low, double high);
-    void Begin(const WorldPoint& p);
-    void EndRun();
     void Corner(const WorldPoint& p) {
         x.push_back(p.x);
         y.push_back(p.y);
@@ -54,12 +44,7 @@ class FillOutline {
     const WorldFrame& frame_;
     unsigned int start_;
     unsigned int end_;
-    DeviceColumns* columns_;
-    bool any_ = false;
-    // The points of the present column.
-    bool open_ = false;
-    WorldPoint first_{}, last_{};
-    double low_ = 0, high_ = 0;
+    ThinnedPath path_;
 };
 
 }  // namespace zel

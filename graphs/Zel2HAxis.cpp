@@ -202,7 +202,8 @@ void Zel2ScaleAxis::DrawTicks(const Edge& edge, int length) {
     if (!pen) return;
     for (const double v : ticks_) {
         const LONG along = Position(v);
-        const CPoint from = At(along, edge.edge), to = At(along, zel::Add(edge.edge, length * edge.into));
+        const CPoint from = At(along, edge.edge),
+                     to = At(along, zel::Add(edge.edge, zel::Saturate(std::int64_t{length} * edge.into)));
         pen->MoveTo(from.x, from.y);
         pen->LineTo(to.x, to.y);
     }
@@ -214,7 +215,7 @@ void Zel2ScaleAxis::DrawLabels(const Edge& edge, int tick) {
     const bool exact = IsExact();
     const int gap = Gap(kLabelGap);
     const unsigned flags = LabelFlags(gap);
-    const LONG line = zel::Add(edge.edge, zel::Add(gap, tick) * edge.into);
+    const LONG line = zel::Add(edge.edge, zel::Saturate((std::int64_t{gap} + tick) * edge.into));
     const std::vector<std::string> texts =
         zel::LabelTexts(labels_, exact ? kDigits : kClassicDigits, Rules());
     if (!exact) {
@@ -244,7 +245,7 @@ void Zel2ScaleAxis::PutInside(zel::LabelPlace& place) const {
 void Zel2ScaleAxis::DrawTitle(const Edge& edge, const CRect& box) {
     DrawFont* font = title_.IsEmpty() ? nullptr : Font(tools_[TITLE_FONT]);
     if (!font) return;
-    const LONG line = zel::Subtract(edge.farEdge, Gap(titleOffset_) * edge.into);
+    const LONG line = zel::Subtract(edge.farEdge, zel::Saturate(std::int64_t{Gap(titleOffset_)} * edge.into));
     font->Print(title_, At(MiddleOf(box), line), TitleAngle(), DT_CENTER | DT_VCENTER);
 }
 

@@ -1,9 +1,9 @@
 #include "core/ArchiveFields.h"
 #include "graphs/SeriesFill.h"
-#include "graphs/SeriesHit.h"
 #include "series/CurveScope.h"
+#include "series/SeriesHit.h"
 #include "series/SeriesIndex.h"
-#include "tools/FrameClip.h"
+#include "tools/SeriesMarks.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
@@ -198,7 +198,7 @@ int Zel2PointSet::SymbolReach(int index) {
     DrawSymbol* const symbol = index >= 0 ? Symbol(index) : nullptr;
     if (!symbol) return -1;
     const CSize size = Map()->ToDevice(symbol->Size());
-    return std::max(std::abs(size.cx), std::abs(size.cy)) / 2;
+    return std::max(zel::Magnitude(size.cx), zel::Magnitude(size.cy)) / 2;
 }
 
 int Zel2PointSet::IsIn(const CPoint& pt) {
@@ -329,37 +329,11 @@ void Zel2PointSet::Plot(DrawSymbol* symbol) {
     const WorldFrame* frame = GraphFrame();
     if (!symbol || !frame) return;
     const zel::CurveScope figure(DC(), symbol->IsPlainDisc(this));
-    std::vector<CPoint> places;
-    places.reserve(kBlock);
-    const auto plot = [&] {
-        if (!places.empty()) symbol->PlotOn(this, places);
-        places.clear();
-    };
-    const zel::FrameSlack slack(*frame);
-    const double left = frame->Left() - slack.x, right = frame->Right() + slack.x;
-    const double bottom = frame->Bottom() - slack.y, top = frame->Top() + slack.y;
-    const bool hasExtent = left < right && bottom < top;
-    const auto isOutside = [=](const zel::SeriesSpan& span, std::size_t, std::size_t) {
-        return span.xmax < left || span.xmin > right || span.ymax < bottom || span.ymin > top;
-    };
-    const auto take = [&](const zel::SeriesStretch& stretch) {
-        zel::WalkSeries(
-            stretch, isOutside,
-            [&](const zel::SeriesSpan& span, std::size_t, const double* x, const double* y, std::size_t n) {
-                if (!span.gaps && hasExtent && frame->Contains(span.xmin, span.ymin) &&
-                    frame->Contains(span.xmax, span.ymax)) {
-                    places.resize(places.size() + n);
-                    frame->ToLogicalInside(x, y, n, places.data() + places.size() - n);
-                } else {
-                    for (std::size_t i = 0; i < n; ++i)
-                        if (frame->Contains(x[i], y[i])) places.push_back(frame->ToLogical(x[i], y[i]));
-                }
-                if (places.size() >= kBlock) plot();
-            });
+    const auto plot = [&](const zel::SeriesStretch& stretch) {
+        zel::PlotMarks(*this, *symbol, *frame, {&stretch, 1});
         return true;
     };
-    ForStretches(take, symbolOnFirst_ ? 0 : 1);
-    plot();
+    ForStretches(plot, symbolOnFirst_ ? 0 : 1);
 }
 
 void Zel2PointSet::Plot(DrawPen* pen, unsigned int start, unsigned int end) {

@@ -131,10 +131,18 @@ void Zel2Report::OnPrint(CDC* dc, CPrintInfo* info) {
         Zel2Tools::OnPrint(dc, info);
         return;
     }
+    // A page on paper has its own margins: it begins at the paper's corner, not at that of what the printer
+    // can reach.
+    const CPoint origin = dc->GetViewportOrg();
+    if (IsOnPaper()) {
+        dc->SetViewportOrg(zel::Subtract(origin.x, dc->GetDeviceCaps(PHYSICALOFFSETX)),
+                           zel::Subtract(origin.y, dc->GetDeviceCaps(PHYSICALOFFSETY)));
+    }
     const int selected = selected_;
     if (info && !content_) SelectPage(zel::Saturate(std::int64_t{info->m_nCurPage} - 1));
     OnDraw();
     SelectPage(selected);
+    dc->SetViewportOrg(origin.x, origin.y);
 }
 
 MouseAction Zel2Report::OnMouse(const MouseStatus& ms) {
@@ -192,12 +200,13 @@ void Zel2Report::DrawBand(zel::ReportBand& band, LONG outer, LONG inner) {
     const LONG left = paper_->left, right = zel::Subtract(paper_->size.cx, paper_->right);
     const unsigned vertical = outer > inner ? DT_TOP : DT_BOTTOM;
     DrawBandText(band.left, CPoint(left, outer), band.font, DT_LEFT | vertical);
-    DrawBandText(band.middle, CPoint(left + (right - left) / 2, outer), band.font, DT_CENTER | vertical);
+    DrawBandText(band.middle, CPoint(zel::Saturate(left + (std::int64_t{right} - left) / 2), outer),
+                 band.font, DT_CENTER | vertical);
     DrawBandText(band.right, CPoint(right, outer), band.font, DT_RIGHT | vertical);
     DrawPen* pen = band.rule >= 0 ? Pen(band.rule) : nullptr;
     if (!pen) return;
     // In the middle between text and content.
-    const LONG y = outer + (inner - outer) * 3 / 4;
+    const LONG y = zel::Saturate(outer + (std::int64_t{inner} - outer) * 3 / 4);
     const CPoint from = R2L(CPoint(left, y)), to = R2L(CPoint(right, y));
     pen->MoveTo(from.x, from.y);
     pen->LineTo(to.x, to.y);

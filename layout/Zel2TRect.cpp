@@ -96,7 +96,7 @@ void Zel2TRect::InflateRect(CRect& r) {
     if (!map) return;
     const int dx = map->ScaleX(map->Zoomed(MulDiv(border_.cx, kUnitsPerInch, kPointsPerInch)));
     const int dy = map->ScaleY(map->Zoomed(MulDiv(border_.cy, kUnitsPerInch, kPointsPerInch)));
-    r.InflateRect(-dx, -std::abs(dy));
+    r.DeflateRect(dx, zel::Magnitude(dy));
 }
 
 // Scrolling and zooming move the box under the editor: each draw brings it back.

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <limits>
 #include <vector>
 
@@ -84,10 +85,24 @@ class SeriesIndex {
     std::size_t stepped_ = 0;
 };
 
+// What a span of untransformed values covers as it is drawn.
+inline SeriesSpan Placed(SeriesSpan span, const SeriesStretch& stretch) {
+    const auto place = [&span](const SeriesTransform* transform, double& low, double& high) {
+        if (!transform || low > high) return;
+        low = transform->Bound(low);
+        high = transform->Bound(high);
+        if (!std::isfinite(low) || !std::isfinite(high)) span.gaps = true;
+    };
+    place(stretch.xTransform, span.xmin, span.xmax);
+    place(stretch.yTransform, span.ymin, span.ymax);
+    return span;
+}
+
 // Walks over a stretch from its beginning to its end, in the largest pieces that will do.
 //
 // `whole(span, begin, end)` is asked for ever smaller pieces whether it can do with what a piece covers.
-// Where it cannot even for a block, `each(span, begin, x, y, n)` gets that block's points.
+// Where it cannot even for a block, `each(span, begin, x, y, n)` gets that block's points. Spans and points
+// are transformed as the stretch says.
 template <class Whole, class Each>
 void WalkSeries(const SeriesStretch& stretch, Whole whole, Each each) {
     std::array<double, SeriesIndex::kBlock> xs, ys;
@@ -96,15 +111,15 @@ void WalkSeries(const SeriesStretch& stretch, Whole whole, Each each) {
         const bool known = level >= 0;
         for (; level >= 0; --level) {
             const std::size_t next = at + SeriesIndex::PointsOf(static_cast<std::size_t>(level));
-            if (!whole(stretch.index->SpanAt(level, at), at, next)) continue;
+            if (!whole(Placed(stretch.index->SpanAt(level, at), stretch), at, next)) continue;
             at = next;
             break;
         }
         if (level >= 0) continue;
         const std::size_t n = std::min(SeriesIndex::kBlock - at % SeriesIndex::kBlock, stretch.end - at);
-        const double* const x = stretch.x.Read(at, n, xs.data());
-        const double* const y = stretch.y.Read(at, n, ys.data());
-        const SeriesSpan span = known ? stretch.index->SpanAt(0, at) : SpanOf(x, y, n);
+        const double* const x = stretch.ReadX(at, n, xs.data());
+        const double* const y = stretch.ReadY(at, n, ys.data());
+        const SeriesSpan span = known ? Placed(stretch.index->SpanAt(0, at), stretch) : SpanOf(x, y, n);
         if (known || !whole(span, at, at + n)) each(span, at, x, y, n);
         at += n;
     }

@@ -145,7 +145,7 @@ class FakePeer : public WindowPeer {
 };
 
 // Pages that write down what is drawn, each begun by a line of its own.
-class FakePages : public DocumentDevice {
+class FakePages : public BasicDevice<DocumentDevice> {
   public:
     explicit FakePages(std::string& text) : text_(text) {}
     void NewPage() override { EndPage(); }

@@ -27,6 +27,10 @@ class RandomDrawing {
                                  static_cast<zel::SymbolKind>(1 + Below(15)), Below(2) ? "x" : "", 1, 0, 0, 0,
                                  0, Below(2), "Arial", 70, 0, 0, nullptr, nullptr, 0);
         }
+        for (DrawTool* tool :
+             {static_cast<DrawTool*>(root->Pen(Below(3))), static_cast<DrawTool*>(root->Color(Below(3))),
+              static_cast<DrawTool*>(root->Font(Below(3))), root->Symbols()->Get(Below(3))})
+            tool->Opacity(Below(9) / 8.0);
         int pattern[20] = {1 + Below(60), 1 + Below(60), Below(9)};
         root->RegisterPen("pattern", DrawPen::USER_DEFINED, Below(9), 0, 0, pattern);
         int xs[] = {0, Below(50), Below(90)}, ys[] = {0, Below(90), 9};

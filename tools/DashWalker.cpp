@@ -1,14 +1,18 @@
 #include "tools/DashWalker.h"
 
+#include <zel/platform/Warning.h>
+
 #include <algorithm>
-#include <climits>
+#include <bit>
 #include <cmath>
+#include <string>
 
 namespace {
 
 // Lines longer than this are walked only where they can be seen.
 constexpr int kLongLine = 1 << 17;
 constexpr std::int64_t kEndless = INT64_MAX / 2;
+constexpr int kMostDashes = 100'000;  // that are seen of a long line
 
 struct Span {
     double begin = 0;
@@ -37,11 +41,6 @@ Span VisibleSpan(const CPoint& a, const CPoint& b, const CRect& box) {
     return span.begin < span.end ? span : Span{0, 0};
 }
 
-CPoint Along(const CPoint& a, const CPoint& b, double t) {
-    return {zel::Truncate(std::round(a.x + t * (static_cast<double>(b.x) - a.x))),
-            zel::Truncate(std::round(a.y + t * (static_cast<double>(b.y) - a.y)))};
-}
-
 int LengthBetween(const CPoint& a, const CPoint& b) {
     const CSize delta = b - a;
     return DrawPen::Length(delta.cx, delta.cy);
@@ -68,6 +67,7 @@ DrawPen::DashWalker::DashWalker(DrawPen& pen, CDC& dc)
         element.inLoop = i % 2 ? MulDiv(zel::Add(length, zel::Saturate(2LL * width)), unit, 254)
                                : MulDiv(length, unit, 254) - 1;
         cycle_ += element.inLoop;
+        advance_ += std::max(element.inLoop, 0);
     }
     if (dashIndex_ >= elementCount_) dashIndex_ = 0;
     position_ = dc.GetCurrentPosition();
@@ -161,7 +161,10 @@ void DrawPen::DashWalker::NextElement() {
 void DrawPen::DashWalker::WalkDashes(const CPoint& to, int length) {
     CPoint at = current_;
     int remaining = Remaining();
-    int lengthAtCycleStart = INT_MAX;  // a call can begin by stepping back: whole cycles count
+    // Rounding can undo the small advance of a cycle for ever: then the pen comes to a place where a cycle
+    // has begun before. One such place is kept, and changed at the cycles 1, 2, 4, 8 and so on.
+    CPoint kept;
+    std::uint64_t cycles = 0;
     while (length > remaining) {
         const CSize delta = to - at;
         at = {zel::Add(at.x, MulDiv(delta.cx, remaining, length)),
@@ -174,13 +177,12 @@ void DrawPen::DashWalker::WalkDashes(const CPoint& to, int length) {
         length = LengthBetween(at, to);
         if (length <= 0) return;
         if (dashIndex_ == 0) {
-            // Rounding can undo the small advance of a cycle: the rest is drawn solid then.
-            if (length >= lengthAtCycleStart) {
+            if (cycles > 0 && at == kept) {
                 Draw(to);
                 current_ = to;
                 return;
             }
-            lengthAtCycleStart = length;
+            if (std::has_single_bit(++cycles)) kept = at;
         }
     }
     Go(to);
@@ -188,44 +190,67 @@ void DrawPen::DashWalker::WalkDashes(const CPoint& to, int length) {
     current_ = to;
 }
 
-void DrawPen::DashWalker::SkipAlong(std::int64_t distance) {
-    std::int64_t remaining = std::max(Remaining(), 0);
-    while (distance > remaining) {
-        distance -= remaining;
-        NextElement();
-        dashPosition_ = 0;
-        if (dashIndex_ == 0) distance %= cycle_;
-        remaining = std::max(elements_[static_cast<std::size_t>(dashIndex_)].inLoop, 0);
+// A line far longer than the surface has millions of dashes that nobody sees. Where they end is reckoned from
+// the beginning of the line, so that what is drawn does not depend on what is seen: repaints of parts join.
+void DrawPen::DashWalker::WalkVisiblePart(const CPoint& to) {
+    const CPoint from = current_;
+    const double dx = static_cast<double>(to.x) - from.x, dy = static_cast<double>(to.y) - from.y;
+    const std::int64_t length = LengthOf(std::int64_t{to.x} - from.x, std::int64_t{to.y} - from.y);
+    const auto at = [&](std::int64_t place) {
+        const double t = static_cast<double>(place) / static_cast<double>(length);
+        return CPoint(zel::Truncate(std::round(from.x + t * dx)), zel::Truncate(std::round(from.y + t * dy)));
+    };
+    const auto draw = [&](std::int64_t begin, std::int64_t end) {
+        const CPoint start = at(begin);
+        if (!(position_ == start)) Jump(start);
+        Draw(at(end));
+    };
+    const Span seen = VisibleSpan(from, to, SurfaceWithMargin());
+    const auto first = static_cast<std::int64_t>(seen.begin * static_cast<double>(length));
+    const auto last = seen.begin < seen.end
+                          ? static_cast<std::int64_t>(seen.end * static_cast<double>(length))
+                          : std::int64_t{-1};
+    const bool tooMany = (last - first) / cycle_ * elementCount_ > kMostDashes;
+    if (tooMany) {
+        zel::Warn("A line of more than " + std::to_string(kMostDashes) + " dashes is drawn solid.");
+        draw(first, last);
     }
-    dashPosition_ += static_cast<int>(distance);
+
+    std::int64_t begin = 0, end = Remaining();
+    bool whole = false;  // the element was entered by the walk
+    const auto skipTo = [&](std::int64_t place) {
+        // Where a dash has less than no length the pattern steps back: within a cycle no place lies farther
+        // ahead than its longest way.
+        const std::int64_t cycles = (place - end - advance_) / cycle_;
+        if (cycles <= 0) return;
+        end += cycles * cycle_;
+        begin = end - elements_[static_cast<std::size_t>(dashIndex_)].inLoop;
+        whole = true;
+    };
+    skipTo(first);
+    while (end < length) {
+        if (begin > last || tooMany) {
+            skipTo(length);
+            if (end >= length) break;
+        } else if (IsDash() && std::max(begin, end) >= first) {
+            draw(begin, end);
+        }
+        begin = end;
+        NextElement();
+        end += elements_[static_cast<std::size_t>(dashIndex_)].inLoop;
+        whole = true;
+    }
+    if (IsDash() && begin <= last && !tooMany) draw(begin, length);
+    if (!(position_ == to)) Jump(to);
+    dashPosition_ = static_cast<int>(whole ? length - begin : dashPosition_ + length);
+    current_ = to;
 }
 
-// A line far longer than the surface has millions of dashes that nobody sees. They are counted, not drawn.
-void DrawPen::DashWalker::WalkVisiblePart(const CPoint& to) {
+CRect DrawPen::DashWalker::SurfaceWithMargin() const {
     CRect box;
     dc_.GetClipBox(&box);
     box.NormalizeRect();
     const int margin = zel::Saturate(cycle_ + pen_.LogicalInch());
     box.InflateRect(margin, margin);
-    const CPoint from = current_;
-    const Span seen = VisibleSpan(from, to, box);
-    if (seen.begin >= seen.end) {
-        SkipAlong(LengthBetween(from, to));
-        Jump(to);
-        current_ = to;
-        return;
-    }
-    const CPoint entry = seen.begin > 0 ? Along(from, to, seen.begin) : from;
-    const CPoint exit = seen.end < 1 ? Along(from, to, seen.end) : to;
-    if (!(entry == from)) {
-        SkipAlong(LengthBetween(from, entry));
-        Jump(entry);
-        current_ = entry;
-    }
-    if (!(entry == exit)) WalkDashes(exit, LengthBetween(entry, exit));
-    if (!(exit == to)) {
-        SkipAlong(LengthBetween(exit, to));
-        Jump(to);
-        current_ = to;
-    }
+    return box;
 }

@@ -39,7 +39,7 @@ class DrawPen::DashWalker {
 
     void WalkDashes(const CPoint& to, int length);
     void WalkVisiblePart(const CPoint& to);
-    void SkipAlong(std::int64_t distance);
+    CRect SurfaceWithMargin() const;
     bool Advances() const { return cycle_ > 0; }
     bool IsDash() const { return dashIndex_ % 2 == 0; }
     int Remaining() const {
@@ -71,8 +71,9 @@ class DrawPen::DashWalker {
     std::array<Element, kPatternSize> elements_{};
     int elementCount_ = 0;
     bool solid_ = false;
-    std::int64_t cycle_ = 0;  // the sum of all elements in the loop
-    CPoint position_;         // where the context's position is, or will be after the run
+    std::int64_t cycle_ = 0;    // the sum of all elements in the loop
+    std::int64_t advance_ = 0;  // of those that go ahead
+    CPoint position_;           // where the context's position is, or will be after the run
     std::array<CPoint, 1024> run_;
     std::size_t runLength_ = 0;
 };

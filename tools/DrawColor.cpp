@@ -30,6 +30,7 @@ DrawTool& DrawColor::operator=(const DrawTool& other) {
 void DrawColor::CopyFields(const DrawColor& other) {
     SetName(other.NameRef());
     printer_ = other.printer_;
+    CopyOpacity(other);
     AttachDc(other.Dc());
     screen_ = other.screen_;
     print_ = other.print_;
@@ -42,7 +43,8 @@ DrawTool* DrawColor::ACopy() {
 
 void DrawColor::OpenOn(CDC* dc, int scale) {
     DrawTool::OpenOn(dc, scale);
-    brush_ = std::make_unique<CBrush>(GetColor());
+    brush_ = std::make_unique<CBrush>();
+    brush_->CreateSolidBrush(GetColor(), InkOpacity());
 }
 
 void DrawColor::Close() {
@@ -150,6 +152,7 @@ void DrawColor::Polygon(Zel2* obj, double* x, double* y, int n) {
 void DrawColor::Serialize(CArchive& ar) {
     ExchangeName(ar);
     zel::Exchange(ar, screen_, print_, printer_);
+    ExchangeOpacity(ar);
 }
 
 DrawColorTable& DrawColorTable::operator=(const DrawColorTable& other) {

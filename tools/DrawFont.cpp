@@ -125,7 +125,7 @@ int DrawFont::HeightFor(CDC& dc) const {
 }
 
 void DrawFont::UseTextColor() {
-    fontDc_->SetTextColor(printing_ ? print_ : screen_);
+    fontDc_->SetTextColor(printing_ ? print_ : screen_, InkOpacity());
 }
 
 bool DrawFont::IsCurrent(int angle) const {
@@ -288,6 +288,7 @@ void DrawFont::Serialize(CArchive& ar) {
     zel::ExchangeRaw(ar, &logFont_, sizeof logFont_);
     zel::Exchange(ar, size_, angle_, screen_, print_);
     if (zel::IsComplete(ar)) zel::Exchange(ar, printer_);
+    ExchangeOpacity(ar);
     if (ar.IsLoading()) {
         logFont_.lfFaceName[LF_FACESIZE - 1] = '\0';
         font_.DeleteObject();

@@ -1,7 +1,7 @@
 #include "core/ArchiveFields.h"
 #include "series/CurveScope.h"
+#include "series/FrameClip.h"
 #include "tools/DashWalker.h"
-#include "tools/FrameClip.h"
 #include "tools/SeriesLine.h"
 
 #include <zel/DrawPen.h>
@@ -79,6 +79,7 @@ DrawPen& DrawPen::operator=(const DrawPen& other) {
     if (this == &other) return *this;
     SetName(other.NameRef());
     printer_ = other.printer_;
+    CopyOpacity(other);
     CopyFields(other);
     return *this;
 }
@@ -116,7 +117,7 @@ void DrawPen::OpenOn(CDC* dc, int scale) {
     if (!dc) return;
     int width = MulDiv(MulDiv(width_, scale, kTenthsOfMillimetrePerInch), LogicalInch(), 1000);
     if (width < 1 && width_ > 0) width = 1;
-    pen_ = std::make_unique<CPen>(PS_SOLID, width, Color());
+    pen_ = std::make_unique<CPen>(PS_SOLID, width, Color(), InkOpacity());
     dashPosition_ = 0;
     dashIndex_ = 0;
 }
@@ -197,6 +198,11 @@ int DrawPen::Clip(double& x1, double& y1, double& x2, double& y2, double xmin, d
     return 1;
 }
 
+bool DrawPen::ClipToFrame(const WorldFrame& frame, double& x1, double& y1, double& x2, double& y2) {
+    if (frame.exact) return zel::ClipClosed(frame, x1, y1, x2, y2);
+    return Clip(x1, y1, x2, y2, frame.xmin, frame.ymin, frame.xmax, frame.ymax) != 0;
+}
+
 void DrawPen::MoveTo(int x, int y) {
     if (!Dc()) return;
     Dc()->MoveTo(x, y);
@@ -236,7 +242,7 @@ void DrawPen::LineTo(Zel2* obj, double x, double y) {
 void DrawPen::DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* obj, double x, double y) {
     if (!IsFinite(x, y) || !IsFinite(world_.x, world_.y)) return;
     double x1 = world_.x, y1 = world_.y, x2 = x, y2 = y;
-    if (!zel::ClipToFrame(limits, x1, y1, x2, y2)) return;
+    if (!ClipToFrame(limits, x1, y1, x2, y2)) return;
     walker.MoveTo(obj ? obj->F2L(x1, y1) : limits.ToLogical(x1, y1));
     walker.LineTo(obj ? obj->F2L(x2, y2) : limits.ToLogical(x2, y2));
 }
@@ -286,7 +292,7 @@ void DrawPen::LineTo(const WorldFrame& frame, std::span<const zel::SeriesStretch
         SeriesLine(*this, *Dc(), frame).Draw(stretches);
     }
     for (const zel::SeriesStretch& stretch : stretches)
-        if (stretch.Size() > 0) world_ = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
+        if (stretch.Size() > 0) world_ = {stretch.X(stretch.end - 1), stretch.Y(stretch.end - 1)};
 }
 
 // Where a line begins and ends strictly inside the frame there is nothing to clip, and it begins where the
@@ -334,6 +340,7 @@ void DrawPen::Serialize(CArchive& ar) {
     zel::Exchange(ar, screen_, print_, style_, width_);
     zel::ExchangeRaw(ar, pattern_.data(), sizeof pattern_);
     if (zel::IsComplete(ar)) zel::Exchange(ar, printer_);
+    ExchangeOpacity(ar);
     if (ar.IsLoading()) {
         // An older pen that was open keeps neither its platform pen nor its place in the pattern.
         pen_.reset();

@@ -151,6 +151,7 @@ void DrawSymbol::CopyFrom(const DrawSymbol* other) {
     brush_ = other->brush_;
     font_ = other->font_;
     face_ = other->face_;
+    CopyOpacity(*other);
     penIndex_ = colorIndex_ = fontIndex_ = -1;
 }
 
@@ -199,12 +200,18 @@ void DrawSymbol::GetFontData(CString& face, int& size, COLORREF& scr, COLORREF& 
     prn = font_.print;
 }
 
+void DrawSymbol::GiveOpacity(DrawTool* registered) const {
+    if (registered && Opacity() < 1) registered->Opacity(Opacity());
+}
+
 void DrawSymbol::SetDefaults(Zel2* obj) {
     if (fontIndex_ < 0 && HasLabel()) {
         const CString name = NameRef() + " - Symbol Text";
         fontIndex_ = obj->GetFontIndex(name);
-        if (fontIndex_ < 0)
+        if (fontIndex_ < 0) {
             fontIndex_ = obj->RegisterFont(name, face_, fontSize_, 0, 0, 0, 0, font_.screen, font_.print);
+            GiveOpacity(obj->Font(fontIndex_));
+        }
     }
     if (size_.cx == 0) {
         // A labelled symbol is as large as its label's letters; font index 0 counts as no font here.
@@ -215,13 +222,18 @@ void DrawSymbol::SetDefaults(Zel2* obj) {
     if (penIndex_ < 0 && (border_ || type_ == zel::SYMBOL_CROSS)) {
         const CString name = NameRef() + " - Border Line";
         penIndex_ = obj->GetPenIndex(name);
-        if (penIndex_ < 0)
+        if (penIndex_ < 0) {
             penIndex_ = obj->RegisterPen(name, DrawPen::SOLID, penWidth_, pen_.screen, pen_.print, nullptr);
+            GiveOpacity(obj->Pen(penIndex_));
+        }
     }
     if (colorIndex_ < 0 && type_ != zel::SYMBOL_CROSS) {
         const CString name = NameRef() + " - Background";
         colorIndex_ = obj->GetColorIndex(name);
-        if (colorIndex_ < 0) colorIndex_ = obj->RegisterColor(name, brush_.screen, brush_.print);
+        if (colorIndex_ < 0) {
+            colorIndex_ = obj->RegisterColor(name, brush_.screen, brush_.print);
+            GiveOpacity(obj->Color(colorIndex_));
+        }
     }
 }
 
@@ -354,6 +366,7 @@ void DrawSymbol::Serialize(CArchive& ar) {
     customY_.resize(customX_.size());
     zel::ExchangeRaw(ar, customX_.data(), customX_.size() * sizeof(int));
     zel::ExchangeRaw(ar, customY_.data(), customY_.size() * sizeof(int));
+    ExchangeOpacity(ar);
 }
 
 DrawSymbolTable& DrawSymbolTable::operator=(const DrawSymbolTable& other) {

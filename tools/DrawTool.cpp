@@ -24,6 +24,7 @@ DrawTool& DrawTool::operator=(const DrawTool& other) {
 void DrawTool::CopyBase(const DrawTool& other) {
     SetName(other.name_);
     printer_ = other.printer_;
+    CopyOpacity(other);
     scale_ = other.scale_;
 }
 
@@ -52,6 +53,23 @@ int DrawTool::SetPrinter(int on) {
 }
 
 void DrawTool::Edit() {}
+
+namespace {
+double WithinOpacities(double opacity) {
+    return opacity < 0 ? 0 : opacity < 1 ? opacity : 1;
+}
+}  // namespace
+
+void DrawTool::Opacity(double opacity) {
+    opacity_ = WithinOpacities(opacity);
+    if (dc_) OpenOn(dc_, scale_);
+}
+
+void DrawTool::ExchangeOpacity(CArchive& ar) {
+    if (ar.IsLoading()) opacity_ = 1;
+    if (zel::HasSince(ar, 2)) zel::Exchange(ar, opacity_);
+    opacity_ = WithinOpacities(opacity_);
+}
 
 void DrawTool::ExchangeName(CArchive& ar) {
     zel::Exchange(ar, name_);

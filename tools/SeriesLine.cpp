@@ -45,11 +45,11 @@ bool DrawPen::SeriesLine::AreStepped(std::span<const zel::SeriesStretch> stretch
     WorldPoint before = pen_.world_;
     for (const zel::SeriesStretch& stretch : stretches) {
         if (stretch.Size() == 0) continue;
-        const double x[] = {before.x, stretch.x.At(stretch.begin)};
-        const double y[] = {before.y, stretch.y.At(stretch.begin)};
+        const double x[] = {before.x, stretch.X(stretch.begin)};
+        const double y[] = {before.y, stretch.Y(stretch.begin)};
         if (!zel::IsStepped({zel::SeriesValues(x), zel::SeriesValues(y), 0, 2}) || !zel::IsStepped(stretch))
             return false;
-        before = {stretch.x.At(stretch.end - 1), stretch.y.At(stretch.end - 1)};
+        before = {stretch.X(stretch.end - 1), stretch.Y(stretch.end - 1)};
     }
     return true;
 }
@@ -62,7 +62,7 @@ void DrawPen::SeriesLine::DrawDashed(const zel::SeriesStretch& stretch) {
             pen_.world_ = {x[i], y[i]};
         }
     };
-    const auto at = [&](std::size_t i) { return WorldPoint{stretch.x.At(i), stretch.y.At(i)}; };
+    const auto at = [&](std::size_t i) { return WorldPoint{stretch.X(i), stretch.Y(i)}; };
     zel::WalkSeries(
         stretch,
         [&](const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
@@ -94,8 +94,8 @@ void DrawPen::SeriesLine::DrawCurve(const zel::SeriesStretch& stretch) {
 bool DrawPen::SeriesLine::TakeWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
     if (IsBeyond(span)) {
         DrawRun();
-        LineTo(stretch_->x.At(begin), stretch_->y.At(begin));
-        pen_.world_ = {stretch_->x.At(end - 1), stretch_->y.At(end - 1)};
+        LineTo(stretch_->X(begin), stretch_->Y(begin));
+        pen_.world_ = {stretch_->X(end - 1), stretch_->Y(end - 1)};
         return true;
     }
     if (!IsInColumns(span)) return false;
@@ -148,9 +148,9 @@ void DrawPen::SeriesLine::AddToRun(std::size_t begin, std::size_t end, const zel
 void DrawPen::SeriesLine::DrawRun() {
     if (run_.begin == run_.end) return;
     const std::size_t begin = run_.begin, last = run_.end - 1;
-    const WorldPoint from{stretch_->x.At(begin), stretch_->y.At(begin)};
+    const WorldPoint from{stretch_->X(begin), stretch_->Y(begin)};
     LineTo(from.x, from.y);
-    const WorldPoint to{stretch_->x.At(last), stretch_->y.At(last)};
+    const WorldPoint to{stretch_->X(last), stretch_->Y(last)};
     pen_.world_ = to;
     const bool beyond = frame_.exact ? run_.high < bottom_ - slack_.y || run_.low > top_ + slack_.y
                                      : run_.high <= bottom_ || run_.low >= top_;
@@ -180,7 +180,7 @@ void DrawPen::SeriesLine::LineTo(double x, double y) {
     // Farther out the crossing would drown in rounding, and nearer it would move.
     const double far = 1e6 * (top_ - bottom_);
     for (double* end : {&a.y, &b.y}) *end = std::max(bottom_ - far, std::min(*end, top_ + far));
-    if (!zel::ClipToFrame(frame_, a.x, a.y, b.x, b.y)) return;
+    if (!DrawPen::ClipToFrame(frame_, a.x, a.y, b.x, b.y)) return;
     const bool enters = IsCut(from) && SnapToBorder(a.y, from);
     const bool leaves = IsCut(y) && SnapToBorder(b.y, y);
     walker_.MoveTo(frame_.ToLogical(a.x, a.y));

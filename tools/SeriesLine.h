@@ -2,9 +2,9 @@
 #pragma once
 
 #include "series/DeviceColumns.h"
+#include "series/FrameClip.h"
 #include "series/SeriesIndex.h"
 #include "tools/DashWalker.h"
-#include "tools/FrameClip.h"
 
 #include <zel/WorldFrame.h>
 

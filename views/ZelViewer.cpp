@@ -237,14 +237,16 @@ CPoint ZelViewer::ShownCorner(const CPoint& at, int enlarge) {
     const CSize drawing = Map().ToDevice(root_.Size());
     CRect shown(at.x, at.y, at.x, at.y);
     shown.InflateRect(half.cx, half.cy);
-    if (shown.right > drawing.cx) shown.left -= shown.right - drawing.cx;
-    if (shown.bottom > -drawing.cy) shown.top -= shown.bottom + drawing.cy;
+    const LONG height = zel::Subtract(0, drawing.cy);
+    if (shown.right > drawing.cx)
+        shown.left = zel::Subtract(shown.left, zel::Subtract(shown.right, drawing.cx));
+    if (shown.bottom > height) shown.top = zel::Subtract(shown.top, zel::Subtract(shown.bottom, height));
     return Map().FromLogical(CPoint(std::max<LONG>(shown.left, 0), std::max<LONG>(shown.top, 0)));
 }
 
 void ZelViewer::ScrollToWorld(const CPoint& world) {
     const CPoint at = Map().ToLogical(world);
-    view_->ScrollToPosition(CPoint(at.x, std::abs(at.y)));
+    view_->ScrollToPosition(CPoint(at.x, zel::Magnitude(at.y)));
     Map().SetLogicalOrg(-view_->GetDeviceScrollPosition());
 }
 

@@ -4,6 +4,9 @@
 #include <zel/ZelExport.h>
 
 #include <CLI/CLI.hpp>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace zel::cli {
 
@@ -23,9 +26,19 @@ struct OutputChoice {
     double dpi = 150;
     int pixels = 0;
 
+    // The choice must outlive the parsing.
     void AddTo(CLI::App& command, bool positional);
     // Writes a drawing in the format of the path's ending, documents (.zel) included.
+    // Throws Error for options that say nothing about that format.
     void Write(Zel2Main& drawing, const std::string& title) const;
+
+  private:
+    void RefuseWhatCannotApply() const;
+
+    std::vector<std::pair<CLI::Option*, std::string>> endings_;  // the formats that each option is about
 };
+
+// Whether a file of that name is made of pixels.
+bool IsImage(const std::string& path);
 
 }  // namespace zel::cli

@@ -3,28 +3,64 @@
 
 #include <zel/zel.h>
 
-#include <iostream>
+#include <cctype>
+#include <filesystem>
 
 namespace zel::cli {
+namespace {
+
+constexpr const char* kImages = ".png .jpg .jpeg";
+constexpr const char* kPages = ".png .jpg .jpeg .pdf .svg";
+constexpr const char* kLayers = ".png .svg";
+
+std::string EndingOf(const std::string& path) {
+    std::string ending = std::filesystem::path(path).extension().string();
+    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return ending;
+}
+
+}  // namespace
+
+bool IsImage(const std::string& path) {
+    const std::string ending = EndingOf(path);
+    return ending == ".png" || ending == ".jpg" || ending == ".jpeg";
+}
 
 void OutputChoice::AddTo(CLI::App& command, bool positional) {
     command
         .add_option(positional ? "output" : "-o,--output", path,
                     "File to write; its ending chooses the format: .png .jpg .pdf .svg .wmf .zel")
         ->required();
-    command.add_option("--dpi", dpi, "Pixels per inch of an image")
-        ->capture_default_str()
-        ->check(CLI::Range(10.0, 2400.0));
-    command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi")
-        ->check(CLI::Range(1, 30000));
-    command.add_option("--paper", paper,
-                       "Paper of a page: A2 to A5, letter, legal (default: as large as the drawing)");
-    command.add_flag("--landscape", landscape, "Lay the paper on its side");
-    command.add_flag("--printer", printer, "Use the tools' printer colours");
-    command.add_flag("--transparent", transparent, "Leave the background out (.png, .svg)");
+    const auto about = [this](const char* formats, CLI::Option* option) {
+        endings_.emplace_back(option, formats);
+        return option;
+    };
+    CLI::Option* const perInch =
+        about(kImages, command.add_option("--dpi", dpi, "Pixels per inch of an image"))
+            ->capture_default_str()
+            ->check(CLI::Range(10.0, 2400.0));
+    about(kImages, command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi"))
+        ->check(CLI::Range(1, 30000))
+        ->excludes(perInch);
+    CLI::Option* const sheet =
+        about(kPages, command.add_option("--paper", paper,
+                                         "Paper of a page: A2 to A5, letter, legal (default: as large as the "
+                                         "drawing)"));
+    about(kPages, command.add_flag("--landscape", landscape, "Lay the paper on its side"))->needs(sheet);
+    about(kPages, command.add_flag("--printer", printer, "Use the tools' printer colours"));
+    about(kLayers, command.add_flag("--transparent", transparent, "Leave the background out (.png, .svg)"));
+}
+
+void OutputChoice::RefuseWhatCannotApply() const {
+    const std::string ending = EndingOf(path);
+    for (const auto& [option, formats] : endings_) {
+        if (option->count() > 0 && (" " + formats + " ").find(" " + ending + " ") == std::string::npos)
+            throw Error("Cannot use " + option->get_name() + " for \"" + path + "\": it is for " + formats);
+    }
 }
 
 void OutputChoice::Write(Zel2Main& drawing, const std::string& title) const {
+    RefuseWhatCannotApply();
     if (path.size() > 4 && path.ends_with(".zel")) {
         SaveDocument(drawing, path.c_str());
         return;

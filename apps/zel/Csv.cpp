@@ -1,5 +1,7 @@
 #include "apps/zel/Csv.h"
 
+#include <zel/platform/Warning.h>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -132,6 +134,7 @@ CsvTable CsvTable::Read(const std::string& path) {
     table.names_ = std::move(rows.rows.front());
     table.rows_.assign(std::make_move_iterator(rows.rows.begin() + 1),
                        std::make_move_iterator(rows.rows.end()));
+    table.WarnOfFieldsBeyondNames();
     return table;
 }
 
@@ -159,7 +162,38 @@ std::vector<double> CsvTable::Column(const std::string& name) const {
     if (!any)
         throw Error("Cannot use the column \"" + name + "\" of \"" + path_ +
                     "\": it holds no numbers or dates");
+    WarnOfWords(index);
     return values;
+}
+
+void CsvTable::WarnOfWords(std::size_t column) const {
+    std::size_t count = 0;
+    std::string first;
+    for (const auto& row : rows_) {
+        if (column >= row.size() || row[column].empty() || std::isfinite(CellValue(row[column]))) continue;
+        if (count++ == 0) first = row[column];
+    }
+    if (count > 0)
+        Warn("\"" + path_ + "\": " + std::to_string(count) + " of " + std::to_string(rows_.size()) +
+             " values of the column \"" + names_[column] +
+             "\" are no finite numbers or dates and are left out; the first is \"" + first + "\".");
+}
+
+void CsvTable::WarnOfFieldsBeyondNames() const {
+    std::size_t count = 0;
+    std::string first;
+    for (const auto& row : rows_) {
+        const auto begin = row.begin() + static_cast<std::ptrdiff_t>(std::min(row.size(), names_.size()));
+        const auto more =
+            std::find_if(begin, row.end(), [](const std::string& cell) { return !cell.empty(); });
+        if (more == row.end()) continue;
+        if (count++ == 0) first = *more;
+    }
+    if (count > 0)
+        Warn("\"" + path_ + "\": " + std::to_string(count) + " of " + std::to_string(rows_.size()) +
+             " rows have more fields than the header has names (" + std::to_string(names_.size()) +
+             "); these fields are left out, \"" + first +
+             "\" first. Fields with commas need quotes, and decimal commas points.");
 }
 
 }  // namespace zel::cli

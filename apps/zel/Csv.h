@@ -17,7 +17,7 @@ class Error : public std::runtime_error {
 // CRLF line ends and a byte-order mark are understood.
 class CsvTable {
   public:
-    // Throws Error when the file cannot be read or has no header.
+    // Throws Error when the file cannot be read or has no header. Warns of fields beyond the header's names.
     static CsvTable Read(const std::string& path);
 
     const std::vector<std::string>& Names() const { return names_; }
@@ -29,11 +29,14 @@ class CsvTable {
 
     // The values of a column, by its name or its number from 1. Empty cells and cells that are no number are
     // NaN; dates ("2012-01-31", with a time after "T" or a blank) are decimal years. Throws Error for a
-    // column that does not exist or holds no value at all.
+    // column that does not exist or holds no value at all, and warns of cells that hold none.
     std::vector<double> Column(const std::string& name) const;
+    // Says how many cells of a column, from 0, are neither empty nor a value, and what the first of them is.
+    void WarnOfWords(std::size_t column) const;
 
   private:
     std::size_t IndexOf(const std::string& name) const;
+    void WarnOfFieldsBeyondNames() const;
 
     std::string path_;
     std::vector<std::string> names_;

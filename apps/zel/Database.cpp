@@ -7,7 +7,7 @@
 #include <zel/sqlite/Install.h>
 
 #include <algorithm>
-#include <cctype>
+#include <filesystem>
 #include <memory>
 
 namespace zel::cli {
@@ -64,6 +64,14 @@ Series ReadOne(CDaoDatabase& database, const DatabaseChoice& choice, const std::
     return {ColumnTitle(y), {}, {}, points};
 }
 
+// Such an address may hold a password, and no driver here takes it.
+void RefuseAddress(const std::string& name) {
+    if (name.find("://") != std::string::npos)
+        throw Error(
+            "Cannot open a database by an address with \"://\"; give a file, or an ODBC connection string "
+            "such as \"DSN=weather;UID=me\"");
+}
+
 }  // namespace
 
 std::string ColumnTitle(const std::string& column) {
@@ -71,14 +79,17 @@ std::string ColumnTitle(const std::string& column) {
     return quoted ? column.substr(1, column.size() - 2) : column;
 }
 
+// A setting at the beginning ("SERVER=...") makes a connection string, unless there is a file of that name.
+// What may hold a password must not become the name of one.
 bool IsDatabaseFile(const std::string& name) {
-    std::string upper = name;
-    for (char& c : upper) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return !HasConnectPrefix(name, "ODBC") && upper.find("DSN=") == std::string::npos &&
-           upper.find("DRIVER=") == std::string::npos;
+    std::error_code ignored;
+    if (std::filesystem::exists(name, ignored)) return true;
+    const std::size_t end = name.find_first_of("=;/");
+    return !HasConnectPrefix(name, "ODBC") && (end == std::string::npos || name[end] == '/');
 }
 
 void OpenDatabase(CDaoDatabase& database, const std::string& name, bool readOnly) {
+    RefuseAddress(name);
     sqlite::Install();
     odbc::Install();
     if (IsDatabaseFile(name)) {
@@ -95,6 +106,7 @@ void CreateOrOpenDatabase(CDaoDatabase& database, const std::string& name, bool 
         OpenDatabase(database, name, false);
         return;
     }
+    RefuseAddress(name);
     sqlite::Install();
     database.Create(name.c_str());
 }

@@ -23,7 +23,7 @@ struct DatabaseChoice {
 void OpenDatabase(CDaoDatabase& database, const std::string& name, bool readOnly);
 // The same for changing it; a file is made when `create` is set.
 void CreateOrOpenDatabase(CDaoDatabase& database, const std::string& name, bool create);
-// Whether a name is that of a file.
+// Whether a name is that of a file, there or not.
 bool IsDatabaseFile(const std::string& name);
 
 // A column's name for titles, without the quotes that SQL wants.

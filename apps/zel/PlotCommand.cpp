@@ -55,12 +55,14 @@ void Plot(PlotChoice& choice) {
 }
 
 void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
-    command.add_option("--db", choice.database,
-                       "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a CSV file");
-    command.add_option("--table", choice.table, "Table of the database");
-    command.add_option("--where", choice.where, "Condition in SQL that records must meet");
-    command.add_option("--order-by", choice.order,
-                       "Column by which records are sorted (default: not at all)");
+    CLI::Option* const database = command.add_option(
+        "--db", choice.database,
+        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a CSV file");
+    command.add_option("--table", choice.table, "Table of the database")->needs(database);
+    command.add_option("--where", choice.where, "Condition in SQL that records must meet")->needs(database);
+    command
+        .add_option("--order-by", choice.order, "Column by which records are sorted (default: not at all)")
+        ->needs(database);
 }
 
 }  // namespace

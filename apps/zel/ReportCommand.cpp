@@ -26,6 +26,7 @@ struct ReportChoice {
     bool landscape = false;
     bool noFigures = false;
     double dpi = 100;
+    CLI::Option* dpiOption = nullptr;
     std::string output;
 };
 
@@ -71,6 +72,7 @@ ColumnSummary Summarize(const CsvTable& table, std::size_t k) {
     summary.mean = count > 0 ? sum / static_cast<double>(count) : 0;
     // A number in exponent form may hold a minus sign within; most of a column decides.
     summary.isNumber = plain > 0 && 2 * plain > table.RowCount() - summary.missing;
+    if (summary.isNumber) table.WarnOfWords(k);
     return summary;
 }
 
@@ -219,6 +221,8 @@ bool Write(Zel2Main& drawing, Zel2Report& report, const ReportChoice& choice, co
 }
 
 void MakeReport(const ReportChoice& choice) {
+    if (choice.dpiOption->count() > 0 && !IsImage(choice.output))
+        throw Error("Cannot use --dpi: only images (.png, .jpg) have pixels");
     const CsvTable table = CsvTable::Read(choice.input);
     Zel2Main drawing;
     Zel2Report& report = ReportMaker(table, choice).MakeIn(drawing);
@@ -244,9 +248,9 @@ void AddReportCommand(CLI::App& app) {
     command->add_option("--paper", choice->paper, "A2 to A5, letter or legal")->capture_default_str();
     command->add_flag("--landscape", choice->landscape, "Lay the paper on its side");
     command->add_flag("--no-figures", choice->noFigures, "Leave the figures out");
-    command->add_option("--dpi", choice->dpi, "Pixels per inch of images")
-        ->capture_default_str()
-        ->check(CLI::Range(10.0, 2400.0));
+    choice->dpiOption = command->add_option("--dpi", choice->dpi, "Pixels per inch of images")
+                            ->capture_default_str()
+                            ->check(CLI::Range(10.0, 2400.0));
     command->footer("Example:\n  zel report weather.csv --title \"Seattle weather\" -o weather.pdf");
     command->callback([choice] { MakeReport(*choice); });
 }

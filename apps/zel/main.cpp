@@ -5,7 +5,9 @@
 #include <zel/platform/Warning.h>
 #include <zel/qt/Install.h>
 
+#include <csignal>
 #include <iostream>
+#include <new>
 
 namespace {
 
@@ -15,6 +17,12 @@ constexpr int kFailed =
 int Complain(const std::string& message) {
     std::cerr << "zel: " << message << "\n";
     return kFailed;
+}
+
+std::string CommandOf(const CLI::App& app) {
+    std::string command = "zel";
+    for (const CLI::App* chosen : app.get_subcommands()) command += " " + chosen->get_name();
+    return command;
 }
 
 }  // namespace
@@ -39,6 +47,7 @@ int main(int argc, char** argv) {
     zel::cli::AddInfoCommand(app);
     zel::SetWarningHandler(
         [](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is told like any other failure
     zel::qt::Install();
     try {
         app.parse(argc, argv);
@@ -46,6 +55,8 @@ int main(int argc, char** argv) {
         return app.exit(e);
     } catch (CException* e) {
         return Complain(zel::TakeMessage(e));
+    } catch (const std::bad_alloc&) {
+        return Complain("Cannot finish \"" + CommandOf(app) + "\": there is not enough memory");
     } catch (const std::exception& e) {
         return Complain(e.what());
     }

@@ -5,6 +5,7 @@
 #include "apps/zelview/Editing.h"
 
 #include <zel/platform/Exception.h>
+#include <zel/platform/MessageBox.h>
 #include <zel/widgets/Widgets.h>
 
 #include <QAction>
@@ -13,8 +14,10 @@
 #include <QCloseEvent>
 #include <QFileInfo>
 #include <QLabel>
+#include <QLocale>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
 #include <QUuid>
@@ -132,7 +135,7 @@ bool MainWindow::Try(const QString& what, const std::function<void()>& work) {
         return Say(what, QString::fromStdString(TakeMessage(e)));
     } catch (const std::exception& e) {
         QApplication::restoreOverrideCursor();
-        return Say(what, e.what());
+        return Say(what, QString::fromStdString(WordsOf(e)));
     }
 }
 
@@ -180,8 +183,8 @@ bool MainWindow::Open(const QString& path) {
     file_.Attach(path);
     Show(std::move(drawing), true);
     Remember(file_.Path());
-    if (file_.IsOpenElsewhere()) statusBar()->showMessage(file_.Name() + " is open in another program, too.");
-    OfferCopy();
+    if (file_.IsOpenElsewhere()) statusBar()->showMessage(file_.Name() + " is open in another window, too.");
+    OfferCopies();
     return true;
 }
 
@@ -200,22 +203,43 @@ bool MainWindow::OpenCsv(const QString& path) {
     return true;
 }
 
-void MainWindow::OfferUntitledCopy() {
-    OfferCopy();
-}
-
-void MainWindow::OfferCopy() {
-    const QString copy = file_.CopyLeft();
-    if (copy.isEmpty()) return;
-    const auto answer = QMessageBox::question(
-        this, "Zel",
-        "The program ended before changes to " + Quoted(file_.Name()) + " were saved.\nRecover them?");
-    std::unique_ptr<Zel2Main> drawing;
-    if (answer == QMessageBox::Yes && Load("Cannot recover the changes.", copy, drawing)) {
-        Show(std::move(drawing), false);
+void MainWindow::RecoverUntitled() {
+    if (!DocumentFile::HasUntitledLeft()) {
+        statusBar()->showMessage("Nothing that was not saved has been left.", 5000);
         return;
     }
-    if (answer == QMessageBox::No) file_.DropCopy();
+    if (!MayLose()) return;
+    file_.DropCopy();
+    file_.Attach({});
+    auto empty = std::make_unique<Zel2Main>();
+    empty->SetRules(ZelRules::EXACT);
+    Show(std::move(empty), true);
+    OfferCopies();
+}
+
+// One after another, until one of them is in the window. Nothing is lost by a key that closes the question.
+void MainWindow::OfferCopies() {
+    for (QString copy = file_.TakeLeft(); !copy.isEmpty(); copy = file_.TakeLeft()) {
+        QMessageBox box(
+            QMessageBox::Question, "Zel",
+            "The program ended before changes to " + Quoted(file_.Name()) + " were saved.\nThey are of " +
+                QLocale().toString(QFileInfo(copy).lastModified(), QLocale::ShortFormat) + ". Recover them?",
+            QMessageBox::Yes | QMessageBox::Ignore | QMessageBox::Discard, this);
+        box.button(QMessageBox::Yes)->setText("&Recover");
+        box.button(QMessageBox::Ignore)->setText("&Keep for Later");
+        box.setDefaultButton(QMessageBox::Yes);
+        box.setEscapeButton(QMessageBox::Ignore);
+        const int answer = box.exec();
+        std::unique_ptr<Zel2Main> drawing;
+        if (answer == QMessageBox::Discard) {
+            file_.DropCopy();
+        } else if (answer == QMessageBox::Yes && Load("Cannot recover the changes.", copy, drawing)) {
+            Show(std::move(drawing), false);
+            return;
+        } else {
+            file_.LeaveForLater();
+        }
+    }
 }
 
 bool MainWindow::Save() {
@@ -242,7 +266,7 @@ bool MainWindow::SaveAs(const QString& path) {
         DocumentFile target;
         target.Attach(path);
         if (target.IsOpenElsewhere() && target.Path() != file_.Path())
-            throw std::runtime_error("It is open in another program.");
+            throw std::runtime_error("It is open in another window.");
         target.Save(history_.Present(), work);
     };
     if (!TryLong("Cannot save " + Quoted(path) + ".", "Writing " + QFileInfo(path).fileName() + "…", write))

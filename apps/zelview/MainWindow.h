@@ -30,8 +30,9 @@ class MainWindow : public QMainWindow {
     // that an earlier run has left. Does not ask for changes of the document before: see MayLose.
     bool Open(const QString& path);
     bool OpenCsv(const QString& path);
-    // Offers unsaved work on a drawing that never had a file.
-    void OfferUntitledCopy();
+    // Offers what earlier runs have left of drawings that never had a file, in the place of the drawing in
+    // the window; asks for its changes before.
+    void RecoverUntitled();
     bool Save();
     bool SaveAs(const QString& path);
     // In the format of the ending; all pages of a report.
@@ -90,7 +91,7 @@ class MainWindow : public QMainWindow {
     void ShowState(const Bytes& state);
     void Record(const QString& edit);
     void Edited(const QString& edit);
-    void OfferCopy();
+    void OfferCopies();
     void Watch();
     void ExportNow(const QString& path, Work& work);
     void Zoom(int direction);

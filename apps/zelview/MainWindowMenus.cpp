@@ -61,6 +61,7 @@ void MainWindow::MakeFileMenu() {
     Add(menu, "open", "&Open…", QKeySequence::Open, [this] { AskOpen(); });
     recent_ = menu->addMenu("Open &Recent");
     recent_->setObjectName("recent");
+    Add(menu, "recover", "&Recover…", {}, [this] { RecoverUntitled(); });
     QObject::connect(recent_, &QMenu::aboutToShow, this, [this] { ShowRecent(); });
     menu->addSeparator();
     Add(menu, "save", "&Save", QKeySequence::Save, [this] { Save(); });

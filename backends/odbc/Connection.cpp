@@ -1,5 +1,6 @@
 #include "backends/odbc/Connection.h"
 
+#include "backends/odbc/Commands.h"
 #include "backends/odbc/ConnectionString.h"
 #include "backends/odbc/Cursor.h"
 
@@ -16,26 +17,6 @@ SQLPOINTER AsPointer(SQLULEN value) {
     return reinterpret_cast<SQLPOINTER>(value);  // how ODBC passes numbers
 }
 
-// Whether another command stands behind the first one. Semicolons in texts, names and comments do not end it.
-bool HasSecondCommand(const std::string& sql) {
-    bool ended = false;
-    for (std::size_t i = 0; i < sql.size(); ++i) {
-        const char c = sql[i];
-        if (c == '-' && sql.compare(i, 2, "--") == 0) {
-            i = std::min(sql.find('\n', i), sql.size() - 1);
-            continue;
-        }
-        if (c == ' ' || c == '\t' || c == '\n' || c == '\r') continue;
-        if (c == ';') {
-            ended = true;
-            continue;
-        }
-        if (ended) return true;
-        if (c == '\'' || c == '"') i = std::min(sql.find(c, i + 1), sql.size() - 1);
-    }
-    return false;
-}
-
 SQLWCHAR* OrNull(std::vector<SQLWCHAR>& text) {
     return text.size() > 1 ? text.data() : nullptr;
 }
@@ -43,7 +24,10 @@ SQLWCHAR* OrNull(std::vector<SQLWCHAR>& text) {
 }  // namespace
 
 Connection::Connection(SQLHENV environment, const DatabaseAddress& address)
-    : address_(address), timeout_(address.queryTimeout), connection_(SQL_HANDLE_DBC, environment) {
+    : address_(address),
+      timeout_(address.queryTimeout),
+      lifeline_(address.silenceLimit),
+      connection_(SQL_HANDLE_DBC, environment) {
     if (address.create)
         ThrowDatabaseError(CDaoException::invalidOperation, "create", "the database " + SourceName(address),
                            "databases on servers are made there");
@@ -52,16 +36,57 @@ Connection::Connection(SQLHENV environment, const DatabaseAddress& address)
                       0);
     if (address.readOnly) SQLSetConnectAttr(handle, SQL_ATTR_ACCESS_MODE, AsPointer(SQL_MODE_READ_ONLY), 0);
     std::vector<SQLWCHAR> settings = ToWide(DriverString(address));
-    connection_.Check(SQLDriverConnectW(handle, nullptr, settings.data(), SQL_NTS, nullptr, 0, nullptr,
-                                        SQL_DRIVER_NOPROMPT),
-                      "open", "the database " + SourceName(address));
+    lifeline_.Follow([&] {
+        connection_.Check(SQLDriverConnectW(handle, nullptr, settings.data(), SQL_NTS, nullptr, 0, nullptr,
+                                            SQL_DRIVER_NOPROMPT),
+                          "open", "the database " + SourceName(address));
+    });
     const std::string quote = InfoText(SQL_IDENTIFIER_QUOTE_CHAR);
     if (quote.size() == 1 && quote != " ") quote_ = quote;
+    if (address.readOnly && InfoText(SQL_DBMS_NAME) == "PostgreSQL") Guard();
 }
 
 Connection::~Connection() {
     last_ = Handle();
-    if (inTransaction_) SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), SQL_ROLLBACK);
+    if (inTransaction_) Roll(SQL_ROLLBACK);
+}
+
+SQLRETURN Connection::Roll(SQLSMALLINT how) {
+    const Lifeline::Watch watch(lifeline_, AnswerTime());
+    return SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), how);
+}
+
+// Every transaction of the session cannot change anything from now on, by itself.
+void Connection::Guard() {
+    std::vector<SQLWCHAR> command =
+        ToWide("SELECT pg_catalog.set_config('default_transaction_read_only', 'on', false)");
+    {
+        const Handle statement = NewStatement();
+        const Lifeline::Watch watch(lifeline_, AnswerTime());
+        statement.Check(SQLExecDirectW(statement.Get(), command.data(), SQL_NTS), "open",
+                        "the database " + SourceName(address_));
+    }
+    SetAutoCommit(false);
+    guarded_ = true;
+}
+
+// The transaction of what is read now. It is rolled back: what a foreign condition calls leaves no trace that
+// would free the next one.
+std::shared_ptr<void> Connection::Reading() {
+    if (!guarded_) return nullptr;
+    std::shared_ptr<void> turn = reading_.lock();
+    if (turn) return turn;
+    turn = std::shared_ptr<void>(this, [this](void*) {
+        if (!inTransaction_) Roll(SQL_ROLLBACK);
+    });
+    reading_ = turn;
+    return turn;
+}
+
+void Connection::Check(const Handle& statement, SQLRETURN code, const std::string& attempt,
+                       const std::string& subject) const {
+    if (!Succeeded(code) && code != SQL_NO_DATA) lifeline_.ThrowIfCut(attempt, subject);
+    statement.Check(code, attempt, subject);
 }
 
 std::string Connection::OnSource() const {
@@ -100,21 +125,24 @@ std::unique_ptr<DatabaseCursor> Connection::Query(const std::string& sql,
     const auto refuse = [&](const char* why) {
         ThrowDatabaseError(CDaoException::invalidArgument, "run", subject, why);
     };
-    if (HasSecondCommand(sql)) refuse("more than one command stands in it");
+    if (MayHaveSecondCommand(sql)) refuse("more than one command stands in it");
+    std::shared_ptr<void> turn = Reading();
     Handle statement = NewStatement();
-    std::vector<SQLWCHAR> text = ToWide(sql);
+    std::vector<SQLWCHAR> text = ToWide(sql + "\n");  // drivers write behind it, and it may end in a comment
+    const Lifeline::Watch watch(lifeline_, AnswerTime());
     if (values.empty()) {
-        statement.Check(SQLExecDirectW(statement.Get(), text.data(), SQL_NTS), "run", subject);
+        Check(statement, SQLExecDirectW(statement.Get(), text.data(), SQL_NTS), "run", subject);
     } else {
-        statement.Check(SQLPrepareW(statement.Get(), text.data(), SQL_NTS), "run", subject);
+        Check(statement, SQLPrepareW(statement.Get(), text.data(), SQL_NTS), "run", subject);
         Parameters parameters;
         parameters.Bind(statement, values, subject);
-        statement.Check(SQLExecute(statement.Get()), "run", subject);
+        Check(statement, SQLExecute(statement.Get()), "run", subject);
         SQLFreeStmt(statement.Get(), SQL_RESET_PARAMS);
     }
     std::vector<Column> columns = DescribeColumns(statement, subject);
     if (columns.empty()) refuse("it delivers no records");
-    return std::make_unique<Cursor>(std::move(statement), std::move(columns), subject);
+    return std::make_unique<Cursor>(std::move(statement), std::move(columns), subject, lifeline_,
+                                    std::move(turn));
 }
 
 long Connection::Execute(const std::string& sql, std::span<const COleVariant> values) {
@@ -124,22 +152,22 @@ long Connection::Execute(const std::string& sql, std::span<const COleVariant> va
                            "the database was opened for reading only");
     std::vector<SQLWCHAR> text = ToWide(sql);
     SQLLEN rows = 0;
+    const Lifeline::Watch watch(lifeline_, AnswerTime());
     if (values.empty()) {
         const Handle statement = NewStatement();
-        statement.Check(SQLExecDirectW(statement.Get(), text.data(), SQL_NTS), "run", subject);
+        Check(statement, SQLExecDirectW(statement.Get(), text.data(), SQL_NTS), "run", subject);
         SQLRowCount(statement.Get(), &rows);
         return std::max<long>(rows, 0);
     }
     if (!last_ || lastSql_ != sql) {
         lastSql_.clear();
         last_ = NewStatement();
-        last_.Check(SQLPrepareW(last_.Get(), text.data(), SQL_NTS), "run", subject);
+        Check(last_, SQLPrepareW(last_.Get(), text.data(), SQL_NTS), "run", subject);
         lastSql_ = sql;
     }
     Parameters parameters;
     parameters.Bind(last_, values, subject);
-    const SQLRETURN code = SQLExecute(last_.Get());
-    last_.Check(code, "run", subject);
+    Check(last_, SQLExecute(last_.Get()), "run", subject);
     SQLRowCount(last_.Get(), &rows);
     SQLFreeStmt(last_.Get(), SQL_CLOSE);
     SQLFreeStmt(last_.Get(), SQL_RESET_PARAMS);
@@ -156,7 +184,7 @@ void Connection::Begin() {
     if (inTransaction_)
         ThrowDatabaseError(CDaoException::invalidOperation, "begin a transaction",
                            "in " + SourceName(address_), "one has begun already");
-    SetAutoCommit(false);
+    if (!guarded_) SetAutoCommit(false);
     inTransaction_ = true;
 }
 
@@ -164,12 +192,14 @@ void Connection::End(SQLSMALLINT how, const char* attempt) {
     const std::string subject = "a transaction in " + SourceName(address_);
     if (!inTransaction_)
         ThrowDatabaseError(CDaoException::invalidOperation, attempt, subject, "none has begun");
-    connection_.Check(SQLEndTran(SQL_HANDLE_DBC, connection_.Get(), how), attempt, subject);
-    SetAutoCommit(true);
+    Check(connection_, Roll(guarded_ ? SQL_ROLLBACK : how), attempt, subject);
+    if (!guarded_) SetAutoCommit(true);
     inTransaction_ = false;
 }
 
 std::vector<std::string> Connection::PrimaryKey(const ColumnInfo& column) {
+    const std::shared_ptr<void> turn = Reading();
+    const Lifeline::Watch watch(lifeline_, AnswerTime());
     const Handle statement = NewStatement();
     std::vector<SQLWCHAR> schema = ToWide(column.sourceSchema), table = ToWide(column.sourceTable);
     statement.Check(
@@ -192,6 +222,8 @@ std::vector<std::string> Connection::PrimaryKey(const ColumnInfo& column) {
 
 void Connection::Describe(ColumnInfo& column) {
     if (column.sourceColumn.empty()) return;
+    const std::shared_ptr<void> turn = Reading();
+    const Lifeline::Watch watch(lifeline_, AnswerTime());
     const Handle statement = NewStatement();
     std::vector<SQLWCHAR> schema = ToWide(column.sourceSchema), table = ToWide(column.sourceTable),
                           name = ToWide(column.sourceColumn);

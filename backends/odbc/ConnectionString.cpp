@@ -48,20 +48,22 @@ bool IsPostgres(const std::string& settings) {
 }
 
 // Left alone the driver fetches a whole result before it delivers its first row, calls truth values texts,
-// and waits for ever for a server that a broken network has cut off.
+// may end a whole transaction for one mistake in it, and waits for ever for a server that a broken network
+// has cut off.
 constexpr const char* kPostgresSettings[][2] = {
     {"UseDeclareFetch", "1"},
     {"Fetch", "4096"},
     {"BoolsAsChar", "0"},
     {"TrueIsMinus1", "0"},
+    {"Protocol", "7.4-2"},
     {"pqopt", "{keepalives_idle=20 keepalives_interval=10 keepalives_count=3 tcp_user_timeout=60000}"}};
 
 }  // namespace
 
 std::string SourceName(const DatabaseAddress& address) {
     const std::string source = ValueOf(address.connect, "dsn");
-    if (!source.empty() || !address.name.empty())
-        return "\"" + (source.empty() ? address.name : source) + "\"";
+    if (!source.empty()) return "\"" + source + "\"";
+    if (!address.name.empty()) return address.Shown();
     const std::string server = ValueOf(address.connect, "server"),
                       database = ValueOf(address.connect, "database");
     if (server.empty() && database.empty()) return address.Shown();

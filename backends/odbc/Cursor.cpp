@@ -50,8 +50,13 @@ void SetInteger(SQLBIGINT number, short type, COleVariant& value) {
 
 }  // namespace
 
-Cursor::Cursor(Handle statement, std::vector<Column> columns, std::string subject)
-    : subject_(std::move(subject)), columns_(std::move(columns)), statement_(std::move(statement)) {
+Cursor::Cursor(Handle statement, std::vector<Column> columns, std::string subject, Lifeline& lifeline,
+               std::shared_ptr<void> turn)
+    : subject_(std::move(subject)),
+      columns_(std::move(columns)),
+      lifeline_(lifeline),
+      turn_(std::move(turn)),
+      statement_(std::move(statement)) {
     for (const Column& column : columns_) infos_.push_back(column.info);
     inBlocks_ = std::none_of(columns_.begin(), columns_.end(), [](const Column& column) {
         return column.form == Form::TEXT || column.form == Form::BYTES;
@@ -63,7 +68,14 @@ Cursor::Cursor(Handle statement, std::vector<Column> columns, std::string subjec
 }
 
 Cursor::~Cursor() {
-    if (statement_) SQLFreeStmt(statement_.Get(), SQL_CLOSE);
+    const Lifeline::Watch watch(lifeline_);
+    statement_ = Handle();  // closes it; the server is told
+}
+
+void Cursor::Check(SQLRETURN code) const {
+    constexpr const char* kAttempt = "read the records of";
+    if (!Succeeded(code)) lifeline_.ThrowIfCut(kAttempt, subject_);
+    statement_.Check(code, kAttempt, subject_);
 }
 
 void Cursor::BindBlock() {
@@ -83,9 +95,8 @@ void Cursor::BindColumn(std::size_t column) {
     bound.lengths.assign(blockSize_, 0);
     const auto bind = [&](SQLSMALLINT kind, auto& values) {
         values.resize(blockSize_);
-        statement_.Check(SQLBindCol(statement_.Get(), static_cast<SQLUSMALLINT>(column + 1), kind,
-                                    values.data(), sizeof values[0], bound.lengths.data()),
-                         "read the records of", subject_);
+        Check(SQLBindCol(statement_.Get(), static_cast<SQLUSMALLINT>(column + 1), kind, values.data(),
+                         sizeof values[0], bound.lengths.data()));
     };
     switch (columns_[column].form) {
         case Form::NUMBER:
@@ -109,9 +120,10 @@ void Cursor::BindColumn(std::size_t column) {
 bool Cursor::Fetch() {
     fetched_ = 0;
     row_ = 0;
+    const Lifeline::Watch watch(lifeline_);
     const SQLRETURN code = SQLFetch(statement_.Get());
     if (code == SQL_NO_DATA) return false;
-    statement_.Check(code, "read the records of", subject_);
+    Check(code);
     // A driver without blocks does not count.
     if (fetched_ == 0) fetched_ = 1;
     return true;
@@ -182,6 +194,7 @@ std::size_t Cursor::ReadNumbers(int xColumn, int yColumn, std::vector<double>& x
 }
 
 void Cursor::ReadLong(std::size_t column, COleVariant& value) {
+    const Lifeline::Watch watch(lifeline_);
     const auto at = static_cast<SQLUSMALLINT>(column + 1);
     if (columns_[column].form == Form::TEXT) {
         std::string text;
@@ -204,7 +217,7 @@ void Cursor::ReadLong(std::size_t column, COleVariant& value) {
         bytes.append(piece.data(), whole ? static_cast<std::size_t>(length) : piece.size());
         if (whole) break;
     }
-    statement_.Check(code, "read the records of", subject_);
+    Check(code);
     if (length == SQL_NULL_DATA) {
         value.SetNull();
     } else {

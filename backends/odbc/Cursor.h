@@ -2,10 +2,12 @@
 #pragma once
 
 #include "backends/odbc/Columns.h"
+#include "backends/odbc/Lifeline.h"
 
 #include <zel/platform/DatabaseDriver.h>
 
 #include <array>
+#include <memory>
 
 namespace zel::odbc {
 
@@ -13,8 +15,9 @@ namespace zel::odbc {
 // known before, is fetched row by row.
 class Cursor : public DatabaseCursor {
   public:
-    // `statement` has run and delivers `columns`.
-    Cursor(Handle statement, std::vector<Column> columns, std::string subject);
+    // `statement` has run and delivers `columns`; `turn` is held as long as it is read.
+    Cursor(Handle statement, std::vector<Column> columns, std::string subject, Lifeline& lifeline,
+           std::shared_ptr<void> turn);
     ~Cursor() override;
 
     const std::vector<ColumnInfo>& Columns() const override { return infos_; }
@@ -34,6 +37,7 @@ class Cursor : public DatabaseCursor {
     };
 
     bool Fetch();
+    void Check(SQLRETURN code) const;
     void BindBlock();
     void BindColumn(std::size_t column);
     void ReadBound(std::size_t column, COleVariant& value) const;
@@ -49,6 +53,8 @@ class Cursor : public DatabaseCursor {
     std::vector<Bound> bound_;
     std::vector<COleVariant> longs_;  // what was read of the current row: drivers deliver a value once
     std::vector<bool> longRead_;
+    Lifeline& lifeline_;
+    std::shared_ptr<void> turn_;
     Handle statement_;  // freed before what it writes to
 };
 

@@ -25,11 +25,11 @@ void ChoosePlatform() {
 namespace {
 
 std::unique_ptr<QGuiApplication> MakeApplication() {
-    static int count = 1;
-    static char name[] = "zel";
-    static char* arguments[] = {name, nullptr};
+    // It has no windows: whether a display answers is not asked.
+    static int count = 3;
+    static char name[] = "zel", option[] = "-platform", platform[] = "offscreen";
+    static char* arguments[] = {name, option, platform, nullptr};
     const KeptLocale kept;
-    ChoosePlatform();
     return std::make_unique<QGuiApplication>(count, arguments);
 }
 

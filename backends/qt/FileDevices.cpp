@@ -3,6 +3,7 @@
 #include "backends/qt/Fonts.h"
 
 #include <zel/platform/Exception.h>
+#include <zel/platform/ForwardingDevice.h>
 #include <zel/qt/ImageDevice.h>
 
 #include <cmath>
@@ -34,12 +35,13 @@ namespace {
 
 // Draws on an image and saves it at the end. What lies left of and above the margins is the drawing's to use
 // too, so the origin is moved by the context's user, not here.
-class ImageFileDevice : public MeasuringDevice {
+class ImageFileDevice : public ForwardingDevice<DocumentDevice> {
   public:
     explicit ImageFileDevice(const FileDeviceOptions& options)
         : options_(options),
-          image_(Pixels(options.width), Pixels(options.height), options.dotsPerInch, options.unitsPerInch) {
-        image_.Clear(options.background, options.opaqueBackground || options.format != "png");
+          image_(std::make_unique<ImageDevice>(Pixels(options.width), Pixels(options.height),
+                                               options.dotsPerInch, options.unitsPerInch)) {
+        image_->Clear(options.background, options.opaqueBackground || options.format != "png");
     }
 
     void NewPage() override {
@@ -47,25 +49,10 @@ class ImageFileDevice : public MeasuringDevice {
             ("Cannot write a second page into the image \"" + options_.path + "\"; PDF files have pages.")
                 .c_str());
     }
-    void Finish() override { image_.Save(options_.path.c_str(), options_.format.c_str(), options_.quality); }
+    void Finish() override { image_->Save(options_.path.c_str(), options_.format.c_str(), options_.quality); }
 
-    int Caps(int index) const override { return image_.Caps(index); }
-    void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override {
-        image_.Polyline(state, points, count);
-    }
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
-                  std::span<const int> counts) override {
-        image_.Polygons(state, points, counts);
-    }
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
-                  DWORD operation) override {
-        image_.FillRect(state, rect, brush, operation);
-    }
-    void Ellipse(const GraphicsState& state, const CRect& rect) override { image_.Ellipse(state, rect); }
-    void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override {
-        image_.DrawText(state, spans);
-    }
-    COLORREF GetPixel(const CPoint& devicePoint) override { return image_.GetPixel(devicePoint); }
+  protected:
+    GraphicsDevice& Target() const override { return *image_; }
 
   private:
     int Pixels(double inches) const {
@@ -73,7 +60,7 @@ class ImageFileDevice : public MeasuringDevice {
     }
 
     FileDeviceOptions options_;
-    ImageDevice image_;
+    std::unique_ptr<ImageDevice> image_;
 };
 
 }  // namespace

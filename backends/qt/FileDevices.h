@@ -19,7 +19,7 @@ std::unique_ptr<DocumentDevice> CreateImageFileDevice(const FileDeviceOptions& o
 SurfaceCaps CapsOf(const FileDeviceOptions& options, int technology, int unitsPerInch);
 
 // Text measured with Qt's fonts, for the devices of files.
-class MeasuringDevice : public DocumentDevice {
+class MeasuringDevice : public BasicDevice<DocumentDevice> {
   public:
     CSize TextExtent(const GraphicsState& state, std::string_view text) override;
     std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,

@@ -1,30 +1,54 @@
 #include "backends/qt/Fonts.h"
 
 #include "backends/qt/GlyphLine.h"
+#include "platform/graphics/ComplexText.h"
 #include "platform/graphics/StandardMetrics.h"
 #include "platform/graphics/Utf8.h"
 
+#include <zel/platform/Exception.h>
 #include <zel/platform/Warning.h>
 
+#include <QFontDatabase>
 #include <QFontInfo>
 #include <QFontMetricsF>
 #include <QThreadStorage>
 
 #include <cmath>
+#include <fontconfig/fontconfig.h>
 #include <map>
+#include <memory>
 #include <string>
 #include <tuple>
 
 namespace zel::qt {
 namespace {
 
-constexpr int kDesignSize = 2048;  // pixels at which a face is measured
 constexpr char32_t kDirectGlyphs = 0x250;
 constexpr int kSizeSteps = 64;  // sizes of a face are told apart by this part of a pixel
 constexpr std::size_t kMostSizes = 64;
+constexpr std::size_t kMostLines = 256;
+
+// The family that the system's configuration names in the place of another: one of the same widths, where
+// there is one. Qt has an order of its own, in which widths do not count.
+QString FamilyFor(const QString& wanted) {
+    const std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)> pattern(FcPatternCreate(),
+                                                                          &FcPatternDestroy);
+    const QByteArray name = wanted.toUtf8();
+    FcPatternAddString(pattern.get(), FC_FAMILY, reinterpret_cast<const FcChar8*>(name.constData()));
+    FcConfigSubstitute(nullptr, pattern.get(), FcMatchPattern);
+    FcDefaultSubstitute(pattern.get());
+    FcResult result = FcResultNoMatch;
+    const std::unique_ptr<FcPattern, decltype(&FcPatternDestroy)> match(
+        FcFontMatch(nullptr, pattern.get(), &result), &FcPatternDestroy);
+    FcChar8* family = nullptr;
+    if (!match || FcPatternGetString(match.get(), FC_FAMILY, 0, &family) != FcResultMatch) return wanted;
+    const QString found = QString::fromUtf8(reinterpret_cast<const char*>(family));
+    return QFontDatabase::hasFamily(found) ? found : wanted;
+}
 
 QFont MakeFont(const LOGFONT& font) {
-    QFont made(QString::fromUtf8(font.lfFaceName));
+    const QString wanted = QString::fromUtf8(font.lfFaceName);
+    QFont made(QFontDatabase::hasFamily(wanted) ? wanted : FamilyFor(wanted));
     made.setStyleHint(QFont::SansSerif);
     made.setHintingPreference(QFont::PreferNoHinting);
     made.setStyleStrategy(QFont::PreferAntialias);
@@ -61,18 +85,20 @@ void WarnOfSubstitute(const QString& wanted, const QString& found) {
 QString ToQString(char32_t character) {
     return QString::fromUcs4(&character, 1);
 }
-QString ToQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 }  // namespace
 
-QColor ColorOf(COLORREF color) {
-    return {GetRValue(color), GetGValue(color), GetBValue(color)};
+QColor ColorOf(COLORREF color, BYTE transparency) {
+    return {GetRValue(color), GetGValue(color), GetBValue(color), 255 - transparency};
 }
 
 Face::Face(const LOGFONT& font)
     : font_(MakeFont(font)), design_(QRawFont::fromFont(font_)), latin_(kDirectGlyphs) {
+    // Where there is no font at all Qt draws boxes, with a face that has not even a name.
+    if (design_.fontTable("head").isEmpty())
+        AfxThrowResourceException(
+            "Cannot draw text: no font is installed, or none that fontconfig finds. The package "
+            "\"fonts-liberation2\" has those that are best.");
     WarnOfSubstitute(QString::fromUtf8(font.lfFaceName), design_.familyName());
     ascent_ = design_.ascent() / kDesignSize;
     descent_ = design_.descent() / kDesignSize;
@@ -86,12 +112,24 @@ const Face::Glyph& Face::GlyphOf(char32_t character) {
     if (glyph.advance >= 0) return glyph;
     const QList<quint32> indexes = design_.glyphIndexesForString(ToQString(character));
     glyph.index = indexes.isEmpty() ? 0 : indexes.first();
-    if (glyph.index != 0) {
-        glyph.advance = design_.advancesForGlyphIndexes({glyph.index}).value(0).x() / kDesignSize;
-    } else {
-        glyph.advance = QFontMetricsF(font_).horizontalAdvance(ToQString(character)) / kDesignSize;
-    }
+    glyph.advance = design_.advancesForGlyphIndexes({glyph.index}).value(0).x() / kDesignSize;
+    if (glyph.index == 0 && character < ' ') glyph.advance = 0;
     return glyph;
+}
+
+bool Face::IsPlain(std::string_view text) {
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t c = NextCodePoint(text, at);
+        if (c >= ' ' && GlyphOf(c).index == 0) return false;
+    }
+    return !IsComplexText(text);
+}
+
+const ShapedLine& Face::Shaped(std::string_view text) {
+    if (shaped_.size() >= kMostLines) shaped_.clear();
+    const auto [line, isNew] = shaped_.try_emplace(std::string(text));
+    if (isNew) line->second = ShapedLine(font_, text);
+    return line->second;
 }
 
 const QRawFont& Face::AtSize(double pixels) {
@@ -102,12 +140,6 @@ const QRawFont& Face::AtSize(double pixels) {
     QRawFont& font = sizes_[key];
     font = design_;
     font.setPixelSize(static_cast<double>(key) / kSizeSteps);
-    return font;
-}
-
-QFont Face::WithFallback(int pixels) const {
-    QFont font(font_);
-    font.setPixelSize(std::max(pixels, 1));
     return font;
 }
 
@@ -167,6 +199,7 @@ double EmHeight(const GraphicsState& state) {
 
 double WidthOf(const GraphicsState& state, std::string_view text) {
     Face& face = FaceOf(state.font);
+    if (!face.IsPlain(text)) return face.Shaped(text).Width() * EmHeight(state);
     double ems = 0;
     for (std::size_t at = 0; at < text.size();) ems += face.GlyphOf(NextCodePoint(text, at)).advance;
     return ems * EmHeight(state);
@@ -192,6 +225,11 @@ std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text
     const double em = EmHeight(state);
     std::vector<int> extents;
     extents.reserve(ends.size());
+    if (!face.IsPlain(text)) {
+        for (const double width : face.Shaped(text).PrefixWidths(ends))
+            extents.push_back(LogicalX(state, width * em));
+        return extents;
+    }
     double ems = 0;
     std::size_t at = 0;
     for (const std::size_t end : ends) {
@@ -207,7 +245,7 @@ TEXTMETRIC TextMetrics(const GraphicsState& state) {
     TEXTMETRIC metrics{};
     metrics.tmAscent = LogicalY(state, face.Ascent() * em);
     metrics.tmDescent = LogicalY(state, face.Descent() * em);
-    metrics.tmHeight = metrics.tmAscent + metrics.tmDescent;
+    metrics.tmHeight = Add(metrics.tmAscent, metrics.tmDescent);
     metrics.tmInternalLeading = LogicalY(state, std::max(0.0, (face.Ascent() + face.Descent() - 1) * em));
     metrics.tmExternalLeading = LogicalY(state, face.Leading() * em);
     metrics.tmAveCharWidth = LogicalX(state, face.GlyphOf('x').advance * em);
@@ -251,23 +289,29 @@ class Run {
 
     // Lying text needs no frame of its own, and no state of the painter saved for it.
     void Draw(std::span<const TextSpan> spans) {
-        if (state_.font.lfEscapement == 0) {
+        const QPointF origin = PixelOf(spans.front().at);
+        const std::string whole = WholeOf(spans);
+        const bool plain = face_.IsPlain(whole);
+        if (state_.font.lfEscapement == 0 && plain) {
             for (const TextSpan& span : spans) Add(span.text, PixelOf(span.at));
             Flush();
             return;
         }
-        const QPointF origin = PixelOf(spans.front().at);
         painter_.save();
         painter_.translate(origin);
         const double angle = state_.font.lfEscapement / 10.0;
         painter_.rotate(-angle);
-        const double cosine = std::cos(angle * M_PI / 180), sine = std::sin(angle * M_PI / 180);
-        for (const TextSpan& span : spans) {
-            const QPointF away = PixelOf(span.at) - origin;
-            // Into the turned frame: x along the text, y across it.
-            Add(span.text, {away.x() * cosine - away.y() * sine, away.x() * sine + away.y() * cosine});
+        if (plain) {
+            const double cosine = std::cos(angle * M_PI / 180), sine = std::sin(angle * M_PI / 180);
+            for (const TextSpan& span : spans) {
+                const QPointF away = PixelOf(span.at) - origin;
+                // Into the turned frame: x along the text, y across it.
+                Add(span.text, {away.x() * cosine - away.y() * sine, away.x() * sine + away.y() * cosine});
+            }
+            Flush();
+        } else {
+            AddShaped(whole);
         }
-        Flush();
         painter_.restore();
     }
 
@@ -279,12 +323,26 @@ class Run {
 
     void Add(std::string_view text, QPointF at) {
         const double width = WidthOf(state_, text) / unitsPerPixel_;
-        const BaselineOffset offset = OffsetOf(state_, width * unitsPerPixel_);
-        at += QPointF(offset.x / unitsPerPixel_, offset.y / unitsPerPixel_);
+        at += Offset(width);
         FillCell(at, width);
-        line_.Add(text, at,
-                  [this](std::string_view missing, const QPointF& place) { DrawSubstitute(missing, place); });
+        line_.Add(text, at);
         Decorate(at, width);
+    }
+
+    void AddShaped(std::string_view text) {
+        const ShapedLine& line = face_.Shaped(text);
+        const double width = line.Width() * em_;
+        const QPointF at = Offset(width);
+        FillCell(at, width);
+        painter_.translate(at);
+        line.Draw(painter_, em_, ColorOf(state_.textColor, state_.textTransparency));
+        painter_.translate(-at);
+        Decorate(at, width);
+    }
+
+    QPointF Offset(double width) const {
+        const BaselineOffset offset = OffsetOf(state_, width * unitsPerPixel_);
+        return {offset.x / unitsPerPixel_, offset.y / unitsPerPixel_};
     }
 
     void FillCell(const QPointF& baseline, double width) {
@@ -296,7 +354,7 @@ class Run {
 
     void Decorate(const QPointF& baseline, double width) {
         const double thickness = std::max(em_ / 14, 1 / unitsPerPixel_);
-        const QColor color = ColorOf(state_.textColor);
+        const QColor color = ColorOf(state_.textColor, state_.textTransparency);
         if (state_.font.lfUnderline) {
             painter_.fillRect(QRectF(baseline.x(), baseline.y() + em_ * 0.1, width, thickness), color);
         }
@@ -305,19 +363,7 @@ class Run {
         }
     }
 
-    // A character from another face, through Qt's own choice of it.
-    void DrawSubstitute(std::string_view text, const QPointF& at) {
-        constexpr int kPixels = 256;
-        painter_.save();
-        painter_.translate(at);
-        painter_.scale(em_ / kPixels, em_ / kPixels);
-        painter_.setFont(face_.WithFallback(kPixels));
-        painter_.setPen(ColorOf(state_.textColor));
-        painter_.drawText(QPointF(0, 0), ToQString(text));
-        painter_.restore();
-    }
-
-    void Flush() { line_.Draw(painter_, ColorOf(state_.textColor)); }
+    void Flush() { line_.Draw(painter_, ColorOf(state_.textColor, state_.textTransparency)); }
 
     QPainter& painter_;
     const GraphicsState& state_;

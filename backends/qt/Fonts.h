@@ -1,6 +1,8 @@
 // Fonts of contexts as Qt fonts, and their metrics.
 #pragma once
 
+#include "backends/qt/Shaping.h"
+
 #include <zel/platform/GraphicsDevice.h>
 
 #include <QFont>
@@ -9,6 +11,7 @@
 #include <QRawFont>
 
 #include <memory>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -23,16 +26,20 @@ class Face {
 
     struct Glyph {
         quint32 index = 0;   // 0: the face does not have the character
-        double advance = 0;  // in ems; of a substitute face when this one does not have it
+        double advance = 0;  // in ems
     };
     const Glyph& GlyphOf(char32_t character);
+    // Whether a text is its characters, one after another, and the face has them all. Control characters are
+    // not drawn.
+    bool IsPlain(std::string_view text);
+    // A line that is not plain; good until the next one is asked for.
+    const ShapedLine& Shaped(std::string_view text);
+    const QFont& Font() const { return font_; }
     double Ascent() const { return ascent_; }    // ems
     double Descent() const { return descent_; }  // ems
     double Leading() const { return leading_; }
     // The face at a size of so many pixels.
     const QRawFont& AtSize(double pixels);
-    // For characters that the face itself does not have.
-    QFont WithFallback(int pixels) const;
 
   private:
     QFont font_;
@@ -43,6 +50,7 @@ class Face {
     std::vector<Glyph> latin_;  // below U+0250
     std::unordered_map<char32_t, Glyph> glyphs_;
     std::unordered_map<int, QRawFont> sizes_;
+    std::unordered_map<std::string, ShapedLine> shaped_;
 };
 
 // The face of a font; kept for this thread.
@@ -72,6 +80,6 @@ double WidthOf(const GraphicsState& state, std::string_view text);
 void DrawSpans(QPainter& painter, const GraphicsState& state, std::span<const TextSpan> spans,
                double unitsPerPixel);
 
-QColor ColorOf(COLORREF color);
+QColor ColorOf(COLORREF color, BYTE transparency = 0);
 
 }  // namespace zel::qt

@@ -15,21 +15,16 @@ class GlyphLine {
     // given places is taken out.
     GlyphLine(Face& face, double em, double tolerance) : face_(&face), em_(em), tolerance_(tolerance) {}
 
-    // Adds a text whose baseline begins at `at`. `missing(characters, place)` is told of what the face does
-    // not have.
-    template <class Missing>
-    void Add(std::string_view text, const QPointF& at, Missing missing) {
+    // Adds a plain text (Face::IsPlain) whose baseline begins at `at`.
+    void Add(std::string_view text, const QPointF& at) {
         const bool follows = follows_ && std::fabs(at.x() - next_.x()) < tolerance_ &&
                              std::fabs(at.y() - next_.y()) < tolerance_;
         QPointF pen = follows ? next_ : at;
         for (std::size_t i = 0; i < text.size();) {
-            const std::size_t begin = i;
             const Face::Glyph& glyph = face_->GlyphOf(NextCodePoint(text, i));
             if (glyph.index != 0) {
                 indexes_.append(glyph.index);
                 positions_.append(wholeUnits_ ? QPointF(std::round(pen.x()), std::round(pen.y())) : pen);
-            } else {
-                missing(text.substr(begin, i - begin), pen);
             }
             pen.rx() += glyph.advance * em_;
         }

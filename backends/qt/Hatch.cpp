@@ -34,13 +34,15 @@ bool Has(int hatch, int simple, int both) {
 
 QBrush BrushOf(const GraphicsState& state, const LOGBRUSH& brush) {
     if (brush.lbStyle == BS_NULL) return Qt::NoBrush;
-    if (brush.lbStyle != BS_HATCHED) return ColorOf(brush.lbColor);
+    // Ink is combined with what lies under it in other modes, and nothing shines through it.
+    const BYTE transparency = state.rasterMode == R2_COPYPEN ? brush.lbTransparency : BYTE{0};
+    const QColor ink = ColorOf(brush.lbColor, transparency);
+    if (brush.lbStyle != BS_HATCHED) return ink;
     QImage cell(kCell, kCell, QImage::Format_ARGB32_Premultiplied);
-    const QColor bare =
-        state.backgroundMode == OPAQUE ? ColorOf(state.backgroundColor) : QColor(Qt::transparent);
+    const QColor bare = state.backgroundMode == OPAQUE ? ColorOf(state.backgroundColor, transparency)
+                                                       : QColor(Qt::transparent);
     for (int y = 0; y < kCell; ++y) {
-        for (int x = 0; x < kCell; ++x)
-            cell.setPixelColor(x, y, IsInk(brush.lbHatch, x, y) ? ColorOf(brush.lbColor) : bare);
+        for (int x = 0; x < kCell; ++x) cell.setPixelColor(x, y, IsInk(brush.lbHatch, x, y) ? ink : bare);
     }
     return QBrush(cell);
 }

@@ -28,6 +28,8 @@
 namespace zel::qt {
 namespace {
 
+// An A0 poster of 300 dots per inch has half as many.
+constexpr std::int64_t kMostPixels = std::int64_t{1} << 28;
 constexpr double kFarOutside = 16000;  // pixels; the rasteriser's coordinates are exact up to twice that
 
 constexpr int ShiftOf(ImageDevice::Grid grid) {
@@ -44,6 +46,20 @@ bool IsAxisParallel(const CPoint* points, std::size_t count) {
 std::uint32_t PixelValue(COLORREF color) {
     return 0xFF000000u | static_cast<std::uint32_t>(GetRValue(color)) << 16 |
            static_cast<std::uint32_t>(GetGValue(color)) << 8 | GetBValue(color);
+}
+
+// Not premultiplied.
+std::uint32_t InkOf(COLORREF color, BYTE transparency) {
+    return (PixelValue(color) & 0xFFFFFFu) | static_cast<std::uint32_t>(255 - transparency) << 24;
+}
+std::uint32_t InkOf(const LOGPEN& pen) {
+    return InkOf(pen.lopnColor, pen.lopnTransparency);
+}
+std::uint32_t InkOf(const LOGBRUSH& brush) {
+    return InkOf(brush.lbColor, brush.lbTransparency);
+}
+bool IsOpaque(std::uint32_t ink) {
+    return ink >> 24 == 255;
 }
 
 QPainter::CompositionMode CompositionOf(int rasterMode) {
@@ -138,11 +154,22 @@ class ImageDevice::Impl {
         painter.setClipRegion(region.isEmpty() ? QRegion(-2, -2, 1, 1) : region);
     }
 
+    // Pens wider than a pixel have no dashes.
+    bool IsSolid(const GraphicsState& state) const {
+        return state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME ||
+               (state.pen.lopnStyle != PS_NULL && PenWidth(state) > 1);
+    }
     double PenWidth(const GraphicsState& state) const {
         return std::max(1.0, state.pen.lopnWidth.x * state.map.ScaleX() / sub);
     }
 
-    void FillPixels(const CRect& box, std::uint32_t value) {
+    void FillPixels(const CRect& box, std::uint32_t ink) {
+        if (!IsOpaque(ink)) {
+            FinishCurve();
+            stroker.AddBox(box);
+            Blend(ink);
+            return;
+        }
         // Clips lie in bands from the top: those above the box and below it are passed over.
         auto part = std::partition_point(clips.begin(), clips.end(),
                                          [&](const CRect& each) { return each.bottom <= box.top; });
@@ -151,7 +178,7 @@ class ImageDevice::Impl {
             if (!seen.IntersectRect(box, *part)) continue;
             for (int y = seen.top; y < seen.bottom; ++y) {
                 auto row = pixels.begin() + static_cast<std::ptrdiff_t>(y) * width;
-                std::fill(row + seen.left, row + seen.right, value);
+                std::fill(row + seen.left, row + seen.right, ink);
             }
         }
     }
@@ -171,9 +198,13 @@ class ImageDevice::Impl {
     }
     void FinishCurve() {
         thinner.End();
-        stroker.Blend({pixels.data(), width, height}, curveColor, clips);
+        Blend(curveColor);
         discs.Clear();
+        if (largeDiscs.isEmpty()) return;
+        painter.fillPath(largeDiscs, QColor::fromRgba(curveColor));
+        largeDiscs.clear();
     }
+    void Blend(std::uint32_t ink) { stroker.Blend({pixels.data(), width, height}, ink, clips); }
 
     // Discs of one size that follow are part of the figure.
     void BeginDiscs(const CSize& size, std::uint32_t color) {
@@ -182,45 +213,147 @@ class ImageDevice::Impl {
         discs.SetSize(size);
     }
 
+    void AddLargeDisc(CRect units, std::uint32_t color) {
+        if (color != curveColor) FinishCurve();
+        curveColor = color;
+        units.NormalizeRect();
+        const double scale = sub;
+        const QRectF shape(units.left / scale, units.top / scale, (units.Width() - 1) / scale,
+                           (units.Height() - 1) / scale);
+        if (!shape.intersects(QRectF(0, 0, width, height))) return;
+        largeDiscs.setFillRule(Qt::WindingFill);
+        largeDiscs.addEllipse(shape);
+    }
+
     // A wide pen that goes nowhere leaves a disc: dots of a dashed line may be as short as that.
     void DrawDot(const CPoint& at, double penWidth, std::uint32_t color) {
         const PointF centre{at.x + 0.5, at.y + 0.5};
         stroker.Add(centre, centre, penWidth / 2);
-        stroker.Blend({pixels.data(), width, height}, color, clips);
+        Blend(color);
     }
 
     // Along the axes: whole pixels. A line one pixel wide leaves out the unit that it ends on; wider ones
-    // have ends of half their width.
+    // have round ends and corners.
     void DrawCrisp(const CPoint* points, std::size_t count, double penWidth, std::uint32_t color) {
         const int wide = std::max(1, static_cast<int>(std::lround(penWidth)));
-        const int before = wide / 2;
+        if (wide > 1) {
+            DrawCrispWide(points, count, wide, color);
+            return;
+        }
+        if (!IsOpaque(color)) FinishCurve();
         for (std::size_t i = 1; i < count; ++i) {
-            CPoint a = points[i - 1];
+            const CPoint a = points[i - 1];
             CPoint b = points[i];
             if (a == b) continue;
             const bool closes = i + 1 < count;  // the next segment draws this one's last unit anyway
             const auto shortened = [&](LONG from, LONG to) {
-                return closes || wide > 1 ? to : to > from ? to - 1 : to < from ? to + 1 : to;
+                return closes ? to : to > from ? to - 1 : to < from ? to + 1 : to;
             };
             b = {shortened(a.x, b.x), shortened(a.y, b.y)};
-            CRect box(PixelOf(std::min(a.x, b.x)), PixelOf(std::min(a.y, b.y)),
-                      Add(PixelOf(std::max(a.x, b.x)), 1), Add(PixelOf(std::max(a.y, b.y)), 1));
-            if (wide > 1) {
-                const int behind = wide - 1 - before;
-                box = {Subtract(box.left, before), Subtract(box.top, before), Add(box.right, behind),
-                       Add(box.bottom, behind)};
-            }
-            FillPixels(box, color);
+            const CRect box(PixelOf(std::min(a.x, b.x)), PixelOf(std::min(a.y, b.y)),
+                            Add(PixelOf(std::max(a.x, b.x)), 1), Add(PixelOf(std::max(a.y, b.y)), 1));
+            // Corners of a line that one sees through are covered once.
+            IsOpaque(color) ? FillPixels(box, color) : stroker.AddBox(box);
         }
+        if (!IsOpaque(color)) Blend(color);
     }
 
-    // Dashed platform pens and raster modes: whole pixels through the painter.
+    // The axis lies where the sides fall between pixels: in the middle of one, or between two.
+    void DrawCrispWide(const CPoint* points, std::size_t count, int wide, std::uint32_t color) {
+        FinishCurve();
+        const double middle = wide % 2 != 0 ? 0.5 : 0;
+        const auto at = [&](const CPoint& p) { return PointF{PixelOf(p.x) + middle, PixelOf(p.y) + middle}; };
+        for (std::size_t i = 1; i < count; ++i) stroker.Add(at(points[i - 1]), at(points[i]), wide / 2.0);
+        Blend(color);
+    }
+
+    // Dashed platform pens and raster modes: whole pixels, each of a line once.
     void DrawPlain(const GraphicsState& state, const CPoint* points, std::size_t count) {
-        const double wide = PenWidth(state);
-        QPen pen(ColorOf(state.pen.lopnColor), wide, Qt::SolidLine, wide > 1 ? Qt::RoundCap : Qt::FlatCap,
-                 Qt::RoundJoin);
-        const auto dashes = DashesOf(state, wide, 1);
-        if (!dashes.empty()) pen.setDashPattern(QList<qreal>(dashes.begin(), dashes.end()));
+        FinishCurve();
+        if (PenWidth(state) > 1) {
+            DrawPlainWide(state, points, count);
+            return;
+        }
+        const bool copies = state.rasterMode == R2_COPYPEN;
+        const std::span<const double> dashes = DashesOf(state, 1, 1);
+        const auto paint = [&](std::uint32_t ink, bool gaps) {
+            std::int64_t before = 0;  // pixels of the line
+            for (std::size_t i = 1; i < count; ++i) {
+                before += WalkPixels(points[i - 1], points[i], [&](const CPoint& pixel, std::int64_t step) {
+                    if (IsGap(dashes, before + step) != gaps) return;
+                    copies ? stroker.AddBox(CRect(pixel, CSize(1, 1)))
+                           : Combine(pixel, state.rasterMode, ink);
+                });
+            }
+            if (copies) Blend(ink);
+        };
+        if (!dashes.empty() && state.backgroundMode == OPAQUE)
+            paint(copies ? InkOf(state.backgroundColor, state.pen.lopnTransparency)
+                         : PixelValue(state.backgroundColor),
+                  true);
+        paint(copies ? InkOf(state.pen) : PixelValue(state.pen.lopnColor), false);
+    }
+
+    static bool IsGap(std::span<const double> dashes, std::int64_t place) {
+        if (dashes.empty()) return false;
+        double cycle = 0;
+        for (const double length : dashes) cycle += length;
+        auto left = static_cast<double>(place % static_cast<std::int64_t>(cycle));
+        bool gap = false;
+        for (const double length : dashes) {
+            if (left < length) break;
+            left -= length;
+            gap = !gap;
+        }
+        return gap;
+    }
+
+    // The pixels that can be seen from the first of a line to the last but one, which is how the platform
+    // draws lines: what goes on from there begins with its own first pixel. Returns how many the line has.
+    template <class Each>
+    std::int64_t WalkPixels(const CPoint& from, const CPoint& to, Each each) const {
+        const double x = PixelOf(from.x), y = PixelOf(from.y);
+        const double dx = PixelOf(to.x) - x, dy = PixelOf(to.y) - y;
+        const double steps = std::max(std::fabs(dx), std::fabs(dy));
+        if (steps == 0) return 0;
+        double begin = 0, end = 1;
+        const auto cut = [&](double start, double delta, double size) {
+            if (delta == 0) return start >= 0 && start < size;
+            const double t0 = (-1 - start) / delta, t1 = (size - start) / delta;
+            begin = std::max(begin, std::min(t0, t1));
+            end = std::min(end, std::max(t0, t1));
+            return begin <= end;
+        };
+        if (cut(x, dx, width) && cut(y, dy, height)) {
+            const auto last = static_cast<std::int64_t>(std::min(steps - 1, std::ceil(end * steps)));
+            for (auto i = static_cast<std::int64_t>(begin * steps); i <= last; ++i) {
+                const double t = static_cast<double>(i) / steps;
+                each(CPoint(static_cast<LONG>(std::floor(x + t * dx + 0.5)),
+                            static_cast<LONG>(std::floor(y + t * dy + 0.5))),
+                     i);
+            }
+        }
+        return static_cast<std::int64_t>(steps);
+    }
+
+    // The modes are numbered by their tables: a bit for each combination of pen and pixel.
+    void Combine(const CPoint& pixel, int rasterMode, std::uint32_t pen) {
+        const bool seen = std::any_of(clips.begin(), clips.end(),
+                                      [&](const CRect& part) { return part.PtInRect(pixel) != FALSE; });
+        if (!seen) return;
+        std::uint32_t& value = pixels[static_cast<std::size_t>(pixel.y) * static_cast<std::size_t>(width) +
+                                      static_cast<std::size_t>(pixel.x)];
+        const auto table = static_cast<unsigned>(rasterMode - 1);
+        const std::uint32_t combined =
+            ((table & 1) != 0 ? ~pen & ~value : 0) | ((table & 2) != 0 ? ~pen & value : 0) |
+            ((table & 4) != 0 ? pen & ~value : 0) | ((table & 8) != 0 ? pen & value : 0);
+        value = combined | 0xFF000000u;
+    }
+
+    // Pens wider than a pixel have no dashes.
+    void DrawPlainWide(const GraphicsState& state, const CPoint* points, std::size_t count) {
+        const QPen pen(ColorOf(state.pen.lopnColor), PenWidth(state), Qt::SolidLine, Qt::RoundCap,
+                       Qt::RoundJoin);
         QPolygonF line;
         for (std::size_t i = 0; i < count; ++i) {
             const QPointF at(PixelOf(points[i].x) + 0.5, PixelOf(points[i].y) + 0.5);
@@ -238,7 +371,7 @@ class ImageDevice::Impl {
     // Corners on whole pixels would make a rough ellipse: its points lie between them. The centre is that of
     // a pixel when the arc's is a whole number.
     void StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
-        const std::uint32_t color = PixelValue(state.pen.lopnColor);
+        const std::uint32_t color = InkOf(state.pen);
         if (color != curveColor) FinishCurve();
         curveColor = color;
         const double half = PenWidth(state) / 2;
@@ -255,6 +388,8 @@ class ImageDevice::Impl {
 
     void FillRings(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts) {
         const QRectF near(-kFarOutside, -kFarOutside, 2 * kFarOutside, 2 * kFarOutside);
+        // In whole pixels the outline runs through their centres, and the fill with it.
+        const double inset = state.pen.lopnStyle != PS_NULL && sub == 1 ? 0.5 : 0;
         QPainterPath path;
         path.setFillRule(state.polygonFillMode == WINDING ? Qt::WindingFill : Qt::OddEvenFill);
         std::size_t begin = 0;
@@ -263,7 +398,8 @@ class ImageDevice::Impl {
             ring.reserve(count);
             for (const CPoint& p : points.subspan(begin, static_cast<std::size_t>(count))) {
                 const CPoint at = state.map.ToDevice(p);
-                ring.append({at.x / static_cast<double>(sub), at.y / static_cast<double>(sub)});
+                ring.append(
+                    {at.x / static_cast<double>(sub) + inset, at.y / static_cast<double>(sub) + inset});
             }
             begin += static_cast<std::size_t>(count);
             path.addPolygon(ClippedTo(ring, near));
@@ -293,7 +429,7 @@ class ImageDevice::Impl {
         if (operation == WHITENESS || operation == BLACKNESS) {
             FillPixels(box, operation == WHITENESS ? 0xFFFFFFFFu : 0xFF000000u);
         } else if (operation == PATCOPY && brush.lbStyle == BS_SOLID) {
-            FillPixels(box, PixelValue(brush.lbColor));
+            FillPixels(box, InkOf(brush));
         } else {
             GraphicsState how = state;
             how.brush = operation == DSTINVERT ? LOGBRUSH{BS_SOLID, RGB(255, 255, 255), 0} : brush;
@@ -314,7 +450,8 @@ class ImageDevice::Impl {
     std::optional<std::uint32_t> blank;  // what all pixels are, as long as nothing was drawn
     ColumnThinner thinner;
     DiscSprites discs;
-    int curves = 0;  // that have begun, one within the other
+    QPainterPath largeDiscs;  // of the figure
+    int curves = 0;           // that have begun, one within the other
     double curveWidth = 0;
     std::uint32_t curveColor = 0;
     QPainter painter;
@@ -325,9 +462,11 @@ class ImageDevice::Impl {
 
 ImageDevice::ImageDevice(int width, int height, double dotsPerInch, double unitsPerInch, Grid grid) {
     EnsureApplication();
-    if (width < 1 || height < 1 || static_cast<std::int64_t>(width) * height > (std::int64_t{1} << 30)) {
+    if (width < 1 || height < 1 || static_cast<std::int64_t>(width) * height > kMostPixels) {
         AfxThrowInvalidArgException(
-            ("Cannot make an image of " + std::to_string(width) + " x " + std::to_string(height) + " pixels.")
+            ("Cannot make an image of " + std::to_string(width) + " x " + std::to_string(height) +
+             " pixels: it would need too much memory. Images have up to " +
+             std::to_string(kMostPixels / 1'000'000) + " million pixels; choose a lower resolution.")
                 .c_str());
     }
     impl_ = std::make_unique<Impl>(width, height, dotsPerInch, unitsPerInch, grid);
@@ -388,7 +527,9 @@ void ImageDevice::Save(const char* path, const char* format, int quality) const 
                                        ending + "\" is none of png, jpg.")
                                           .c_str());
     }
-    QImage image = impl_->image.copy();
+    // The same pixels: a copy of a large image is more than memory may hold.
+    QImage image(reinterpret_cast<uchar*>(impl_->pixels.data()), impl_->width, impl_->height,
+                 impl_->width * 4, QImage::Format_ARGB32_Premultiplied);
     const int dotsPerMetre = static_cast<int>(std::lround(impl_->dotsPerInch / 0.0254));
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
@@ -421,9 +562,9 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
     }
     Impl& impl = *impl_;
     impl.UseClip(state);
-    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    const bool solid = impl.IsSolid(state);
     const double penWidth = impl.PenWidth(state);
-    const std::uint32_t color = PixelValue(state.pen.lopnColor);
+    const std::uint32_t color = InkOf(state.pen);
     if (impl.curves > 0 && solid && state.rasterMode == R2_COPYPEN) {
         impl.AddToCurve(points, count, penWidth, color);
     } else if (state.rasterMode != R2_COPYPEN || !solid) {
@@ -438,8 +579,7 @@ void ImageDevice::Polyline(const GraphicsState& state, const CPoint* points, std
 }
 
 int ImageDevice::CurveColumn(const GraphicsState& state) const {
-    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME ||
-                       state.pen.lopnStyle == PS_NULL;
+    const bool solid = impl_->IsSolid(state) || state.pen.lopnStyle == PS_NULL;
     return solid && state.rasterMode == R2_COPYPEN ? impl_->sub : 0;
 }
 
@@ -497,7 +637,7 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     if (state.brush.lbStyle != BS_NULL && near)
         impl_->PaintShape(state, [&] { impl_->painter.drawEllipse(shape); });
     if (!outlined) return;
-    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    const bool solid = impl_->IsSolid(state);
     if (impl_->sub == 1 && near && solid && state.rasterMode == R2_COPYPEN) {
         const EllipticArc whole{
             shape.center().x() - 0.5, shape.center().y() - 0.5, shape.width() / 2, shape.height() / 2, 0,
@@ -507,14 +647,14 @@ void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     }
     GraphicsState outline = state;
     outline.brush.lbStyle = BS_NULL;
-    GraphicsDevice::Ellipse(outline, rect);
+    BasicDevice::Ellipse(outline, rect);
 }
 
 void ImageDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
     const bool near = std::fabs(arc.cx) + arc.rx < kFarOutside && std::fabs(arc.cy) + arc.ry < kFarOutside;
-    const bool solid = state.pen.lopnStyle == PS_SOLID || state.pen.lopnStyle == PS_INSIDEFRAME;
+    const bool solid = impl_->IsSolid(state);
     if (impl_->sub > 1 || !near || !solid || state.rasterMode != R2_COPYPEN) {
-        GraphicsDevice::StrokeArc(state, arc);
+        BasicDevice::StrokeArc(state, arc);
         return;
     }
     impl_->UseClip(state);
@@ -527,12 +667,20 @@ void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> p
         state.pen.lopnStyle == PS_NULL && state.rasterMode == R2_COPYPEN && state.brush.lbStyle == BS_SOLID;
     CRect units = state.map.ToDevice(box);
     units.NormalizeRect();
-    if (!plain || !impl_->discs.CanDraw(units.Size())) {
-        GraphicsDevice::Ellipses(state, places, box);
+    const std::uint32_t ink = InkOf(state.brush);
+    const bool small = impl_->discs.CanDraw(units.Size());
+    // Large discs that one does not see through are the same one by one.
+    if (!plain || (!small && IsOpaque(ink))) {
+        BasicDevice::Ellipses(state, places, box);
         return;
     }
     impl_->UseClip(state);
-    impl_->BeginDiscs(units.Size(), PixelValue(state.brush.lbColor));
+    if (!small) {
+        for (const CPoint& place : places) impl_->AddLargeDisc(state.map.ToDevice(box + place), ink);
+        if (impl_->curves == 0) impl_->FinishCurve();
+        return;
+    }
+    impl_->BeginDiscs(units.Size(), ink);
     const CSize toCorner = units.TopLeft() - state.map.ToDevice(CPoint(0, 0));
     for (const CPoint& place : places) impl_->discs.Add(impl_->stroker, state.map.ToDevice(place) + toCorner);
     if (impl_->curves == 0) impl_->FinishCurve();

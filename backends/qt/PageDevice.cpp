@@ -3,14 +3,14 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
-#include "backends/qt/RunThinner.h"
+#include "platform/graphics/RunThinner.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace zel::qt {
 namespace {
 
-constexpr double kHairlineInches = 0.18 / 72;
 constexpr double kPixelsPerInch = 96;
 constexpr double kHatchPixels = 8;
 constexpr double kFarOutside = 1e7;
@@ -60,13 +60,22 @@ void PageDevice::Polyline(const GraphicsState& state, const CPoint* points, std:
     for (const CPoint& p : mapped_) line_.append(Near(p));
     FlushTextBelow(line_.boundingRect(), PenWidthOf(state, hairline_));
     UsePen(state);
-    if (mapped_.size() > kShortLine) {
+    // What is described in one piece covers once: lines that one sees through are held only within a figure,
+    // and there until its end.
+    const bool figure = transparency_ != 0 && curves_ > 0;
+    if (mapped_.size() > kShortLine && !figure) {
         FlushLines();
         painter_.drawPolyline(line_);
         return;
     }
     lines_.addPolygon(line_);
-    if (lines_.elementCount() > kMostHeld) FlushLines();
+    if (!figure && (transparency_ != 0 || lines_.elementCount() > kMostHeld)) FlushLines();
+}
+
+void PageDevice::EndCurve() {
+    if (--curves_ > 0) return;
+    if (transparency_ != 0) FlushLines();
+    FlushDiscs();
 }
 
 void PageDevice::Polygons(const GraphicsState& state, std::span<const CPoint> points,
@@ -107,11 +116,38 @@ void PageDevice::FillRect(const GraphicsState& state, const CRect& rect, const L
 void PageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     if (PaintsNothing(state)) return;
     UseClip(state);
+    QPainterPath path;
+    path.addEllipse(EllipseBox(state, rect));
+    Paint(state, path);
+}
+
+QRectF PageDevice::EllipseBox(const GraphicsState& state, const CRect& rect) const {
     CRect box = state.map.ToDevice(rect);
     box.NormalizeRect();
-    QPainterPath path;
-    path.addEllipse(QRectF(box.left, box.top, box.Width() - 1, box.Height() - 1));
-    Paint(state, path);
+    return {static_cast<double>(box.left), static_cast<double>(box.top), box.Width() - 1.0,
+            box.Height() - 1.0};
+}
+
+void PageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
+    const bool plain = state.pen.lopnStyle == PS_NULL && state.brush.lbStyle == BS_SOLID;
+    if (!plain || state.brush.lbTransparency == 0 || PaintsNothing(state)) {
+        BasicDevice::Ellipses(state, places, box);
+        return;
+    }
+    UseClip(state);
+    const bool goesOn = !discs_.isEmpty() && discState_.brush.lbColor == state.brush.lbColor &&
+                        discState_.brush.lbTransparency == state.brush.lbTransparency;
+    if (!goesOn) FlushDiscs();
+    discState_ = state;
+    discs_.setFillRule(Qt::WindingFill);
+    for (const CPoint& place : places) discs_.addEllipse(EllipseBox(state, box + place));
+    if (curves_ == 0) FlushDiscs();
+}
+
+void PageDevice::FlushDiscs() {
+    if (discs_.isEmpty()) return;
+    const QPainterPath path = std::exchange(discs_, {});
+    Paint(discState_, path);
 }
 
 void PageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
@@ -142,6 +178,7 @@ void PageDevice::FillPage() {
 
 void PageDevice::UseClip(const GraphicsState& state) {
     if (clipSet_ && clip_ == state.clip) return;
+    FlushDiscs();
     FlushText();
     clip_ = state.clip;
     clipSet_ = true;
@@ -159,13 +196,17 @@ void PageDevice::UseClip(const GraphicsState& state) {
 void PageDevice::UsePen(const GraphicsState& state) {
     const double width = PenWidthOf(state, hairline_);
     const COLORREF color = InkOf(state, state.pen.lopnColor);
-    if (penSet_ && width == width_ && color == color_ && state.pen.lopnStyle == style_) return;
+    const BYTE transparency = state.pen.lopnTransparency;
+    if (penSet_ && width == width_ && color == color_ && transparency == transparency_ &&
+        state.pen.lopnStyle == style_)
+        return;
     FlushLines();
     width_ = width;
     color_ = color;
+    transparency_ = transparency;
     style_ = state.pen.lopnStyle;
     penSet_ = true;
-    QPen pen(ColorOf(color_), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    QPen pen(ColorOf(color_, transparency_), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     QList<qreal> pattern;  // in widths of the pen
     for (const double length : DashesOf(state, width, pixel_)) pattern.append(length * pixel_ / width);
     if (!pattern.isEmpty()) {
@@ -195,7 +236,8 @@ void PageDevice::FlushTextBelow(const QRectF& shape, double reach) {
 void PageDevice::Paint(const GraphicsState& state, const QPainterPath& path) {
     FlushLines();
     FlushTextBelow(path.boundingRect(), PenWidthOf(state, hairline_));
-    if (state.brush.lbStyle == BS_SOLID) painter_.fillPath(path, ColorOf(InkOf(state, state.brush.lbColor)));
+    if (state.brush.lbStyle == BS_SOLID)
+        painter_.fillPath(path, ColorOf(InkOf(state, state.brush.lbColor), state.brush.lbTransparency));
     if (state.brush.lbStyle == BS_HATCHED) DrawHatch(state, path);
     if (state.pen.lopnStyle == PS_NULL) return;
     UsePen(state);
@@ -204,9 +246,10 @@ void PageDevice::Paint(const GraphicsState& state, const QPainterPath& path) {
 
 void PageDevice::DrawHatch(const GraphicsState& state, const QPainterPath& path) {
     painter_.save();
-    if (state.backgroundMode == OPAQUE) painter_.fillPath(path, ColorOf(state.backgroundColor));
+    if (state.backgroundMode == OPAQUE)
+        painter_.fillPath(path, ColorOf(state.backgroundColor, state.brush.lbTransparency));
     painter_.setClipPath(path, Qt::IntersectClip);
-    painter_.setPen(QPen(ColorOf(state.brush.lbColor), hairline_ * 4));
+    painter_.setPen(QPen(ColorOf(state.brush.lbColor, state.brush.lbTransparency), hairline_ * 4));
     for (const QLineF& line : HatchLines(state.brush.lbHatch, path.boundingRect(), kHatchPixels * pixel_))
         painter_.drawLine(line);
     painter_.restore();

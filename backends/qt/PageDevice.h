@@ -26,6 +26,9 @@ class PageDevice : public MeasuringDevice {
     void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                   DWORD operation) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
+    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void BeginCurve() override { ++curves_; }
+    void EndCurve() override;
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
 
   protected:
@@ -45,6 +48,8 @@ class PageDevice : public MeasuringDevice {
     void UsePen(const GraphicsState& state);
     void Paint(const GraphicsState& state, const QPainterPath& path);
     void FlushLines();
+    void FlushDiscs();
+    QRectF EllipseBox(const GraphicsState& state, const CRect& rect) const;
     void FlushText();
     void FlushTextBelow(const QRectF& shape, double reach);
     void DrawHatch(const GraphicsState& state, const QPainterPath& path);
@@ -66,7 +71,12 @@ class PageDevice : public MeasuringDevice {
     bool penSet_ = false;
     double width_ = 0;
     COLORREF color_ = 0;
+    BYTE transparency_ = 0;
     UINT style_ = 0;
+    int curves_ = 0;  // that have begun, one within the other
+    // The discs of a figure that one sees through: described in one piece they cover once.
+    QPainterPath discs_;
+    GraphicsState discState_;
 };
 
 }  // namespace zel::qt

@@ -7,6 +7,10 @@
 
 namespace zel::qt {
 
+// A line of width 0 on outputs of vectors: half a pixel of a screen, which printers and coarse pictures still
+// show.
+inline constexpr double kHairlineInches = 0.5 / 96;
+
 // Painted and bare lengths of a dashed pen of the platform in pixels of a screen, in turn; empty for a solid
 // one.
 std::span<const double> DashLengths(UINT style);

@@ -195,6 +195,18 @@ void Stroker::AddRows(int x, int y, const std::uint64_t* coverage, int rows) {
     bottom_ = std::max(bottom_, last);
 }
 
+void Stroker::AddBox(const CRect& box) {
+    CRect seen;
+    if (!seen.IntersectRect(box, CRect(0, 0, width_, height_))) return;
+    for (int y = seen.top; y < seen.bottom; ++y) {
+        std::memset(mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_ + seen.left, 0xFF,
+                    static_cast<std::size_t>(seen.Width()));
+        Touch(y, seen.left, seen.right - 1);
+    }
+    top_ = std::min<int>(top_, seen.top);
+    bottom_ = std::max<int>(bottom_, seen.bottom - 1);
+}
+
 // Walks along the longer axis (y when steep). "Major" is along it, "minor" across.
 template <bool kSteep>
 void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
@@ -270,6 +282,8 @@ std::uint32_t Mix(std::uint32_t a, std::uint32_t b, std::uint32_t alpha) {
 // Only what holds coverage is looked at, eight pixels at once: between the strands of a curve there is none.
 void Stroker::BlendRow(const PixelBuffer& target, std::uint32_t color, int y, int begin, int end) {
     if (begin >= end) return;
+    const std::uint32_t opacity = color >> 24;
+    color |= 0xFF000000u;
     const std::uint8_t* mask = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_;
     std::uint32_t* pixels = target.pixels + static_cast<std::ptrdiff_t>(y) * width_;
     const std::uint64_t* used = Used(y);
@@ -282,13 +296,14 @@ void Stroker::BlendRow(const PixelBuffer& target, std::uint32_t color, int y, in
             if constexpr (std::endian::native == std::endian::big) eight = __builtin_bswap64(eight);
             if (x0 < begin) eight &= x0 + kWord > begin ? ~std::uint64_t{0} << 8 * (begin - x0) : 0;
             if (x0 + kWord > end) eight &= x0 < end ? ~std::uint64_t{0} >> 8 * (x0 + kWord - end) : 0;
-            if (eight == ~std::uint64_t{0}) {
+            if (eight == ~std::uint64_t{0} && opacity == 255) {
                 std::fill_n(pixels + x0, kWord, color);
                 continue;
             }
             while (eight != 0) {
                 const int byte = std::countr_zero(eight) / 8;
-                const auto alpha = static_cast<std::uint32_t>(eight >> 8 * byte & 0xFF);
+                const auto coverage = static_cast<std::uint32_t>(eight >> 8 * byte & 0xFF);
+                const std::uint32_t alpha = opacity == 255 ? coverage : (coverage * opacity + 127) / 255;
                 std::uint32_t& pixel = pixels[x0 + byte];
                 pixel = alpha == 255 ? color : Mix(color, pixel, alpha);
                 eight &= ~(std::uint64_t{0xFF} << 8 * byte);

@@ -35,7 +35,10 @@ class Stroker {
     // Adds coverage given as `rows` rows of eight bytes, the first at the pixel (x, y). What lies outside the
     // buffer is left out.
     void AddRows(int x, int y, const std::uint64_t* coverage, int rows);
-    // Blends the mask into the buffer within `clips` (pixels), and clears it.
+    // Covers a box of whole pixels.
+    void AddBox(const CRect& box);
+    // Blends a colour, 0xAARRGGBB and not premultiplied, into the buffer through the mask within `clips`
+    // (pixels), and clears the mask.
     void Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips);
 
   private:

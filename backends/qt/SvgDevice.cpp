@@ -4,7 +4,8 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
-#include "backends/qt/RunThinner.h"
+#include "platform/graphics/ComplexText.h"
+#include "platform/graphics/RunThinner.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
@@ -19,7 +20,7 @@ namespace {
 
 constexpr int kResolution = kSvgUnitsPerInch;
 constexpr double kPixel = kResolution / 96.0;  // of a screen
-constexpr double kHairline = 0.5 * kPixel;
+constexpr double kHairline = kHairlineInches * kResolution;
 constexpr double kHatchSpacing = 8 * kPixel;
 
 QString Number(double value) {
@@ -28,6 +29,10 @@ QString Number(double value) {
 
 QString HexColor(COLORREF color) {
     return QString::asprintf("#%02x%02x%02x", GetRValue(color), GetGValue(color), GetBValue(color));
+}
+
+QString Opacity(BYTE transparency) {
+    return QString::number(std::round((255 - transparency) / 255.0 * 1000) / 1000);
 }
 
 // One picture as Scalable Vector Graphics 1.1: an element for each primitive, text as text.
@@ -51,6 +56,8 @@ class SvgDevice : public MeasuringDevice {
         xml_.writeAttribute("viewBox", "0 0 " + width + " " + height);
         xml_.writeAttribute("stroke-linecap", "round");
         xml_.writeAttribute("stroke-linejoin", "round");
+        // Widths are those of the characters, as everywhere else.
+        xml_.writeAttribute("style", "font-kerning:none");
         if (!options.title.empty()) xml_.writeTextElement("title", QString::fromStdString(options.title));
         if (!options.opaqueBackground) return;
         xml_.writeEmptyElement("rect");
@@ -65,6 +72,7 @@ class SvgDevice : public MeasuringDevice {
     }
 
     void Finish() override {
+        EndFigure();
         EndClip();
         xml_.writeEndDocument();
         sink_.Check();
@@ -80,6 +88,7 @@ class SvgDevice : public MeasuringDevice {
         mapped_.clear();
         for (std::size_t i = 0; i < count; ++i) mapped_.push_back(state.map.ToDevice(points[i]));
         if (!options_.keepAllPoints && DashesOf(state, 0, kPixel).empty()) ThinRuns(mapped_);
+        UseFigure(state.pen.lopnTransparency);
         xml_.writeEmptyElement("polyline");
         xml_.writeAttribute("points", PointsText(mapped_));
         xml_.writeAttribute("fill", "none");
@@ -96,6 +105,7 @@ class SvgDevice : public MeasuringDevice {
             path += "M" + PointsText(state, points.subspan(begin, static_cast<std::size_t>(count))) + "z";
             begin += static_cast<std::size_t>(count);
         }
+        EndFigure();
         const QString fill = InkFillOf(state);
         xml_.writeEmptyElement("path");
         xml_.writeAttribute("d", path);
@@ -113,9 +123,11 @@ class SvgDevice : public MeasuringDevice {
         const QString fill = operation == WHITENESS   ? QString("#ffffff")
                              : operation == BLACKNESS ? QString("#000000")
                                                       : FillOf(state, brush);
+        EndFigure();
         xml_.writeEmptyElement("rect");
         WriteBox(box);
         xml_.writeAttribute("fill", fill);
+        if (operation == PATCOPY) WriteOpacity("fill-opacity", brush.lbTransparency);
     }
 
     void Ellipse(const GraphicsState& state, const CRect& rect) override {
@@ -123,6 +135,8 @@ class SvgDevice : public MeasuringDevice {
         UseClip(state);
         CRect box = state.map.ToDevice(rect);
         box.NormalizeRect();
+        const bool plain = state.pen.lopnStyle == PS_NULL && state.brush.lbStyle == BS_SOLID;
+        UseFigure(plain ? state.brush.lbTransparency : BYTE{0});
         const QString fill = InkFillOf(state);
         xml_.writeEmptyElement("ellipse");
         xml_.writeAttribute("cx", Number(box.left + (box.Width() - 1) / 2.0));
@@ -132,11 +146,27 @@ class SvgDevice : public MeasuringDevice {
         WriteShape(state, fill);
     }
 
+    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override {
+        BeginCurve();
+        BasicDevice::Ellipses(state, places, box);
+        EndCurve();
+    }
+
+    void BeginCurve() override { ++curves_; }
+    void EndCurve() override {
+        if (--curves_ == 0) EndFigure();
+    }
+
     // Characters that follow one another along the line are one text element, placed by its first.
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override {
         UseClip(state);
+        EndFigure();
         const double tolerance = std::max(2.0, EmHeight(state) * 0.02);
         const double angle = state.font.lfEscapement / 10.0 * M_PI / 180;
+        if (const std::string whole = WholeOf(spans); !FaceOf(state.font).IsPlain(whole)) {
+            WriteText(state, whole, state.map.ToDevice(spans[0].at), WidthOf(state, whole));
+            return;
+        }
         std::size_t begin = 0;
         while (begin < spans.size()) {
             std::string text(spans[begin].text);
@@ -148,7 +178,7 @@ class SvgDevice : public MeasuringDevice {
                 const double x = start.x + width * std::cos(angle), y = start.y - width * std::sin(angle);
                 if (std::hypot(at.x - x, at.y - y) > tolerance) break;
                 text += spans[next].text;
-                width = WidthOf(state, text);
+                width += WidthOf(state, spans[next].text);
             }
             WriteText(state, text, start, width);
             begin = next;
@@ -182,6 +212,7 @@ class SvgDevice : public MeasuringDevice {
         const double width = PenWidthOf(state, kHairline);
         xml_.writeAttribute("stroke", HexColor(InkOf(state, state.pen.lopnColor)));
         xml_.writeAttribute("stroke-width", Number(width));
+        WriteOpacity("stroke-opacity", state.pen.lopnTransparency);
         QStringList dashes;
         for (const double length : DashesOf(state, width, kPixel)) dashes << Number(length * kPixel);
         if (dashes.isEmpty()) return;
@@ -191,6 +222,7 @@ class SvgDevice : public MeasuringDevice {
 
     void WriteShape(const GraphicsState& state, const QString& fill) {
         xml_.writeAttribute("fill", fill);
+        WriteOpacity("fill-opacity", state.brush.lbTransparency);
         if (state.pen.lopnStyle != PS_NULL) WriteStroke(state);
     }
 
@@ -235,6 +267,7 @@ class SvgDevice : public MeasuringDevice {
     // What is clipped stands in a group with a clip path.
     void UseClip(const GraphicsState& state) {
         if (clip_ == state.clip) return;
+        EndFigure();
         EndClip();
         clip_ = state.clip;
         if (!clip_) return;
@@ -250,6 +283,27 @@ class SvgDevice : public MeasuringDevice {
         xml_.writeAttribute("clip-path", "url(#" + id + ")");
     }
 
+    // What one sees through in a figure stands in a group that is mixed with the picture as a whole.
+    void UseFigure(BYTE transparency) {
+        const BYTE wanted = curves_ > 0 ? transparency : BYTE{0};
+        if (figure_ == wanted) return;
+        EndFigure();
+        figure_ = wanted;
+        if (figure_ == 0) return;
+        xml_.writeStartElement("g");
+        xml_.writeAttribute("opacity", Opacity(figure_));
+    }
+
+    void EndFigure() {
+        if (figure_ != 0) xml_.writeEndElement();
+        figure_ = 0;
+    }
+
+    // Within the group of a figure all is opaque.
+    void WriteOpacity(const char* name, BYTE transparency) {
+        if (transparency != figure_) xml_.writeAttribute(name, Opacity(transparency));
+    }
+
     void EndClip() {
         if (clip_) xml_.writeEndElement();
         clip_.reset();
@@ -259,14 +313,20 @@ class SvgDevice : public MeasuringDevice {
         // Spaces of a label are kept, and nothing but spaces draws nothing.
         if (text.find_first_not_of(' ') == std::string::npos) return;
         const BaselineOffset offset = OffsetOf(state, width);
+        const bool fromTheRight = IsRightToLeft(text);
         const double em = EmHeight(state);
         const QString x = Number(at.x), y = Number(at.y);
         xml_.writeStartElement("text");
-        xml_.writeAttribute("x", Number(at.x + offset.x));
+        xml_.writeAttribute("x", Number(at.x + offset.x + (fromTheRight ? width : 0)));
         xml_.writeAttribute("y", Number(at.y + offset.y));
         if (state.font.lfEscapement % 3600 != 0) {
             xml_.writeAttribute(
                 "transform", "rotate(" + Number(-state.font.lfEscapement / 10.0) + " " + x + " " + y + ")");
+        }
+        // What is read from the right begins at its right end.
+        if (fromTheRight) {
+            xml_.writeAttribute("direction", "rtl");
+            xml_.writeAttribute("unicode-bidi", "embed");
         }
         const QString face = QString::fromUtf8(state.font.lfFaceName);
         xml_.writeAttribute("font-family",
@@ -278,9 +338,11 @@ class SvgDevice : public MeasuringDevice {
             xml_.writeAttribute("text-decoration", state.font.lfUnderline ? "underline" : "line-through");
         }
         xml_.writeAttribute("fill", HexColor(state.textColor));
-        xml_.writeAttribute("textLength", Number(width));
+        WriteOpacity("fill-opacity", state.textTransparency);
+        // Readers part joined letters to reach a length.
+        if (!IsComplexText(text)) xml_.writeAttribute("textLength", Number(width));
         xml_.writeAttribute("xml:space", "preserve");
-        xml_.writeCharacters(QString::fromStdString(text));
+        xml_.writeCharacters(QString::fromStdString(Writable(FaceOf(state.font).Font(), text)));
         xml_.writeEndElement();
     }
 
@@ -292,6 +354,8 @@ class SvgDevice : public MeasuringDevice {
     std::vector<CPoint> mapped_;
     std::shared_ptr<const Region> clip_;
     int lastId_ = 0;
+    int curves_ = 0;   // that have begun, one within the other
+    BYTE figure_ = 0;  // transparency of the group that is open; 0 when there is none
 };
 
 }  // namespace

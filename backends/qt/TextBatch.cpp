@@ -1,5 +1,7 @@
 #include "backends/qt/TextBatch.h"
 
+#include "platform/graphics/ComplexText.h"
+
 #include <algorithm>
 
 namespace zel::qt {
@@ -14,18 +16,13 @@ bool TextBatch::CanHold(const GraphicsState& state, std::span<const TextSpan> sp
     if (state.font.lfEscapement != 0 || state.font.lfUnderline || state.font.lfStrikeOut ||
         state.backgroundMode == OPAQUE)
         return false;
-    Face& face = FaceOf(state.font);
-    return std::all_of(spans.begin(), spans.end(), [&](const TextSpan& span) {
-        for (std::size_t i = 0; i < span.text.size();) {
-            if (face.GlyphOf(NextCodePoint(span.text, i)).index == 0) return false;
-        }
-        return true;
-    });
+    return FaceOf(state.font).IsPlain(WholeOf(spans));
 }
 
 bool TextBatch::Matches(const GraphicsState& state) const {
-    return IsEmpty() || (boxes_.size() < kMost && color_ == state.textColor && face_ == &FaceOf(state.font) &&
-                         em_ == EmHeight(state));
+    return IsEmpty() ||
+           (boxes_.size() < kMost && color_ == state.textColor && transparency_ == state.textTransparency &&
+            face_ == &FaceOf(state.font) && em_ == EmHeight(state));
 }
 
 void TextBatch::Add(const GraphicsState& state, std::span<const TextSpan> spans) {
@@ -37,6 +34,7 @@ void TextBatch::Add(const GraphicsState& state, std::span<const TextSpan> spans)
         face_ = &face;
         em_ = em;
         color_ = state.textColor;
+        transparency_ = state.textTransparency;
     }
     line_->Break();
     Box box{1e30, 1e30, -1e30, -1e30};
@@ -45,7 +43,7 @@ void TextBatch::Add(const GraphicsState& state, std::span<const TextSpan> spans)
         const BaselineOffset offset = OffsetOf(state, width);
         const CPoint at = state.map.ToDevice(span.at);
         const QPointF baseline(at.x + offset.x, at.y + offset.y);
-        line_->Add(span.text, baseline, [](std::string_view, const QPointF&) {});
+        line_->Add(span.text, baseline);
         box = {std::min(box.left, baseline.x()), std::min(box.top, baseline.y() - face.Ascent() * em),
                std::max(box.right, baseline.x() + width),
                std::max(box.bottom, baseline.y() + face.Descent() * em)};
@@ -63,7 +61,7 @@ bool TextBatch::Touches(const QRectF& area) const {
 
 void TextBatch::Draw(QPainter& painter) {
     if (!line_) return;
-    line_->Draw(painter, ColorOf(color_));
+    line_->Draw(painter, ColorOf(color_, transparency_));
     line_.reset();
     boxes_.clear();
 }

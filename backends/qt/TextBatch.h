@@ -14,7 +14,7 @@ namespace zel::qt {
 class TextBatch {
   public:
     // Whether texts with these settings can be held at all: turned, decorated and opaque ones cannot, nor
-    // characters that the face does not have.
+    // those that are not plain (Face::IsPlain).
     static bool CanHold(const GraphicsState& state, std::span<const TextSpan> spans);
     // Whether they go with what is held already.
     bool Matches(const GraphicsState& state) const;
@@ -34,6 +34,7 @@ class TextBatch {
     const Face* face_ = nullptr;
     double em_ = 0;
     COLORREF color_ = 0;
+    BYTE transparency_ = 0;
 };
 
 }  // namespace zel::qt

@@ -23,6 +23,7 @@ class Connection : public DatabaseConnection {
     void Describe(ColumnInfo& column) override;
     bool CanUpdate() const override;
     void SetQueryTimeout(int seconds) override;
+    void Cancel() override { sqlite3_interrupt(database_.get()); }
     std::string TypeName(short type) const override;
 
     sqlite3* Handle() const { return database_.get(); }

@@ -16,7 +16,7 @@ constexpr double kFirstOf1970 = 25569;           // days after 30 December 1899
 constexpr double kJulianOfFirstDay = 2415018.5;  // the Julian day of 30 December 1899
 constexpr double kSecondsPerDay = 86400;
 constexpr std::int64_t kExactInDouble = std::int64_t{1} << 53;
-constexpr double kMoneyUnits = 10000;
+constexpr std::int64_t kMoneyUnits = 10000;
 
 // By the part of a declaration that decides, in the order in which they are looked for.
 struct Declared {
@@ -52,15 +52,15 @@ void ReadInteger(sqlite3_int64 stored, short type, COleVariant& value) {
             value = COleVariant(static_cast<short>(stored));
             return;
         case dbDouble:
-            if (std::max(stored, -stored) > kExactInDouble) break;
+            if (stored > kExactInDouble || stored < -kExactInDouble) break;
             value.SetDouble(static_cast<double>(stored));
             return;
         case dbSingle:
             value = COleVariant(static_cast<float>(stored));
             return;
         case dbCurrency:
-            if (std::max(stored, -stored) > INT64_MAX / 10000) break;
-            value = COleVariant(CY{stored * 10000});
+            if (stored > INT64_MAX / kMoneyUnits || stored < INT64_MIN / kMoneyUnits) break;
+            value = COleVariant(CY{stored * kMoneyUnits});
             return;
         case dbBigInt:
             value = COleVariant(static_cast<std::int64_t>(stored));
@@ -81,8 +81,8 @@ void ReadReal(double stored, short type, COleVariant& value) {
             value = COleVariant(static_cast<float>(stored));
             return;
         case dbCurrency:
-            if (!(std::fabs(stored * kMoneyUnits) < 9e18)) break;
-            value = COleVariant(CY{std::llround(stored * kMoneyUnits)});
+            if (!(std::fabs(stored * double{kMoneyUnits}) < 9e18)) break;
+            value = COleVariant(CY{std::llround(stored * double{kMoneyUnits})});
             return;
         case dbDate:
             value = COleVariant(COleDateTime::FromDays(stored - kJulianOfFirstDay));
@@ -226,7 +226,7 @@ int BindValue(sqlite3_stmt* statement, int index, const COleVariant& value) {
             return sqlite3_bind_double(statement, index, value.dblVal);
         case VT_CY:
             return sqlite3_bind_double(statement, index,
-                                       static_cast<double>(value.cyVal.int64) / kMoneyUnits);
+                                       static_cast<double>(value.cyVal.int64) / double{kMoneyUnits});
         case VT_DATE:
             return BindText(statement, index, DateText(value.date));
         case VT_BSTR:

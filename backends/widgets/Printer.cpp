@@ -51,6 +51,23 @@ class PrinterDevice : public qt::PageDevice {
         }
     }
 
+    // The origin is the corner of what can be printed on, which lies within the paper.
+    int Caps(int index) const override {
+        const QRectF paper = printer_.paperRect(QPrinter::DevicePixel);
+        const QRectF page = printer_.pageRect(QPrinter::DevicePixel);
+        switch (index) {
+            case PHYSICALWIDTH:
+                return static_cast<int>(std::lround(paper.width()));
+            case PHYSICALHEIGHT:
+                return static_cast<int>(std::lround(paper.height()));
+            case PHYSICALOFFSETX:
+                return static_cast<int>(std::lround(page.left() - paper.left()));
+            case PHYSICALOFFSETY:
+                return static_cast<int>(std::lround(page.top() - paper.top()));
+            default:
+                return PageDevice::Caps(index);
+        }
+    }
     void Finish() override {
         PageDevice::Finish();
         finished_ = true;

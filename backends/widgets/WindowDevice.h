@@ -1,6 +1,7 @@
 // The surface of a window.
 #pragma once
 
+#include <zel/platform/ForwardingDevice.h>
 #include <zel/qt/ImageDevice.h>
 
 #include <functional>
@@ -10,7 +11,7 @@ namespace zel::widgets {
 
 // A picture in whole pixels that stays when the window is resized or moved, so that contexts on it stay good,
 // and that says what was drawn.
-class WindowDevice : public GraphicsDevice {
+class WindowDevice : public ForwardingDevice<GraphicsDevice> {
   public:
     // `changed` is told the box of each thing drawn, device pixels.
     explicit WindowDevice(std::function<void(const CRect&)> changed) : changed_(std::move(changed)) {}
@@ -20,32 +21,11 @@ class WindowDevice : public GraphicsDevice {
     qt::ImageDevice& Image() { return *image_; }
     CSize Size() const { return {image_->Width(), image_->Height()}; }
 
-    int Caps(int index) const override { return image_->Caps(index); }
-    void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
-    void Polygons(const GraphicsState& state, std::span<const CPoint> points,
-                  std::span<const int> counts) override;
-    void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
-                  DWORD operation) override;
-    void Ellipse(const GraphicsState& state, const CRect& rect) override;
-    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
-    void StrokeArc(const GraphicsState& state, const EllipticArc& arc) override;
-    int CurveColumn(const GraphicsState& state) const override { return image_->CurveColumn(state); }
-    void BeginCurve() override { image_->BeginCurve(); }
-    void EndCurve() override { image_->EndCurve(); }
-    void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
-    CSize TextExtent(const GraphicsState& state, std::string_view text) override {
-        return image_->TextExtent(state, text);
-    }
-    std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
-                                   std::span<const std::size_t> ends) override {
-        return image_->PrefixExtents(state, text, ends);
-    }
-    TEXTMETRIC TextMetrics(const GraphicsState& state) override { return image_->TextMetrics(state); }
-    COLORREF GetPixel(const CPoint& devicePoint) override { return image_->GetPixel(devicePoint); }
+  protected:
+    GraphicsDevice& Target() const override { return *image_; }
+    void Drawn(const GraphicsState& state, std::span<const CPoint> points) override;
 
   private:
-    void Changed(const GraphicsState& state, std::span<const CPoint> points);
-
     std::function<void(const CRect&)> changed_;
     std::unique_ptr<qt::ImageDevice> image_ =
         std::make_unique<qt::ImageDevice>(1, 1, 96, 0, qt::ImageDevice::Grid::PIXELS);

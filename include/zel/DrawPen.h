@@ -127,6 +127,9 @@ class DrawPen : public DrawTool {
     bool DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
                    std::size_t n);
 
+    // As Clip, to the limits of a frame by its rules.
+    static bool ClipToFrame(const WorldFrame& frame, double& x1, double& y1, double& x2, double& y2);
+
     struct WorldPoint {
         double x = 0;
         double y = 0;

@@ -17,7 +17,8 @@ class Zel2;
 //
 // A symbol holds the data of its colour, pen and font, not the tools: on first use in a drawing it registers
 // them in that drawing's tables under names derived from its own ("<name> - Background", " - Border Line", "
-// - Symbol Text"), unless tools of those names are there, and remembers their indexes.
+// - Symbol Text"), unless tools of those names are there, and remembers their indexes. The tools that it
+// registers get its opacity.
 class DrawSymbol : public DrawTool {
     DECLARE_SERIAL(DrawSymbol)
   public:
@@ -70,8 +71,8 @@ class DrawSymbol : public DrawTool {
     void PlotOn(Zel2* obj, std::span<const CPoint> points);
     // Draws at a point of the graph that `obj` stands in, if the graph's range contains it (limits included).
     void PlotOn(Zel2* obj, double x, double y);
-    // Takes over shape, size, label, colours, border and face, not the name or the pen width. The tools are
-    // looked up again.
+    // Takes over shape, size, label, colours, opacity, border and face, not the name or the pen width. The
+    // tools are looked up again.
     void CopyFrom(const DrawSymbol* other);
 
   private:
@@ -85,6 +86,7 @@ class DrawSymbol : public DrawTool {
         DrawFont* font;
     };
 
+    void GiveOpacity(DrawTool* registered) const;
     CRect RectAround(Zel2* obj, const CPoint& pt);
     std::vector<CPoint> Outline(const CRect& box) const;
     void DrawShape(const Tools& tools, const CRect& box) const;

@@ -45,6 +45,11 @@ class DrawTool : public CObject {
     void Name(const char* name) { SetName(name); }
     CString GetName() const { return name_; }
     void SetName(const char* name);
+    // How much the tool's ink covers, from 0 to 1, opaque; other values are brought within, and what is no
+    // number is opaque. Documents keep it, classic archives do not. A tool that is open goes on with it.
+    // Metafiles, which know opaque ink only, show it as on white paper.
+    double Opacity() const { return opacity_; }
+    void Opacity(double opacity);
     // The name without a copy.
     const CString& NameRef() const { return name_; }
 
@@ -54,7 +59,12 @@ class DrawTool : public CObject {
     bool Printing() const { return printer_ != 0; }
     void StoreScale(int scale) { scale_ = scale; }
     int OutputScale() const { return scale_; }
-    // Copies name, printer flag and scale; the own context stays.
+    // The opacity as devices take it, 0 to 255.
+    BYTE InkOpacity() const { return static_cast<BYTE>(opacity_ * 255 + 0.5); }
+    // The field of the opacity in documents; loading from where there is none makes the tool opaque.
+    void ExchangeOpacity(CArchive& ar);
+    void CopyOpacity(const DrawTool& other) { opacity_ = other.opacity_; }
+    // Copies name, printer flag, opacity and scale; the own context stays.
     void CopyBase(const DrawTool& other);
 
     // Stores or loads the name.
@@ -69,6 +79,7 @@ class DrawTool : public CObject {
     DrawToolTable* table_ = nullptr;  // which finds the tool by its name
     CDC* dc_ = nullptr;
     int scale_ = 0;
+    double opacity_ = 1;
 };
 
 // The tools of one kind in a drawing, found by index (dense from 0, never changing once given) or by name.

@@ -27,7 +27,6 @@ class Zel2PointRing : public Zel2PointSet {
     double X(long i) override { return xs_[Place(i)]; }
     double Y(long i) override { return ys_[Place(i)]; }
 
-  protected:
     std::vector<zel::SeriesStretch> Stretches() override;
 
   private:

@@ -93,9 +93,8 @@ class Zel2PointSet : public Zel2 {
     virtual std::vector<double>* GetXVec();
     virtual std::vector<double>* GetYVec();
 
-  protected:
     // The points as they lie in memory, in their order, until the set changes; none for a set that knows its
-    // points only one by one. The default answers what GetXVec and GetYVec do, without an index.
+    // points only one by one. The default returns what GetXVec and GetYVec do, without an index.
     virtual std::vector<zel::SeriesStretch> Stretches();
 
   private:
@@ -158,7 +157,6 @@ class Zel2PointArray : public Zel2PointSet {
     // Tells that the host has written through the pointers of GetXVec or GetYVec and is done with it.
     void PointsChanged();
 
-  protected:
     std::vector<zel::SeriesStretch> Stretches() override;
 
   private:

@@ -33,7 +33,6 @@ class Zel2PointView : public Zel2PointSet {
     double X(long i) override { return x_.At(static_cast<std::size_t>(i)); }
     double Y(long i) override { return y_.At(static_cast<std::size_t>(i)); }
 
-  protected:
     std::vector<zel::SeriesStretch> Stretches() override;
 
   private:

@@ -4,6 +4,8 @@
 #include <zel/Zel2.h>
 #include <zel/platform/Collections.h>
 
+#include <memory>
+
 // An ordered list of child objects, drawn in list order: a later child lies over an earlier one. The set owns
 // every child that is in it and deletes it with itself. A slot may be empty: removing by index keeps the
 // other indexes.
@@ -28,6 +30,13 @@ class Zel2Set : public Zel2 {
     // Appends `child` (null takes an empty slot), takes ownership, makes the set its parent; answers the
     // index.
     virtual int Add(Zel2* child);
+    // The same for an object of which the type is known; returns it.
+    template <class Object>
+    Object* Add(std::unique_ptr<Object> child) {
+        Object* const added = child.get();
+        Add(static_cast<Zel2*>(child.release()));
+        return added;
+    }
     // Removes and deletes `child`; nothing happens when it is not in the set.
     virtual void Del(Zel2* child);
     // Empties slot `i` and hands its child back undeleted, its parent link unchanged; null when out of range.

@@ -10,7 +10,7 @@
 
 namespace zel {
 
-inline constexpr int kDocumentVersion = 1;
+inline constexpr int kDocumentVersion = 2;
 
 // Writes `drawing` as a document (.zel): a header with magic number, format version, rule set, length and
 // checksums, then the drawing in the archive's complete dialect. The file is written beside `path`, flushed

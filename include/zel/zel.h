@@ -1,17 +1,24 @@
 // The whole library.
 #pragma once
 
+#include <zel/ChartAxis.h>
+#include <zel/ChartLayers.h>
+#include <zel/ChartOptions.h>
+#include <zel/Column.h>
 #include <zel/DBField.h>
 #include <zel/DrawColor.h>
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
+#include <zel/Error.h>
 #include <zel/Mapping.h>
+#include <zel/Scale.h>
 #include <zel/ToolDialogs.h>
 #include <zel/ToolEditors.h>
 #include <zel/XColorDialog.h>
 #include <zel/Zel2.h>
 #include <zel/Zel2Axis.h>
+#include <zel/Zel2Chart.h>
 #include <zel/Zel2Column.h>
 #include <zel/Zel2CoordSys.h>
 #include <zel/Zel2DaoPointSet.h>
@@ -19,6 +26,7 @@
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2GraphTable.h>
 #include <zel/Zel2HAxis.h>
+#include <zel/Zel2Layer.h>
 #include <zel/Zel2Main.h>
 #include <zel/Zel2PointRing.h>
 #include <zel/Zel2PointSet.h>

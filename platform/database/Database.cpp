@@ -30,6 +30,7 @@ void CDaoDatabase::Connect(const char* name, const char* connect, bool exclusive
     address.create = create;
     address.loginTimeout = loginTimeout_;
     address.queryTimeout = queryTimeout_;
+    address.silenceLimit = silenceLimit_;
     connection_ = zel::Connect(address);
     name_ = address.name;
     connect_ = address.connect;
@@ -58,6 +59,15 @@ CString CDaoDatabase::GetConnect() const {
 void CDaoDatabase::SetQueryTimeout(short seconds) {
     queryTimeout_ = std::max<short>(seconds, 0);
     if (connection_) connection_->SetQueryTimeout(queryTimeout_);
+}
+
+void CDaoDatabase::SetSilenceLimit(short seconds) {
+    silenceLimit_ = std::max<short>(seconds, 0);
+    if (connection_) connection_->SetSilenceLimit(silenceLimit_);
+}
+
+void CDaoDatabase::Cancel() {
+    if (connection_) connection_->Cancel();
 }
 
 void CDaoDatabase::Run(const char* sql, std::span<const COleVariant> values) {

@@ -68,6 +68,9 @@ std::size_t DatabaseCursor::ReadNumbers(int, int, std::vector<double>&, std::vec
     return 0;
 }
 
+void DatabaseConnection::SetSilenceLimit(int) {}
+void DatabaseConnection::Cancel() {}
+
 std::string DatabaseConnection::Quoted(const std::string& name) const {
     std::string quoted = "\"";
     for (const char c : name) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
@@ -93,7 +96,13 @@ std::string BracedForConnect(const std::string& value) {
 }
 
 std::string DatabaseAddress::Shown() const {
-    return "\"" + (name.empty() ? WithoutPasswords(connect) : name) + "\"";
+    // A connection string may have been given for a name.
+    const bool harmless = name.find('=') == std::string::npos || !NamesPassword(name);
+    return "\"" +
+           (name.empty() ? WithoutPasswords(connect)
+            : harmless   ? name
+                         : WithoutPasswords(name)) +
+           "\"";
 }
 
 void InstallDatabaseDriver(std::unique_ptr<DatabaseDriver> driver) {

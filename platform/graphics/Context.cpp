@@ -136,7 +136,8 @@ HFONT SelectObject(HDC dc, HFONT font) {
     return zel::GetFont(font, dc->now.graphics.font) ? Replace(dc->now.font, font) : nullptr;
 }
 
-COLORREF SetTextColor(HDC dc, COLORREF color) {
+COLORREF SetTextColor(HDC dc, COLORREF color, BYTE opacity) {
+    dc->now.graphics.textTransparency = static_cast<BYTE>(255 - opacity);
     return Replace(dc->now.graphics.textColor, color);
 }
 UINT SetTextAlign(HDC dc, UINT align) {
@@ -290,7 +291,7 @@ int FillRect(HDC dc, const RECT* rect, HBRUSH brush) {
 
 int FrameRect(HDC dc, const RECT* rect, HBRUSH brush) {
     if (CRect(*rect).IsRectEmpty()) return 0;
-    const auto [l, t, r, b] = *rect;
+    const auto [l, t, r, b] = *rect;  // at least a unit wide and high, so that no edge wraps
     for (const CRect& side :
          {CRect(l, t, r, t + 1), CRect(l, b - 1, r, b), CRect(l, t, l + 1, b), CRect(r - 1, t, r, b)}) {
         if (!FillRect(dc, &side, brush)) return 0;

@@ -56,7 +56,8 @@ struct ZelContextHandle {
   private:
     static constexpr std::size_t kMostGathered = 16384;
     static bool SamePen(const LOGPEN& a, const LOGPEN& b) {
-        return a.lopnStyle == b.lopnStyle && a.lopnWidth.x == b.lopnWidth.x && a.lopnColor == b.lopnColor;
+        return a.lopnStyle == b.lopnStyle && a.lopnWidth.x == b.lopnWidth.x && a.lopnColor == b.lopnColor &&
+               a.lopnTransparency == b.lopnTransparency;
     }
     void SelectDefaults();
     void BeginLines();

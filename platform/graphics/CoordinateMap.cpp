@@ -40,13 +40,13 @@ CPoint CoordinateMap::ToLogical(const CPoint& p) const {
 }
 
 CSize CoordinateMap::ToDevice(const CSize& s) const {
-    return {MulDiv(s.cx, std::abs(viewportExtent.cx), std::abs(windowExtent.cx)),
-            MulDiv(s.cy, std::abs(viewportExtent.cy), std::abs(windowExtent.cy))};
+    return {MulDiv(s.cx, Magnitude(viewportExtent.cx), Magnitude(windowExtent.cx)),
+            MulDiv(s.cy, Magnitude(viewportExtent.cy), Magnitude(windowExtent.cy))};
 }
 
 CSize CoordinateMap::ToLogical(const CSize& s) const {
-    return {MulDiv(s.cx, std::abs(windowExtent.cx), std::abs(viewportExtent.cx)),
-            MulDiv(s.cy, std::abs(windowExtent.cy), std::abs(viewportExtent.cy))};
+    return {MulDiv(s.cx, Magnitude(windowExtent.cx), Magnitude(viewportExtent.cx)),
+            MulDiv(s.cy, Magnitude(windowExtent.cy), Magnitude(viewportExtent.cy))};
 }
 
 double CoordinateMap::ScaleX() const {

@@ -84,8 +84,8 @@ CGdiObject* CDC::SelectStockObject(int index) {
     return SelectObject(CFont::FromHandle(reinterpret_cast<HFONT>(stock)));
 }
 
-COLORREF CDC::SetTextColor(COLORREF color) {
-    return SetOnBoth(&::SetTextColor, color);
+COLORREF CDC::SetTextColor(COLORREF color, BYTE opacity) {
+    return SetOnBoth(&::SetTextColor, color, opacity);
 }
 COLORREF CDC::SetBkColor(COLORREF color) {
     return SetOnBoth(&::SetBkColor, color);
@@ -265,7 +265,7 @@ BOOL CDC::TextOut(int x, int y, const char* text, int length) {
     if (follows) at = GetCurrentPosition();
     const zel::TextSpan span{std::string_view(text, static_cast<std::size_t>(std::max(length, 0))), at};
     if (!span.text.empty()) TextRun({&span, 1});
-    if (follows) MoveTo(at.x + GetTextExtent(text, length).cx, at.y);
+    if (follows) MoveTo(zel::Add(at.x, GetTextExtent(text, length).cx), at.y);
     return TRUE;
 }
 

@@ -2,6 +2,7 @@
 #include <zel/platform/GdiObjects.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <mutex>
@@ -119,17 +120,17 @@ HGDIOBJ Generic(Handle handle) {
 }
 }  // namespace
 
-BOOL CPen::CreatePen(int style, int width, COLORREF color) {
-    AttachNew(Generic(::CreatePen(style, width, color)));
-    return TRUE;
+BOOL CPen::CreatePen(int style, int width, COLORREF color, BYTE opacity) {
+    LOGPEN pen{static_cast<UINT>(style), {std::abs(width), 0}, color, static_cast<BYTE>(255 - opacity)};
+    return CreatePenIndirect(&pen);
 }
 BOOL CPen::CreatePenIndirect(LOGPEN* pen) {
     AttachNew(Generic(::CreatePenIndirect(pen)));
     return TRUE;
 }
-BOOL CBrush::CreateSolidBrush(COLORREF color) {
-    AttachNew(Generic(::CreateSolidBrush(color)));
-    return TRUE;
+BOOL CBrush::CreateSolidBrush(COLORREF color, BYTE opacity) {
+    const LOGBRUSH brush{BS_SOLID, color, 0, static_cast<BYTE>(255 - opacity)};
+    return CreateBrushIndirect(&brush);
 }
 BOOL CBrush::CreateHatchBrush(int hatch, COLORREF color) {
     AttachNew(Generic(::CreateHatchBrush(hatch, color)));

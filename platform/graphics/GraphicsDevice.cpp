@@ -47,7 +47,7 @@ GraphicsState InDeviceUnits(const GraphicsState& state) {
     GraphicsState device = state;
     device.map = CoordinateMap();
     LONG& width = device.pen.lopnWidth.x;
-    if (width != 0) width = std::max<LONG>(1, Truncate(std::abs(width) * state.map.ScaleX() + 0.5));
+    if (width != 0) width = std::max<LONG>(1, Truncate(std::fabs(width) * state.map.ScaleX() + 0.5));
     return device;
 }
 
@@ -72,7 +72,8 @@ void OneRing(GraphicsDevice& device, const GraphicsState& inDeviceUnits, const s
 
 GraphicsDevice::~GraphicsDevice() = default;
 
-void GraphicsDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
+template <class Interface>
+void BasicDevice<Interface>::Rectangle(const GraphicsState& state, const CRect& rect) {
     const CRect box = DeviceBox(state, rect);
     const GraphicsState device = InDeviceUnits(state);
     if (!HasRoom(device, box)) return;
@@ -83,13 +84,14 @@ void GraphicsDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
              {box.left, box.bottom - 1}});
 }
 
-void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) {
+template <class Interface>
+void BasicDevice<Interface>::RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) {
     const CRect box = DeviceBox(state, rect);
     const GraphicsState device = InDeviceUnits(state);
     if (!HasRoom(device, box)) return;
     const CSize size = state.map.ToDevice(corner);
-    const int w = std::min(std::abs(size.cx), box.Width());
-    const int h = std::min(std::abs(size.cy), box.Height());
+    const int w = std::min(Magnitude(size.cx), box.Width());
+    const int h = std::min(Magnitude(size.cy), box.Height());
     const int right = box.right - 1;
     const int bottom = box.bottom - 1;
     std::vector<CPoint> points;
@@ -101,7 +103,8 @@ void GraphicsDevice::RoundRect(const GraphicsState& state, const CRect& rect, co
     OneRing(*this, device, points);
 }
 
-void GraphicsDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
+template <class Interface>
+void BasicDevice<Interface>::Ellipse(const GraphicsState& state, const CRect& rect) {
     CRect box = DeviceBox(state, rect);
     const GraphicsState device = InDeviceUnits(state);
     if (!HasRoom(device, box)) return;
@@ -113,8 +116,9 @@ void GraphicsDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     OneRing(*this, device, points);
 }
 
-void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start,
-                         const CPoint& end, ArcKind kind) {
+template <class Interface>
+void BasicDevice<Interface>::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start,
+                                 const CPoint& end, ArcKind kind) {
     CRect box = DeviceBox(state, rect);
     const GraphicsState device = InDeviceUnits(state);
     if (!HasRoom(device, box)) return;
@@ -137,43 +141,58 @@ void GraphicsDevice::Arc(const GraphicsState& state, const CRect& rect, const CP
     OneRing(*this, device, points);
 }
 
-void GraphicsDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
+template <class Interface>
+void BasicDevice<Interface>::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
     std::vector<CPoint> points;
     DeviceEllipse{arc.cx, arc.cy, arc.rx, arc.ry}.Append(points, arc.begin, arc.sweep);
-    Polyline(state, points.data(), points.size());
+    this->Polyline(state, points.data(), points.size());
 }
 
-void GraphicsDevice::SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) {
+template <class Interface>
+void BasicDevice<Interface>::SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) {
     const CPoint at = state.map.ToDevice(point);
     const CRect pixel(at.x, at.y, Add(at.x, 1), Add(at.y, 1));
-    FillRect(InDeviceUnits(state), pixel, {BS_SOLID, color, 0}, PATCOPY);
+    this->FillRect(InDeviceUnits(state), pixel, {BS_SOLID, color, 0}, PATCOPY);
 }
 
-void GraphicsDevice::FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush) {
-    for (const CRect& rect : region.Rects()) FillRect(state, rect, brush, PATCOPY);
+template <class Interface>
+void BasicDevice<Interface>::FillRegion(const GraphicsState& state, const Region& region,
+                                        const LOGBRUSH& brush) {
+    for (const CRect& rect : region.Rects()) this->FillRect(state, rect, brush, PATCOPY);
 }
 
-std::vector<int> GraphicsDevice::PrefixExtents(const GraphicsState& state, std::string_view text,
-                                               std::span<const std::size_t> ends) {
+template <class Interface>
+std::vector<int> BasicDevice<Interface>::PrefixExtents(const GraphicsState& state, std::string_view text,
+                                                       std::span<const std::size_t> ends) {
     std::vector<int> extents;
     extents.reserve(ends.size());
-    for (const std::size_t end : ends) extents.push_back(TextExtent(state, text.substr(0, end)).cx);
+    for (const std::size_t end : ends) extents.push_back(this->TextExtent(state, text.substr(0, end)).cx);
     return extents;
 }
 
-COLORREF GraphicsDevice::GetPixel(const CPoint&) {
+template <class Interface>
+COLORREF BasicDevice<Interface>::GetPixel(const CPoint&) {
     return CLR_INVALID;
 }
-int GraphicsDevice::CurveColumn(const GraphicsState&) const {
+template <class Interface>
+int BasicDevice<Interface>::CurveColumn(const GraphicsState&) const {
     return 0;
 }
-void GraphicsDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
+template <class Interface>
+void BasicDevice<Interface>::Ellipses(const GraphicsState& state, std::span<const CPoint> places,
+                                      const CRect& box) {
     for (const CPoint& place : places) Ellipse(state, box + place);
 }
 
-void GraphicsDevice::BeginCurve() {}
-void GraphicsDevice::EndCurve() {}
+template <class Interface>
+void BasicDevice<Interface>::BeginCurve() {}
+template <class Interface>
+void BasicDevice<Interface>::EndCurve() {}
 
-void GraphicsDevice::Flush() {}
+template <class Interface>
+void BasicDevice<Interface>::Flush() {}
+
+template class BasicDevice<GraphicsDevice>;
+template class BasicDevice<DocumentDevice>;
 
 }  // namespace zel

@@ -104,7 +104,7 @@ int KindOf(const zel::Region& region) {
 }  // namespace
 
 HPEN CreatePen(int style, int width, COLORREF color) {
-    return New<HPEN>(LOGPEN{static_cast<UINT>(style), {std::abs(width), 0}, color});
+    return New<HPEN>(LOGPEN{static_cast<UINT>(style), {zel::Magnitude(width), 0}, color});
 }
 HPEN CreatePenIndirect(const LOGPEN* pen) {
     return New<HPEN>(*pen);

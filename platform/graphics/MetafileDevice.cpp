@@ -1,6 +1,11 @@
 #include "platform/graphics/MetafileDevice.h"
 
+#include "platform/graphics/CodePages.h"
+#include "platform/graphics/ComplexText.h"
+#include "platform/graphics/RunThinner.h"
 #include "platform/graphics/Utf8.h"
+
+#include <zel/platform/MetricsDevice.h>
 
 #include <algorithm>
 #include <cstring>
@@ -61,34 +66,17 @@ WORD High(DWORD value) {
     return static_cast<WORD>(value >> 16);
 }
 
+// The format knows opaque ink only: transparent ink looks as it does on white paper.
+COLORREF OnPaper(COLORREF color, BYTE transparency) {
+    const auto mixed = [&](int channel) {
+        return (channel * (255 - transparency) + 255 * transparency + 127) / 255;
+    };
+    if (transparency == 0) return color;
+    return RGB(mixed(GetRValue(color)), mixed(GetGValue(color)), mixed(GetBValue(color)));
+}
+
 void AppendPoints(std::vector<WORD>& words, std::span<const CPoint> points) {
     for (const CPoint& point : points) words.insert(words.end(), {Word(point.x), Word(point.y)});
-}
-
-// Windows-1252, whose upper half differs from Latin-1 in 32 places; '?' for what it does not have.
-char ToWindows1252(char32_t c) {
-    static constexpr char32_t kUpper[32] = {0x20AC, 0,      0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
-                                            0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0,      0x017D, 0,
-                                            0,      0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
-                                            0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0,      0x017E, 0x0178};
-    if (c < 0x80 || (c >= 0xA0 && c < 0x100)) return static_cast<char>(c);
-    if (c == 0x2212) return '-';     // minus sign
-    if (c == 0x03BC) return '\xB5';  // Greek mu as the micro sign
-    for (int i = 0; i < 32; ++i) {
-        if (kUpper[i] == c) return static_cast<char>(0x80 + i);
-    }
-    return '?';
-}
-
-// Combining marks have no place in an 8-bit text: their letter stands for the whole character.
-std::string Encoded(std::string_view text) {
-    std::string bytes;
-    for (std::size_t at = 0; at < text.size();) {
-        const char32_t c = NextCodePoint(text, at);
-        const bool mark = (c >= 0x300 && c <= 0x36F) || c == 0x200D || (c >= 0xFE00 && c <= 0xFE0F);
-        if (!mark || bytes.empty()) bytes += ToWindows1252(c);
-    }
-    return bytes;
 }
 
 void AppendBytes(std::vector<WORD>& words, const std::string& bytes) {
@@ -280,20 +268,22 @@ void MetafileDevice::Select(ObjectKind kind, const Words& definition) {
 }
 
 void MetafileDevice::SelectPen(const LOGPEN& pen) {
-    Select(PEN, {static_cast<WORD>(pen.lopnStyle), Word(pen.lopnWidth.x), 0, Low(pen.lopnColor),
-                 High(pen.lopnColor)});
+    const COLORREF color = OnPaper(pen.lopnColor, pen.lopnTransparency);
+    Select(PEN, {static_cast<WORD>(pen.lopnStyle), Word(pen.lopnWidth.x), 0, Low(color), High(color)});
 }
 
 void MetafileDevice::SelectBrush(const LOGBRUSH& brush) {
-    Select(BRUSH,
-           {static_cast<WORD>(brush.lbStyle), Low(brush.lbColor), High(brush.lbColor), Word(brush.lbHatch)});
+    const COLORREF color = OnPaper(brush.lbColor, brush.lbTransparency);
+    Select(BRUSH, {static_cast<WORD>(brush.lbStyle), Low(color), High(color), Word(brush.lbHatch)});
 }
 
-void MetafileDevice::SelectFont(const LOGFONT& font) {
+void MetafileDevice::SelectFont(LOGFONT font, const EncodedText& text) {
+    if (text.charSet != 0) font.lfCharSet = text.charSet;
+    if (text.symbol) std::strcpy(font.lfFaceName, "Symbol");
     Words words{Word(font.lfHeight), Word(font.lfWidth), Word(font.lfEscapement), Word(font.lfOrientation),
                 Word(font.lfWeight)};
     std::string bytes(reinterpret_cast<const char*>(&font.lfItalic), 8);
-    bytes += Encoded(font.lfFaceName);
+    bytes += EncodeWestern(font.lfFaceName);
     bytes.resize(8 + LF_FACESIZE, '\0');
     AppendBytes(words, bytes);
     Select(FONT, words);
@@ -331,22 +321,40 @@ void MetafileDevice::Polygons(const GraphicsState& state, std::span<const CPoint
     Record(counts.size() > 1 ? META_POLYPOLYGON : META_POLYGON, words);
 }
 
-// The format counts points in 16 bits: a larger figure keeps every n-th point of its rings.
+// The format counts points in 16 bits. Of a larger figure the points stay that make up its outline as one
+// sees it: in units first, then in ever wider columns. What is no outline of columns at all keeps every n-th
+// point.
 void MetafileDevice::DrawThinned(const GraphicsState& state, std::span<const CPoint> points,
                                  std::span<const int> counts) {
-    const std::size_t every = points.size() / (kMostPointsInPolygon / 2) + 1;
+    constexpr int kWidest = 1 << 12;
     std::vector<CPoint> kept;
     std::vector<int> keptCounts;
-    std::size_t begin = 0;
-    for (const int count : counts) {
-        const std::size_t before = kept.size();
-        const std::size_t end = begin + static_cast<std::size_t>(count);
-        for (std::size_t i = begin; i < end; i += every) kept.push_back(points[i]);
-        if (kept.size() - before < 2) kept.push_back(points[end - 1]);
-        keptCounts.push_back(static_cast<int>(kept.size() - before));
-        begin = end;
-    }
-    if (kept.size() <= kMostPointsInPolygon) Polygons(state, kept, keptCounts);
+    const auto keep = [&](const auto& thin) {
+        kept.clear();
+        keptCounts.clear();
+        std::size_t begin = 0;
+        for (const int count : counts) {
+            const auto ring = points.subspan(begin, static_cast<std::size_t>(count));
+            std::vector<CPoint> thinned(ring.begin(), ring.end());
+            thin(thinned);
+            kept.insert(kept.end(), thinned.begin(), thinned.end());
+            keptCounts.push_back(static_cast<int>(thinned.size()));
+            begin += static_cast<std::size_t>(count);
+        }
+        return kept.size() <= kMostPointsInPolygon;
+    };
+    bool fits = false;
+    for (int column = 1; !fits && column <= kWidest; column *= 2)
+        fits = keep([=](std::vector<CPoint>& ring) { ThinRuns(ring, column); });
+    const std::size_t every = points.size() / (kMostPointsInPolygon / 2) + 1;
+    fits = fits || keep([=](std::vector<CPoint>& ring) {
+               std::size_t n = 0;
+               const CPoint last = ring.back();
+               for (std::size_t i = 0; i < ring.size(); i += every) ring[n++] = ring[i];
+               ring.resize(n);
+               ring.push_back(last);
+           });
+    if (fits) Polygons(state, kept, keptCounts);
 }
 
 void MetafileDevice::FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
@@ -395,47 +403,90 @@ void MetafileDevice::SetPixel(const GraphicsState& state, const CPoint& p, COLOR
 
 void MetafileDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
     WriteCommon(state);
-    SelectFont(state.font);
     WriteMode(META_SETBKMODE, written_.backgroundMode, state.backgroundMode);
     if (state.backgroundMode == OPAQUE) {
         WriteColor(META_SETBKCOLOR, written_.backgroundColor, state.backgroundColor);
     }
-    WriteColor(META_SETTEXTCOLOR, written_.textColor, state.textColor);
+    WriteColor(META_SETTEXTCOLOR, written_.textColor, OnPaper(state.textColor, state.textTransparency));
     const UINT align = state.textAlign & ~TA_UPDATECP;  // positions are given, never taken from the player
-    if (written_.textAlign != align) Record(META_SETTEXTALIGN, {static_cast<WORD>(align)});
-    written_.textAlign = align;
-    if (state.font.lfEscapement % 3600 == 0 && WriteRun(spans)) return;
-    for (const TextSpan& span : spans) WriteSpan(span);
+    UseTextAlign(align);
+    // Players order and shape complex text by themselves, when they have the whole of it.
+    const std::string whole = WholeOf(spans);
+    if (spans.size() > 1 && IsComplexText(whole)) {
+        WriteText(state, whole, spans);
+        return;
+    }
+    if (state.font.lfEscapement % 3600 == 0 && WriteRun(state, spans)) return;
+    for (const TextSpan& span : spans) WriteText(state, span.text, {&span, 1});
+}
+
+// A recorder has no fonts of its own: where only the end of an underline hangs on it, a width is Arial's.
+int MetafileDevice::WidthOf(const GraphicsState& state, std::string_view text) {
+    return MetricsDevice().TextExtent(state, text).cx;
 }
 
 // One record for a line of characters on one baseline, so that the text stays whole: the distances between
-// the characters' points are the advances. Only for texts that are placed by their left end.
-bool MetafileDevice::WriteRun(std::span<const TextSpan> spans) {
+// the characters' points are the advances. Only for texts that are placed by their left end. A record for
+// each character set where the line needs several.
+bool MetafileDevice::WriteRun(const GraphicsState& state, std::span<const TextSpan> spans) {
     if (spans.size() < 2 || (written_.textAlign & TA_CENTER)) return false;
-    std::string bytes;
     Words advances;
     for (std::size_t i = 0; i < spans.size(); ++i) {
-        const std::string one = Encoded(spans[i].text);
         const bool last = i + 1 == spans.size();
-        const LONG advance = last ? 0 : Subtract(spans[i + 1].at.x, spans[i].at.x);
-        if (one.size() != 1 || advance < 0 || (!last && spans[i + 1].at.y != spans[i].at.y)) return false;
-        bytes += one;
+        const LONG advance =
+            last ? WidthOf(state, spans[i].text) : Subtract(spans[i + 1].at.x, spans[i].at.x);
+        if (advance < 0 || (!last && spans[i + 1].at.y != spans[i].at.y)) return false;
         advances.push_back(Word(advance));
     }
-    Words words{Word(spans[0].at.y), Word(spans[0].at.x), static_cast<WORD>(bytes.size()), 0};
-    AppendBytes(words, bytes);
-    words.insert(words.end(), advances.begin(), advances.end());
-    Record(META_EXTTEXTOUT, words);
+    const std::vector<EncodedText> pieces = EncodeForCharSets(WholeOf(spans));
+    std::size_t characters = 0;
+    for (const EncodedText& piece : pieces) characters += piece.bytes.size();
+    if (characters != spans.size()) return false;
+    std::size_t first = 0;
+    for (const EncodedText& piece : pieces) {
+        SelectFont(state.font, piece);
+        const CPoint& at = spans[first].at;
+        Words words{Word(at.y), Word(at.x), static_cast<WORD>(piece.bytes.size()), 0};
+        AppendBytes(words, piece.bytes);
+        const auto begin = advances.begin() + static_cast<std::ptrdiff_t>(first);
+        words.insert(words.end(), begin, begin + static_cast<std::ptrdiff_t>(piece.bytes.size()));
+        Record(META_EXTTEXTOUT, words);
+        first += piece.bytes.size();
+    }
     return true;
 }
 
-void MetafileDevice::WriteSpan(const TextSpan& span) {
-    const std::string bytes = Encoded(span.text);
-    if (bytes.empty() || bytes == " ") return;
-    Words words{static_cast<WORD>(bytes.size())};
-    AppendBytes(words, bytes);
-    words.insert(words.end(), {Word(span.at.y), Word(span.at.x)});
-    Record(META_TEXTOUT, words);
+// A record for each character set, at the place of its first character.
+void MetafileDevice::WriteText(const GraphicsState& state, std::string_view text,
+                               std::span<const TextSpan> spans) {
+    const std::vector<EncodedText> pieces = EncodeForCharSets(text);
+    const bool seen = state.font.lfUnderline || state.font.lfStrikeOut || state.backgroundMode == OPAQUE;
+    if (pieces.size() == 1 && pieces[0].bytes == " " && !seen) return;
+    for (const EncodedText& piece : pieces) {
+        SelectFont(state.font, piece);
+        const CPoint at = PlaceOf(state, text, piece.begin, spans);
+        Words words{static_cast<WORD>(piece.bytes.size())};
+        AppendBytes(words, piece.bytes);
+        words.insert(words.end(), {Word(at.y), Word(at.x)});
+        Record(META_TEXTOUT, words);
+    }
+}
+
+// Where the character at a byte of the text of `spans` begins.
+CPoint MetafileDevice::PlaceOf(const GraphicsState& state, std::string_view text, std::size_t byte,
+                               std::span<const TextSpan> spans) {
+    std::size_t end = 0;
+    const auto span = std::find_if(spans.begin(), spans.end(),
+                                   [&](const TextSpan& each) { return (end += each.text.size()) > byte; });
+    const std::size_t begin = end - span->text.size();
+    const bool lies = state.font.lfEscapement % 3600 == 0;
+    const int along = lies && byte > begin ? WidthOf(state, text.substr(begin, byte - begin)) : 0;
+    return {Add(span->at.x, along), span->at.y};
+}
+
+void MetafileDevice::UseTextAlign(UINT align) {
+    if (written_.textAlign != align) Record(META_SETTEXTALIGN, {static_cast<WORD>(align)});
+    written_.textAlign = align;
 }
 
 }  // namespace zel

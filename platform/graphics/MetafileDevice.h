@@ -1,6 +1,8 @@
 // The device behind a metafile recorder.
 #pragma once
 
+#include "platform/graphics/CodePages.h"
+
 #include <zel/platform/GraphicsDevice.h>
 
 #include <cstdint>
@@ -12,7 +14,7 @@ namespace zel {
 // Writes the records of a Windows metafile (Microsoft MS-WMF). A record of a setting is written only when a
 // primitive needs it and it differs from what was written last; objects are created when they are first
 // needed and kept for use again.
-class MetafileDevice : public GraphicsDevice {
+class MetafileDevice : public BasicDevice<GraphicsDevice> {
   public:
     explicit MetafileDevice(std::string fileName) : fileName_(std::move(fileName)) {}
 
@@ -73,11 +75,16 @@ class MetafileDevice : public GraphicsDevice {
     void Select(ObjectKind kind, const Words& definition);
     void SelectPen(const LOGPEN& pen);
     void SelectBrush(const LOGBRUSH& brush);
-    void SelectFont(const LOGFONT& font);
+    // The font in the character set of a text.
+    void SelectFont(LOGFONT font, const EncodedText& text);
     int SlotFor(ObjectKind kind, const Words& definition);
     int FreeSlot();
-    void WriteSpan(const TextSpan& span);
-    bool WriteRun(std::span<const TextSpan> spans);
+    void WriteText(const GraphicsState& state, std::string_view text, std::span<const TextSpan> spans);
+    static CPoint PlaceOf(const GraphicsState& state, std::string_view text, std::size_t byte,
+                          std::span<const TextSpan> spans);
+    bool WriteRun(const GraphicsState& state, std::span<const TextSpan> spans);
+    static int WidthOf(const GraphicsState& state, std::string_view text);
+    void UseTextAlign(UINT align);
     void DrawThinned(const GraphicsState& state, std::span<const CPoint> points, std::span<const int> counts);
     void WritePolyline(const CPoint* points, std::size_t count);
 

@@ -54,12 +54,12 @@ CSize MetricsDevice::TextExtent(const GraphicsState& state, std::string_view tex
 
 TEXTMETRIC MetricsDevice::TextMetrics(const GraphicsState& state) {
     const FontSize size = SizeOf(state);
-    const int ascent = size.Scaled(kAscent);
-    const int descent = size.Scaled(kDescent);
+    const double ascent = size.Scaled(kAscent);
+    const double descent = size.Scaled(kDescent);
     TEXTMETRIC metrics{};
     metrics.tmAscent = ToLogicalY(state, ascent);
     metrics.tmDescent = ToLogicalY(state, descent);
-    metrics.tmHeight = metrics.tmAscent + metrics.tmDescent;
+    metrics.tmHeight = Add(metrics.tmAscent, metrics.tmDescent);
     metrics.tmInternalLeading = ToLogicalY(state, std::max(0.0, ascent + descent - size.em));
     metrics.tmExternalLeading = ToLogicalY(state, size.Scaled(kLineGap));
     metrics.tmAveCharWidth = ToLogicalX(state, size.Scaled(StandardAdvance('x', false)));

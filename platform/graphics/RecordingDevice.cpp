@@ -24,17 +24,23 @@ std::string Color(COLORREF color) {
     return text;
 }
 
+// Nothing for opaque ink.
+std::string OpacityText(BYTE transparency) {
+    return transparency == 0 ? "" : " opacity " + Number(255 - transparency);
+}
+
 std::string PenText(const LOGPEN& pen) {
     static constexpr const char* kStyles[] = {"solid",      "dash", "dot",        "dashdot",
                                               "dashdotdot", "null", "insideframe"};
     const char* style = pen.lopnStyle <= PS_INSIDEFRAME ? kStyles[pen.lopnStyle] : "unknown";
-    return std::string("pen ") + style + " " + Number(pen.lopnWidth.x) + " " + Color(pen.lopnColor) + "\n";
+    return std::string("pen ") + style + " " + Number(pen.lopnWidth.x) + " " + Color(pen.lopnColor) +
+           OpacityText(pen.lopnTransparency) + "\n";
 }
 
 std::string BrushText(const LOGBRUSH& brush) {
     if (brush.lbStyle == BS_NULL) return "brush null\n";
     const std::string kind = brush.lbStyle == BS_HATCHED ? "hatch " + Number(brush.lbHatch) + " " : "solid ";
-    return "brush " + kind + Color(brush.lbColor) + "\n";
+    return "brush " + kind + Color(brush.lbColor) + OpacityText(brush.lbTransparency) + "\n";
 }
 
 std::string FontText(const LOGFONT& font) {
@@ -179,7 +185,8 @@ void RecordingDevice::SetPixel(const GraphicsState& state, const CPoint& point, 
 void RecordingDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
     WriteCommon(state);
     WriteSetting(font_, FontText(state.font));
-    WriteSetting(textColor_, "textcolor " + Color(state.textColor) + "\n");
+    WriteSetting(textColor_,
+                 "textcolor " + Color(state.textColor) + OpacityText(state.textTransparency) + "\n");
     for (const TextSpan& span : spans) {
         text_ += "text " + zel::Text(span.at) + " \"" + std::string(span.text) + "\"\n";
     }

@@ -178,8 +178,8 @@ Region Region::FromRoundRect(const CRect& rect, const CSize& corner) {
     box.right = Subtract(box.right, 1);
     box.bottom = Subtract(box.bottom, 1);
     if (box.IsRectEmpty()) return {};
-    const double rx = std::min(std::abs(corner.cx), box.Width()) / 2.0;
-    const double ry = std::min(std::abs(corner.cy), box.Height()) / 2.0;
+    const double rx = std::min(Magnitude(corner.cx), box.Width()) / 2.0;
+    const double ry = std::min(Magnitude(corner.cy), box.Height()) / 2.0;
     BandBuilder bands;
     const LONG bottom = std::min(box.bottom, Add(box.top, kMostRows));
     for (LONG y = box.top; y < bottom; ++y) {

@@ -18,9 +18,7 @@ int StandardAdvance(char32_t character, bool bold);
 
 struct FontSize {
     double em;  // device units
-    int Scaled(int designUnits) const {
-        return static_cast<int>(std::lround(designUnits * em / kUnitsPerEm));
-    }
+    int Scaled(int designUnits) const { return Truncate(std::round(designUnits * em / kUnitsPerEm)); }
 };
 
 // A negative height is that of the em, a positive one that of ascent and descent together. `scale` takes

@@ -58,7 +58,8 @@ CFile::~CFile() {
 }
 
 void CFile::Fail(const char* attempt) const {
-    zel::ThrowFileError(attempt, path_, errno);
+    const int error = errno;
+    zel::ThrowFileError(attempt, GetFilePath(), error);
 }
 
 BOOL CFile::Open(const char* path, UINT flags, CFileException** error) {

@@ -1,6 +1,7 @@
 #include <zel/platform/MessageBox.h>
 
 #include <cstdio>
+#include <new>
 #include <utility>
 
 namespace {
@@ -26,6 +27,10 @@ int AfxMessageBox(const char* text, UINT type, UINT) {
     }
     std::fprintf(stderr, "%s\n", shown.c_str());
     return zel::CautiousAnswer(type);
+}
+
+std::string zel::WordsOf(const std::exception& e) {
+    return dynamic_cast<const std::bad_alloc*>(&e) ? "There is not enough memory." : e.what();
 }
 
 zel::MessageBoxHandler zel::SetMessageBoxHandler(MessageBoxHandler handler) {

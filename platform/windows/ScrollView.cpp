@@ -19,7 +19,7 @@ constexpr int kLineShare = 10;  // of a page
 constexpr int kWheelLines = 3;
 
 CSize Absolute(const CSize& size) {
-    return {std::abs(size.cx), std::abs(size.cy)};
+    return {zel::Magnitude(size.cx), zel::Magnitude(size.cy)};
 }
 
 int Step(int given, int whole, int share) {
@@ -99,7 +99,7 @@ void CScrollView::ScrollToPosition(POINT position) {
         dc.SetMapMode(mapMode_);
         dc.LPtoDP(&device);
     }
-    ScrollToDevicePosition(CPoint(std::abs(device.x), std::abs(device.y)));
+    ScrollToDevicePosition(CPoint(zel::Magnitude(device.x), zel::Magnitude(device.y)));
 }
 
 CPoint CScrollView::GetScrollPosition() const {

@@ -65,8 +65,9 @@ LRESULT CWnd::OnPeerMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     } catch (CException* e) {
         message == WM_PAINT ? ReportPaintFault(zel::TakeMessage(e)) : zel::ReportException(e);
     } catch (const std::exception& e) {
-        message == WM_PAINT ? ReportPaintFault(e.what())
-                            : static_cast<void>(AfxMessageBox(e.what(), MB_ICONSTOP));
+        const std::string why = zel::WordsOf(e);
+        message == WM_PAINT ? ReportPaintFault(why)
+                            : static_cast<void>(AfxMessageBox(why.c_str(), MB_ICONSTOP));
     }
     return 0;
 }

@@ -50,7 +50,7 @@ class Program : public OnWidgets {
     ~Program() override {
         Do("deselect");
         view::DocumentFile file;
-        file.DropCopy();
+        while (!file.TakeLeft().isEmpty()) file.DropCopy();
     }
     void Do(const char* action) {
         window_.Action(action)->setEnabled(true);

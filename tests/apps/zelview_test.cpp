@@ -122,21 +122,86 @@ TEST_F(Program, RecoversUnsavedWork) {
     window_.KeepCopy();
     const std::string copy = zel::view::DocumentFile::CopyPath(QString::fromStdString(path_)).toStdString();
     ASSERT_TRUE(fs::exists(copy));
-    // A second program does not take it for the work of one that has ended.
+    EXPECT_EQ(fs::status(copy).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    // A second window does not take it for the work of one that has ended, and keeps its own beside it.
     MainWindow second;
     ASSERT_TRUE(second.Open(QString::fromStdString(path_)));
     EXPECT_FALSE(second.isWindowModified());
+    const std::string first = Content(copy);
+    second.Action("select_all")->trigger();
+    second.Action("delete")->trigger();
+    second.KeepCopy();
+    EXPECT_TRUE(fs::exists(copy + "-1"));
+    EXPECT_EQ(Content(copy), first);
+    second.Steps().MarkSaved();
     const std::string crashed = folder_ / "crashed.zel";
     fs::copy_file(path_, crashed);
     fs::copy_file(copy, zel::view::DocumentFile::CopyPath(QString::fromStdString(crashed)).toStdString());
     MainWindow after;
+    // Esc loses nothing, not even when the document is changed and copied again.
+    Soon([] {
+        auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box) QTest::keyClick(box, Qt::Key_Escape);
+        return box != nullptr;
+    });
+    ASSERT_TRUE(after.Open(QString::fromStdString(crashed)));
+    EXPECT_FALSE(after.isWindowModified());
+    after.Action("select_all")->trigger();
+    after.Action("delete")->trigger();
+    after.KeepCopy();
+    EXPECT_EQ(Content(folder_ / ".crashed.zel.unsaved"), first);
+    after.Steps().MarkSaved();
+    ASSERT_TRUE(after.Open(QString::fromStdString(path_)));
+    EXPECT_FALSE(fs::exists(folder_ / ".crashed.zel.unsaved-1")) << "given up by whoever opens another";
     Answer(QMessageBox::Yes);
     ASSERT_TRUE(after.Open(QString::fromStdString(crashed)));
     EXPECT_TRUE(after.isWindowModified());
     EXPECT_EQ(after.Steps().Present(), window_.Steps().Present());
     ASSERT_TRUE(after.Save());
     EXPECT_FALSE(fs::exists(folder_ / ".crashed.zel.unsaved"));
+    // What others have put there is not the user's work.
+    fs::create_symlink(copy, folder_ / ".crashed.zel.unsaved");
+    MainWindow trusting;
+    ASSERT_TRUE(trusting.Open(QString::fromStdString(crashed)));
+    EXPECT_FALSE(trusting.isWindowModified());
     window_.Steps().MarkSaved();
+}
+
+// A drawing of a table that never had a file, whose program is killed; then other files are opened.
+TEST_F(Program, KeepsUntitledWorkUntilItIsDecided) {
+    const std::string table = folder_ / "table.csv";
+    std::ofstream(table) << "x,y\n1,2\n2,4\n";
+    const QString untitled = zel::view::DocumentFile::CopyPath({});
+    zel::view::Bytes lost;
+    {
+        MainWindow killed, beside;
+        for (MainWindow* window : {&killed, &beside}) {
+            ASSERT_TRUE(window->Open(QString::fromStdString(table)));
+            window->KeepCopy();
+        }
+        lost = killed.Steps().Present();
+    }
+    EXPECT_EQ(Content(untitled.toStdString()), std::string(lost.begin(), lost.end()));
+    EXPECT_TRUE(QFile::exists(untitled + "-1")) << "one for each window";
+    MainWindow next;
+    ASSERT_TRUE(next.Open(QString::fromStdString(path_)));
+    ASSERT_TRUE(next.Open(QString::fromStdString(table)));
+    next.KeepCopy();
+    next.Steps().MarkSaved();
+    EXPECT_EQ(Content(untitled.toStdString()), std::string(lost.begin(), lost.end()));
+    Answer(QMessageBox::Yes);
+    next.Action("recover")->trigger();
+    EXPECT_EQ(next.Steps().Present(), lost);
+    EXPECT_TRUE(next.isWindowModified());
+    Answer(QMessageBox::Discard);
+    next.close();
+    EXPECT_FALSE(QFile::exists(untitled));
+    EXPECT_TRUE(QFile::exists(untitled + "-1"));
+    MainWindow last;
+    Answer(QMessageBox::Discard);
+    last.Action("recover")->trigger();
+    EXPECT_FALSE(last.isWindowModified());
+    EXPECT_FALSE(zel::view::DocumentFile::HasUntitledLeft());
 }
 
 TEST_F(Program, NoticesWhatOtherProgramsDo) {
@@ -290,9 +355,9 @@ TEST_F(Program, LongWorkCanBeCancelled) {
     EXPECT_NE(message.find("/none"), std::string::npos) << "what is thrown beside the window arrives";
     // Saving that is given up leaves the old file, and nothing else.
     const std::string before = Content(path_);
-    const std::size_t files = folder_.FileCount();
     zel::view::DocumentFile file;
     file.Attach(QString::fromStdString(path_));
+    const std::size_t files = folder_.FileCount();
     zel::view::Work work;
     work.cancelled = true;
     EXPECT_THROW(file.Save(zel::view::Bytes(5000000), work), zel::view::Cancelled);

@@ -3,6 +3,7 @@
 #include <zel/odbc/Install.h>
 
 #include <arpa/inet.h>
+#include <cctype>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -123,8 +124,24 @@ PostgresServer::~PostgresServer() {
     fs::remove_all(folder_, ignored);
 }
 
+void PostgresServer::Signal(int signal) const {
+    std::error_code none;
+    for (const auto& entry : fs::directory_iterator("/proc", none)) {
+        std::ifstream status(entry.path() / "stat");
+        int process = 0, parent = 0;
+        std::string name, state;
+        if (status >> process >> name &&
+            std::isdigit(static_cast<unsigned char>(entry.path().filename().string()[0]))) {
+            while (name.back() != ')' && status >> state) name += state;
+            if (status >> state >> parent && parent == process_) kill(process, signal);
+        }
+    }
+    kill(process_, signal);
+}
+
 void PostgresServer::Kill() {
     if (process_ <= 0) return;
+    Thaw();
     // The server ends its own processes on this signal, at once and without cleaning up.
     kill(process_, SIGQUIT);
     waitpid(process_, nullptr, 0);

@@ -1,6 +1,7 @@
 // A PostgreSQL server for tests and benchmarks.
 #pragma once
 
+#include <csignal>
 #include <string>
 #include <sys/types.h>
 
@@ -20,11 +21,15 @@ class PostgresServer {
     int Port() const { return port_; }
     // Kills the server as a power cut would.
     void Kill();
+    // Stops all its processes where they are; the network still acknowledges for them.
+    void Freeze() { Signal(SIGSTOP); }
+    void Thaw() { Signal(SIGCONT); }
 
   private:
     void Initialise();
     void Start();
     bool Answers() const;
+    void Signal(int signal) const;
 
     std::string folder_;
     std::string data_;

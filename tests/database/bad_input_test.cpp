@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <thread>
 #include <unistd.h>
 
 namespace {
@@ -167,6 +168,71 @@ TEST_P(BadDatabases, GoOnBesideMistakes) {
     EXPECT_EQ(double(DBField(&other, 0, false)), 20000);
 }
 
+// A document says what is read: whatever stands in it, nothing is changed. Each text hides its command or its
+// effect in another way; several run on one connection, so that none may free those that follow.
+TEST_P(BadDatabases, AreNotChangedByWhatIsRead) {
+    Run("CREATE TABLE victim (a INTEGER, x DOUBLE PRECISION, t VARCHAR(9))");
+    Run("INSERT INTO victim VALUES (1, 1, 'a'), (2, 2, 'b'), (3, 3, 'it''s; x')");
+    if (!IsSqlite()) Run("CREATE SEQUENCE sq");
+    const auto left = [&] {
+        CDaoRecordset records(&database_);
+        records.Open(AFX_DAO_USE_DEFAULT_TYPE,
+                     IsSqlite() ? "SELECT COUNT(*) FROM victim"
+                                : "SELECT (SELECT COUNT(*) FROM victim) + (SELECT COUNT(*) FROM "
+                                  "pg_largeobject_metadata) + (SELECT is_called::int FROM sq)");
+        return double(DBField(&records, 0, false));
+    };
+    constexpr const char* kSecond[] = {"x<10 /* ' */; delete from victim where a=1 /* ' */",
+                                       "t <> E'\\''; delete from victim; --'",
+                                       "t <> E'a''b\\'' || '\\'; delete from victim; --'",
+                                       "t <> 1e'\\''; delete from victim; --'",
+                                       "t <> '\\'; delete from victim; --'",
+                                       "t <> $$'$$; delete from victim; --'",
+                                       "t <> $a$ $b$ ' $a$; commit; delete from victim; --'",
+                                       "x < 9 /* /* */ ; delete from victim; /* */ */",
+                                       "x < 9 /*! ; delete from victim */",
+                                       "x < 9 --; ' \n; delete from victim --'",
+                                       "x < 9 and t <> {fn concat('a', 'b')}; delete from victim"};
+    constexpr const char* kCalls[] = {
+        "nextval('sq')",
+        "lo_create(4710 + a)",
+        "length(set_config('default_transaction_read_only', 'off', false))",
+        "length(set_config('transaction_read_only', 'off', false))",
+        "length(set_config('standard_conforming_strings', 'off', false))",
+        "length(query_to_xml('delete from victim returning a', true, true, '')::text)",
+        "nextval('sq')"};
+    for (const bool readOnly : {true, false}) {
+        CDaoDatabase database;
+        Open(database, readOnly);
+        for (const char* where : kSecond) {
+            const int created = points_.Create(&database, "victim", "x", "a", where);
+            EXPECT_EQ(left(), 3) << where;
+            const std::vector<std::string> told = messages_.Take();
+            if (IsSqlite()) continue;  // some of them are comments there
+            EXPECT_EQ(created, 0) << where;
+            EXPECT_THAT(told, ElementsAre(HasSubstr("more than one command"))) << where;
+        }
+        EXPECT_EQ(points_.Create(&database, "victim", "x", "a", "t = 'it''s; x' /* ; */ -- ;"), 1)
+            << "no command";
+        EXPECT_THAT(messages_.Take(), testing::IsEmpty());
+        for (const char* y : kCalls) {
+            if (IsSqlite() || !readOnly) break;
+            points_.Create(&database, "victim", "x", y);
+            EXPECT_EQ(left(), 3) << y;
+            messages_.Take();
+        }
+        // Two at once, one of them failing; the other goes on.
+        CDaoRecordset first(&database);
+        first.Open(AFX_DAO_USE_DEFAULT_TYPE, "SELECT a FROM victim ORDER BY a");
+        EXPECT_EQ(points_.Create(&database, "victim", "x", "nope"), 0);
+        EXPECT_EQ(messages_.Take().size(), 1U);
+        EXPECT_EQ(points_.Create(&database, "victim", "x", "a"), 1);
+        first.MoveNext();
+        EXPECT_EQ(double(DBField(&first, 0, false)), 2);
+    }
+    Run("DROP TABLE victim");  // nobody holds it any more
+}
+
 INSTANTIATE_ON_EACH_DATABASE(BadDatabases);
 
 TEST(Connections, LoseTheirPasswords) {
@@ -176,6 +242,35 @@ TEST(Connections, LoseTheirPasswords) {
               "ODBC;SERVER=compass;DATABASE={pass;age};UID=me;");
     EXPECT_EQ(zel::WithoutPasswords("ODBC;PWD=no;braces;UID=me"), "ODBC;UID=me;");
     EXPECT_EQ(zel::WithoutPasswords(""), "");
+}
+
+// Once by the clock, once by another thread.
+TEST(Servers, CanFreezeWhileTheyAreRead) {
+    zel::test::PostgresServer server;
+    for (const bool cancelled : {false, true}) {
+        CDaoDatabase database;
+        database.SetSilenceLimit(cancelled ? 0 : 2);
+        database.Open("", FALSE, TRUE, server.Connect().c_str());
+        CDaoRecordset records(&database);
+        records.Open(AFX_DAO_USE_DEFAULT_TYPE, "SELECT n FROM generate_series(1, 300000) AS g(n)");
+        server.Freeze();
+        std::thread other([&] {
+            std::this_thread::sleep_for(std::chrono::seconds(1));
+            if (cancelled) database.Cancel();
+        });
+        std::string message;
+        const double seconds = SecondsOf([&] {
+            message = MessageOf<CDaoException>([&] {
+                while (!records.IsEOF()) records.MoveNext();
+            });
+            records.Close();
+            database.Close();
+        });
+        other.join();
+        EXPECT_THAT(message, HasSubstr(cancelled ? "it was cancelled" : "no sign of life for 2 seconds"));
+        EXPECT_LT(seconds, 20);
+        server.Thaw();
+    }
 }
 
 TEST(Servers, CanDieWhileTheyAreRead) {

@@ -102,6 +102,17 @@ TEST_P(Points, TakeStrangeValues) {
     EXPECT_NEAR(values[4], 2958465 - 32874 + 1, 2e-5);
     EXPECT_EQ(values[6], -710688) << "no date of the calendar, and yet so many days";
 
+    // The least number that there is, in columns of each kind.
+    if (IsSqlite()) {
+        Run("CREATE TABLE m (n NUMERIC, c MONEY, g BIGINT)");
+        Run("INSERT INTO m VALUES (-9223372036854775807 - 1, -9223372036854775807 - 1, -9223372036854775807 "
+            "- 1)");
+        for (const char* column : {"n", "c", "g"}) {
+            EXPECT_EQ(Create(column, column, "", "m"), 1);
+            EXPECT_EQ(Values()[0], -9223372036854775808.0) << column;
+        }
+    }
+
     Run("INSERT INTO s VALUES (5, '12000-01-01', 1)");
     const int created = Create("d", "n", "n > 3 ORDER BY n", "s");
     EXPECT_EQ(Values()[0], -710688);

@@ -9,7 +9,7 @@ class Maker {
     KnownDrawing Make() {
         known_.drawing = std::make_unique<Zel2Main>();
         Root().SetRules(ZelRules::EXACT);
-        known_.facts = "header.version = 1\nheader.rules = 1\n";
+        known_.facts = "header.version = 2\nheader.rules = 1\n";
         AddTools();
         AddShapes();
         AddGraph();
@@ -47,11 +47,15 @@ class Maker {
         Root().RegisterColor("blue", 0x112233, 0x445566);
         Know("colors", "count 1");
         Know("colors.tools[0]", "name \"blue\", screen 1122867, printer 4478310");
+        Root().Color(0)->Opacity(0.25);
+        Know("colors.tools[0]", "opacity 0.25");
         int pattern[20] = {9, 8, 7, 6, 5};
         Root().RegisterPen("dashes", DrawPen::USER_DEFINED, 12, 0x010203, 0x040506, pattern);
         Know("pens.tools[0]",
              "name \"dashes\", screen 66051, printer 263430, style -1, width 12, pattern[0] 9, "
              "pattern[4] 5, pattern[5] 0");
+        Root().Pen(0)->Opacity(0.5);
+        Know("pens.tools[0]", "opacity 0.5");
         Root().RegisterFont("label", "Courier", 123, 1, 0, 1, 0, 0x0A0B0C, 0x0D0E0F);
         Know("fonts.tools[0]",
              "name \"label\", weight 700, italic 0, underline 1, strikeOut 0, size 123, screen 658188, "

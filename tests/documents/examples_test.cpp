@@ -2,6 +2,12 @@
 #include "Examples.h"
 
 #include "Archives.h"
+#include "RandomDrawing.h"
+
+#include <zel/qt/ImageDevice.h>
+#include <zel/qt/Install.h>
+
+#include <QImage>
 
 namespace {
 
@@ -43,5 +49,51 @@ INSTANTIATE_TEST_SUITE_P(All, Examples, testing::ValuesIn(AllExamples()), [](con
     std::erase(name, '-');
     return name;
 });
+
+// What Export writes as a picture is what one draws on an image, to the last pixel.
+void ExpectExportIsTheDrawing(Zel2Main& original, const std::string& path) {
+    zel::qt::Install();
+    zel::ExportOptions options;
+    options.pixelWidth = 320;
+    // Drawing completes what was left to defaults: both begin with the same.
+    const std::vector<std::uint8_t> document = zel::DocumentBytes(original);
+    const auto copy = [&] { return zel::LoadDocument(document.data(), document.size(), "copy"); };
+    zel::Export(*copy(), path.c_str(), options);
+    const auto drawing = copy();
+    drawing->Map()->SetAbsoluteZoom(1, 1);  // files have the natural size
+    const QImage file =
+        QImage(QString::fromStdString(path)).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    ASSERT_FALSE(file.isNull());
+    zel::qt::ImageDevice image(file.width(), file.height(), 320 / (drawing->Size().cx / 1000.0));
+    image.Clear(RGB(255, 255, 255));
+    CDC dc(image);
+    drawing->PrepareMappingFor(&dc, nullptr, 0, 0);
+    drawing->Draw(&dc);
+    dc.Flush();
+    std::size_t differing = 0;
+    for (int y = 0; y < file.height(); ++y) {
+        const auto* row = reinterpret_cast<const std::uint32_t*>(file.constScanLine(y));
+        for (int x = 0; x < file.width(); ++x)
+            differing += row[x] != image.Pixels()[y * file.width() + x] ? 1U : 0U;
+    }
+    EXPECT_EQ(differing, 0U);
+}
+
+TEST_P(Examples, AreExportedAsImagesDrawThem) {
+    ExpectExportIsTheDrawing(*drawing, folder / "a.png");
+}
+
+TEST(Export, IsTheDrawingForAnyTree) {
+    const zel::test::TemporaryFolder folder;
+    int drawn = 0;
+    for (unsigned seed = 0; drawn < 100; ++seed) {
+        SCOPED_TRACE(seed);
+        const auto drawing = zel::test::RandomDrawing(seed).Make();
+        const CSize size = drawing->Size();
+        if (size.cx < 100 || size.cy < 100 || size.cy > 4 * size.cx) continue;
+        ExpectExportIsTheDrawing(*drawing, folder / "a.png");
+        ++drawn;
+    }
+}
 
 }  // namespace

@@ -141,7 +141,7 @@ TEST_F(Format, IsShownOfBrokenDocuments) {
         }
         return out.str();
     };
-    EXPECT_THAT(shown(whole), testing::StartsWith("document of version 1, classic rules, "));
+    EXPECT_THAT(shown(whole), testing::StartsWith("document of version 2, classic rules, "));
     std::string wrong = whole;
     wrong[whole.size() - 1] = 1;
     EXPECT_THAT(shown(wrong),

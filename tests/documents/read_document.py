@@ -18,7 +18,7 @@ import zlib
 NUMBERS = {"byte": "<B", "flag": "<B", "word": "<H", "dword": "<I", "qword": "<Q", "int": "<i",
            "float": "<f", "double": "<d"}
 MAGIC = bytes.fromhex("89 5A 45 4C 0D 0A 1A 0A")
-VERSION = 1
+VERSION = 2
 HEADER_SIZE = 40
 
 
@@ -29,7 +29,7 @@ class Broken(Exception):
 class Field:
     """One line of a layout."""
 
-    PATTERN = re.compile(r"(?P<dialect>[+-]?)\s*(?P<name>@|\w+)\s+(?P<type>\w+)"
+    PATTERN = re.compile(r"(?P<dialect>[+-]?)(?P<since>\d*)\s*(?P<name>@|\w+)\s+(?P<type>\w+)"
                          r"(?:\s+\[(?P<count>[^]]+)\])?(?:\s+if (?P<condition>\w+))?\s*(?:;.*)?$")
 
     def __init__(self, line):
@@ -71,8 +71,8 @@ class Value:
 class Reader:
     """Reads content into a list of values."""
 
-    def __init__(self, layouts, content, dialect):
-        self.layouts, self.content, self.dialect = layouts, content, dialect
+    def __init__(self, layouts, content, dialect, version=VERSION):
+        self.layouts, self.content, self.dialect, self.version = layouts, content, dialect, version
         self.at = 0
         self.values = []
         self.classes = {}
@@ -138,6 +138,8 @@ class Reader:
             raise Broken(f"offset {self.at}: the page has no layout {layout!r}, which {place or 'the drawing'} is")
         for field in self.layouts[layout]:
             if field.dialect and field.dialect != self.dialect:
+                continue
+            if field.since and int(field.since) > self.version:
                 continue
             if field.name == "@":
                 self.fields_into(field.type, place, known)
@@ -209,7 +211,8 @@ def read_file(layouts, data):
     header = []
     if data.startswith(MAGIC):
         header = read_header(layouts, data)
-        reader = Reader(layouts, data[HEADER_SIZE:], "+")
+        version = next(value.value for value in header if value.place == "header.version")
+        reader = Reader(layouts, data[HEADER_SIZE:], "+", version)
     else:
         reader = Reader(layouts, data, "-")
     if reader.content[:2] == b"\xff\xff":

@@ -1,10 +1,13 @@
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
+#include <algorithm>
 #include <cmath>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
+#include <sstream>
 
 namespace {
 
@@ -99,12 +102,72 @@ TEST_F(Pens, WalkOnlyWhatCanBeSeen) {
     const std::string lines = Lines();
     EXPECT_LT(lines.size(), 100'000U);
     EXPECT_NE(lines.find(" 51"), std::string::npos) << "dashes in the middle of the surface";
+
+    // Dashes of 29 and gaps of 10, as above: 299,971 units behind the first dash are 7691 cycles, a gap, and
+    // 12 units of a dash. Of the 30 - 1 that a dash has where a line begins, 17 are left.
+    int dashes[20] = {30, 10};
+    DrawPen counted("c", DrawPen::USER_DEFINED, 0, 0, 0, dashes);
+    OpenAt(counted, 1000);
+    counted.MoveTo(-299'000, 0);
+    counted.LineTo(1000, 0);
+    counted.LineTo(1000, 40);
+    const std::string end = Lines();
+    EXPECT_THAT(end, testing::EndsWith(" 988,0 1000,0 1000,17; 1000,27 1000,40;"));
+    EXPECT_THAT(end, testing::HasSubstr("; 910,0 939,0; 949,0 978,0;"));
+
     int pattern[20] = {197, 0};
     DrawPen foreign("f", DrawPen::USER_DEFINED, -1'175'891'661, 0, 0, pattern);
     OpenAt(foreign, 1000);
     foreign.MoveTo(0, 0);
     foreign.LineTo(1000, 0);
     EXPECT_LT(Lines().size(), 1000U) << "a negative width is none";
+}
+
+// Two parts of a surface that are painted one after the other must fit together, whatever lies before them.
+TEST_F(Pens, WalkLongLinesAlikeInEveryPart) {
+    std::mt19937 random(3);
+    for (int round = 0; round < 60; ++round) {
+        const auto far = [&] { return static_cast<int>(random() % 4'000'000) - 2'000'000; };
+        const CPoint from(far(), far()), through(500, 300);
+        const CPoint to(through.x + (through.x - from.x), through.y + (through.y - from.y) * (round % 3) / 2);
+        std::string parts[2], after[2];
+        for (const int part : {0, 1}) {
+            DrawPen pen("p", 1 + round % 4, round % 3, 0, 0, nullptr);
+            OpenAt(pen, 1000);
+            dc_.SaveDC();
+            part ? dc_.IntersectClipRect(300, 0, 1024, 768) : dc_.IntersectClipRect(0, 0, 700, 768);
+            pen.MoveTo(from.x, from.y);
+            pen.LineTo(to.x, to.y);
+            parts[part] = Lines();
+            pen.LineTo(to.x + 900, to.y);
+            after[part] = Lines();
+            dc_.RestoreDC(-1);
+        }
+        EXPECT_EQ(after[0], after[1]) << "the dashes go on alike";
+        // The dashes that lie where both parts are.
+        std::string common[2];
+        for (const int part : {0, 1}) {
+            std::istringstream lines(parts[part]);
+            for (std::string line; std::getline(lines, line, ';');) {
+                int x1 = 0, x2 = 0;
+                char comma = 0;
+                int y1 = 0;
+                std::istringstream(line) >> x1 >> comma >> y1 >> x2;
+                if (std::min(x1, x2) > 320 && std::max(x1, x2) < 680) common[part] += line + ";";
+            }
+        }
+        EXPECT_EQ(common[0], common[1]) << "round " << round;
+    }
+}
+
+// Where rounding makes a short pattern wander about the line, it goes on with dots to the end.
+TEST_F(Pens, DotLinesOfASlopeOfOneHalf) {
+    DrawPen pen("p", DrawPen::DASH_DOT, 1, 0, 0, nullptr);
+    OpenAt(pen, 79);
+    pen.MoveTo(0, 0);
+    pen.LineTo(567, 278);
+    const std::string lines = Lines();
+    EXPECT_GT(std::count(lines.begin(), lines.end(), ';'), 500);
 }
 
 TEST(DrawPenClip, MovesBothEndsOntoTheRectangle) {
@@ -140,7 +203,11 @@ TEST_F(Pens, DrawSeriesAsOneLineAfterAnother) {
         std::vector<double> xs, ys;
         for (int i = 0; i < 700; ++i) {
             xs.push_back(round % 2 ? i / 70.0 : 5 + step(random));
-            ys.push_back(i % 97 == 96 ? kNaN : i % 89 == 88 ? 1e300 : 5 + step(random));
+            // Whole stretches lie beyond a side, and are passed over.
+            ys.push_back(round % 4 == 1 && i > 150 && i < 560 ? 60
+                         : i % 97 == 96                       ? kNaN
+                         : i % 89 == 88                       ? 1e300
+                                                              : 5 + step(random));
         }
         DrawPen single("s", round % 6, round % 4, 0, 0, nullptr), bulk(single);
         OpenAt(single, 1000);

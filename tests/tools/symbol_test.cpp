@@ -1,7 +1,9 @@
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
+#include <cmath>
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -76,6 +78,53 @@ TEST(DrawSymbol, DrawsItsShapeWithinTheGraph) {
     EXPECT_EQ(device.Text(),
               "pen null 0 #000000\nbrush solid #030000\npolygon 970,530 1000,470 1030,530 970,530\n"
               "pen solid 4 #010000\npolyline 970,530 1000,470 1030,530 970,530\n");
+    root.Close();
+}
+
+// Half ink of each tool, and of the tools that a symbol makes; copies keep it.
+TEST(DrawTool, DrawsWithItsOpacity) {
+    Zel2Main root;
+    root.SetRules(ZelRules::EXACT);
+    zel::RecordingDevice device;
+    CDC dc(device);
+    root.PrepareMappingFor(&dc, nullptr, 0, 0);
+    const int pen = root.RegisterPen("p", DrawPen::SOLID, 0, RGB(1, 2, 3), 0, nullptr);
+    const int color = root.RegisterColor("c", RGB(4, 5, 6), 0);
+    const int font = root.RegisterFont("f", "Arial", 100, 0, 0, 0, 0, RGB(7, 8, 9), 0);
+    root.Color(color)->Opacity(0.25);
+    root.Font(font)->Opacity(0.75);
+    root.OpenOn(&dc, 1000);
+    root.Pen(pen)->Opacity(0.5);  // also when it is open
+    root.Pen(pen)->MoveTo(0, 0);
+    root.Pen(pen)->LineTo(9, 9);
+    dc.Flush();
+    EXPECT_NE(device.Text().find("pen solid 0 #010203 opacity 128\n"), std::string::npos) << device.Text();
+    root.Color(color)->FillRect(CRect(0, 0, 2, 2));
+    EXPECT_NE(device.Text().find("#040506 opacity 64\n"), std::string::npos);
+    root.Font(font)->Print("x", CPoint(0, 0), 0, 0);
+    EXPECT_NE(device.Text().find("textcolor #070809 opacity 191\n"), std::string::npos);
+    dc.SetTextColor(RGB(7, 8, 9));
+    device.Clear();
+    dc.TextOut(0, 0, "y", 1);
+    EXPECT_EQ(device.Text().find("opacity"), std::string::npos) << "a colour without more is opaque";
+
+    DrawSymbol symbol = Symbol(zel::SYMBOL_SQUARE, "A");
+    symbol.Opacity(0.5);
+    const DrawSymbol copy = symbol;
+    EXPECT_EQ(copy.Opacity(), 0.5);
+    symbol.SetDefaults(&root);
+    for (const DrawTool* tool : std::initializer_list<DrawTool*>{
+             root.Pen(root.GetPenIndex("s - Border Line")), root.Color(root.GetColorIndex("s - Background")),
+             root.Font(root.GetFontIndex("s - Symbol Text"))})
+        EXPECT_EQ(tool->Opacity(), 0.5) << tool->NameRef().GetString();
+    const std::unique_ptr<DrawTool> copies[] = {std::unique_ptr<DrawTool>(root.Pen(pen)->ACopy()),
+                                                std::unique_ptr<DrawTool>(root.Color(color)->ACopy())};
+    EXPECT_EQ(copies[0]->Opacity(), 0.5);
+    EXPECT_EQ(copies[1]->Opacity(), 0.25);
+    root.Pen(pen)->Opacity(-3);
+    EXPECT_EQ(root.Pen(pen)->Opacity(), 0);
+    root.Pen(pen)->Opacity(std::nan(""));
+    EXPECT_EQ(root.Pen(pen)->Opacity(), 1);
     root.Close();
 }
 

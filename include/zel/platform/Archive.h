@@ -53,6 +53,7 @@ class CArchive {
     enum Mode : UINT { store = 0, load = 1 };
     // CLASSIC is the stream that host programs know; in COMPLETE every class keeps all of its state.
     enum class Dialect { CLASSIC, COMPLETE };
+    static constexpr int kNewestVersion = 0x7FFFFFFF;
 
     CArchive(CFile* file, UINT mode, int bufferSize = 1 << 16);
     CArchive(const CArchive&) = delete;
@@ -62,7 +63,13 @@ class CArchive {
     bool IsStoring() const { return !loading_; }
     bool IsLoading() const { return loading_; }
     Dialect GetDialect() const { return dialect_; }
-    void SetDialect(Dialect dialect) { dialect_ = dialect; }
+    // `version` is that of the complete dialect's layouts in an archive that is read; what is stored is
+    // always of the newest.
+    void SetDialect(Dialect dialect, int version = kNewestVersion) {
+        dialect_ = dialect;
+        version_ = version;
+    }
+    int GetDialectVersion() const { return version_; }
     CFile* GetFile() const { return file_; }
 
     void Write(const void* bytes, std::size_t count);
@@ -176,6 +183,7 @@ class CArchive {
     CFile* file_;
     bool loading_;
     Dialect dialect_ = Dialect::CLASSIC;
+    int version_ = kNewestVersion;
     std::vector<std::uint8_t> buffer_;
     std::uint8_t* cursor_;
     std::uint8_t* bufferEnd_;

@@ -49,7 +49,8 @@ class CDC : public CObject {
     CFont* SelectObject(CFont* font);
     CGdiObject* SelectStockObject(int index);
 
-    COLORREF SetTextColor(COLORREF color);
+    // Beyond the platform's interface: with an opacity, 255 for opaque ink, 0 for none that can be seen.
+    COLORREF SetTextColor(COLORREF color, BYTE opacity = 255);
     COLORREF GetTextColor() const { return Attributes().textColor; }
     COLORREF SetBkColor(COLORREF color);
     COLORREF GetBkColor() const { return Attributes().backgroundColor; }

@@ -141,6 +141,13 @@ class CDaoDatabase : public CObject {
     // Seconds that Open waits for a server; 20 until changed.
     void SetLoginTimeout(short seconds) { loginTimeout_ = seconds; }
 
+    // Seconds for which a server may send nothing at all while its rows are read, and beyond the time of a
+    // query before the first one; 30 until changed, 0: for ever. What was waited for fails then, and the
+    // database has to be opened anew.
+    void SetSilenceLimit(short seconds);
+    // Ends what another thread waits for in this database, in the same way.
+    void Cancel();
+
     // Runs a command that delivers no rows. Question marks in it stand for `values` in their order.
     void Execute(const char* sql, int options = 0) { Run(sql, {}), (void)options; }
     void Execute(const char* sql, std::span<const COleVariant> values) { Run(sql, values); }
@@ -169,6 +176,7 @@ class CDaoDatabase : public CObject {
     CString connect_;
     short queryTimeout_ = 60;
     short loginTimeout_ = 20;
+    short silenceLimit_ = 30;
     long affected_ = 0;
     std::unique_ptr<zel::DatabaseConnection> connection_;
     std::vector<class CDaoRecordset*> recordsets_;  // open ones, not owned

@@ -19,6 +19,7 @@ struct DatabaseAddress {
     bool create = false;    // the file must not exist yet
     int loginTimeout = 20;  // seconds until a server that does not answer is given up
     int queryTimeout = 60;  // seconds, as SetQueryTimeout takes them
+    int silenceLimit = 30;  // seconds, as SetSilenceLimit takes them
 
     // For messages: the name, or the connection without its passwords.
     std::string Shown() const;
@@ -86,6 +87,12 @@ class DatabaseConnection {
     virtual bool CanUpdate() const = 0;
     // Seconds that a query may wait for locks or, on a server, take at all; 0: without limit.
     virtual void SetQueryTimeout(int seconds) = 0;
+    // Seconds for which a server that is being read may send nothing at all, beyond what the query may take;
+    // 0: for ever. Where nothing comes over a network there is nothing to limit.
+    virtual void SetSilenceLimit(int seconds);
+    // Ends, from any thread, what is waited for now; it fails with a CDaoException*. A server's connection
+    // cannot be used any more then.
+    virtual void Cancel();
     // A name as SQL takes it whatever characters it has; double quotes by default.
     virtual std::string Quoted(const std::string& name) const;
     // What the database calls a type, for CREATE TABLE.

@@ -76,7 +76,8 @@ CPoint SetWindowOrg(HDC dc, CPoint origin);
 CSize SetWindowExt(HDC dc, CSize extent);
 CPoint SetViewportOrg(HDC dc, CPoint origin);
 CSize SetViewportExt(HDC dc, CSize extent);
-COLORREF SetTextColor(HDC dc, COLORREF color);
+// Opacity: 255 for opaque ink, 0 for none that can be seen.
+COLORREF SetTextColor(HDC dc, COLORREF color, BYTE opacity = 255);
 COLORREF SetBkColor(HDC dc, COLORREF color);
 int SetBkMode(HDC dc, int mode);
 int SetROP2(HDC dc, int mode);

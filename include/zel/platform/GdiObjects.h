@@ -38,8 +38,11 @@ class CPen : public CGdiObject {
     DECLARE_DYNAMIC(CPen)
   public:
     CPen() = default;
-    CPen(int style, int width, COLORREF color) { CreatePen(style, width, color); }
-    BOOL CreatePen(int style, int width, COLORREF color);
+    CPen(int style, int width, COLORREF color, BYTE opacity = 255) {
+        CreatePen(style, width, color, opacity);
+    }
+    // The opacity goes beyond the platform's interface: 255 for opaque ink, 0 for none that can be seen.
+    BOOL CreatePen(int style, int width, COLORREF color, BYTE opacity = 255);
     BOOL CreatePenIndirect(LOGPEN* pen);
     BOOL Attach(HPEN handle) { return CGdiObject::Attach(reinterpret_cast<HGDIOBJ>(handle)); }
     HPEN Detach() { return reinterpret_cast<HPEN>(CGdiObject::Detach()); }
@@ -53,7 +56,8 @@ class CBrush : public CGdiObject {
     CBrush() = default;
     explicit CBrush(COLORREF color) { CreateSolidBrush(color); }
     CBrush(int hatch, COLORREF color) { CreateHatchBrush(hatch, color); }
-    BOOL CreateSolidBrush(COLORREF color);
+    // The opacity as that of a pen.
+    BOOL CreateSolidBrush(COLORREF color, BYTE opacity = 255);
     BOOL CreateHatchBrush(int hatch, COLORREF color);
     BOOL CreateBrushIndirect(const LOGBRUSH* brush);
     BOOL Attach(HBRUSH handle) { return CGdiObject::Attach(reinterpret_cast<HGDIOBJ>(handle)); }

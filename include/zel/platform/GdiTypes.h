@@ -163,17 +163,21 @@ inline constexpr int DT_METAFILE = 5;
 
 inline constexpr COLORREF CLR_INVALID = 0xFFFFFFFF;
 
-// Width in x; the y of the width is not used. Width 0 is the thinnest line of the device at any scale.
+// Width in x; the y of the width is not used. Width 0 is the thinnest line of the device at any scale. The
+// transparency, which the platform's record does not have, is 0 for opaque ink, so that a record cleared to
+// zeros is opaque, and 255 for none that can be seen. Other raster modes than R2_COPYPEN do not look at it.
 struct LOGPEN {
     UINT lopnStyle;
     POINT lopnWidth;
     COLORREF lopnColor;
+    BYTE lopnTransparency = 0;
 };
 
 struct LOGBRUSH {
     UINT lbStyle;
     COLORREF lbColor;
     LONG lbHatch;
+    BYTE lbTransparency = 0;  // as that of a pen
 };
 
 inline constexpr int LF_FACESIZE = 32;

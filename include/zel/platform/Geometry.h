@@ -34,6 +34,9 @@ constexpr LONG Add(LONG a, LONG b) {
 constexpr LONG Subtract(LONG a, LONG b) {
     return Saturate(static_cast<std::int64_t>(a) - b);
 }
+constexpr LONG Magnitude(LONG value) {
+    return value < 0 ? Subtract(0, value) : value;
+}
 
 // The integer nearest to zero-truncated `value`; values beyond the 32-bit range give its ends, NaN gives 0.
 constexpr LONG Truncate(double value) {

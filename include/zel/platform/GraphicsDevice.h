@@ -19,6 +19,7 @@ struct GraphicsState {
     LOGBRUSH brush{BS_SOLID, RGB(255, 255, 255), 0};
     LOGFONT font{};
     COLORREF textColor = RGB(0, 0, 0);
+    BYTE textTransparency = 0;  // as that of a pen
     COLORREF backgroundColor = RGB(255, 255, 255);
     int backgroundMode = OPAQUE;
     int rasterMode = R2_COPYPEN;
@@ -48,10 +49,12 @@ enum class ArcKind { ARC, CHORD, PIE };
 
 // The drawing surface behind a device context: a window, a page, an image, a file.
 //
-// A device holds no drawing state: each primitive receives all of it, in logical coordinates. A new device
-// overrides Caps, Polyline, Polygons, FillRect, DrawText and the two text measurements; every other primitive
-// has a default that reduces it to those, in device units (the state that it passes on maps nothing). All
-// calls come from one thread at a time. A device does not take ownership of anything that it is given.
+// A device holds no drawing state: each primitive receives all of it, in logical coordinates. All calls come
+// from one thread at a time. A device does not take ownership of anything that it is given.
+//
+// This is the bare interface. A new device derives from BasicDevice, which has defaults for most of it; one
+// that stands for another device derives from ForwardingDevice, which hands on everything. Both fail to
+// compile when a function is added here and forgotten there.
 class GraphicsDevice {
   public:
     GraphicsDevice() = default;
@@ -68,14 +71,15 @@ class GraphicsDevice {
     virtual void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) = 0;
 
     // The width in device units of the columns within which a solid line with the settings of `state`, or the
-    // outline of a fill, counts only by the first, lowest, highest and last of consecutive points; 0, the
-    // default, when every point counts. Callers may then leave out the others, between BeginCurve and
+    // outline of a fill, counts only by the first, lowest, highest and last of consecutive points; 0 when
+    // every point counts. Callers may then leave out the others, between BeginCurve and
     // EndCurve when it is a line, and give the lowest and highest any place within the column.
-    virtual int CurveColumn(const GraphicsState& state) const;
+    virtual int CurveColumn(const GraphicsState& state) const = 0;
     // All polylines, or all ellipses of Ellipses, between the two are one figure, which is not darker where
-    // it covers itself. Pairs may stand within pairs: then the outermost bound the figure.
-    virtual void BeginCurve();
-    virtual void EndCurve();
+    // it covers itself, also when its ink is transparent. Pairs may stand within pairs: then the outermost
+    // bound the figure.
+    virtual void BeginCurve() = 0;
+    virtual void EndCurve() = 0;
 
     // Fills one figure made of closed rings with the brush (the fill mode reaches across the rings) and
     // outlines each ring with the pen. `points` holds the rings one after another, `counts` their lengths.
@@ -88,22 +92,21 @@ class GraphicsDevice {
                           DWORD operation) = 0;
 
     // The rectangle, filled with the brush and outlined with the pen, right and bottom edges outside.
-    virtual void Rectangle(const GraphicsState& state, const CRect& rect);
+    virtual void Rectangle(const GraphicsState& state, const CRect& rect) = 0;
     // `corner` is the full width and height of the ellipse of the corners.
-    virtual void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner);
-    virtual void Ellipse(const GraphicsState& state, const CRect& rect);
+    virtual void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) = 0;
+    virtual void Ellipse(const GraphicsState& state, const CRect& rect) = 0;
     // The ellipse in `box` moved by each of `places`, in order. A device may move them by a part of a pixel,
     // so that many are alike.
-    virtual void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box);
+    virtual void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) = 0;
     // From the direction of `start` to that of `end`, both seen from the centre of `rect`.
     virtual void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
-                     ArcKind kind);
-    // The open arc of an Arc, with a state whose logical units are those of the device. The default is a
-    // polyline with corners on whole units.
-    virtual void StrokeArc(const GraphicsState& state, const EllipticArc& arc);
-    virtual void SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color);
+                     ArcKind kind) = 0;
+    // The open arc of an Arc, with a state whose logical units are those of the device.
+    virtual void StrokeArc(const GraphicsState& state, const EllipticArc& arc) = 0;
+    virtual void SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) = 0;
     // Fills a region given in logical coordinates.
-    virtual void FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush);
+    virtual void FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush) = 0;
 
     // Writes each span at its own point with the font of `state`, rotated about that point by the font's
     // escapement. Consecutive spans of one call belong to one line of text, in reading order: a device that
@@ -112,17 +115,16 @@ class GraphicsDevice {
 
     // The size of one unrotated line in logical units: the sum of the advances, and tmHeight.
     virtual CSize TextExtent(const GraphicsState& state, std::string_view text) = 0;
-    // The extents in x of the prefixes of `text` that end at the given byte offsets, in logical units. The
-    // default measures each prefix; a device whose advances add up overrides it.
+    // The extents in x of the prefixes of `text` that end at the given byte offsets, in logical units.
     virtual std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
-                                           std::span<const std::size_t> ends);
+                                           std::span<const std::size_t> ends) = 0;
     virtual TEXTMETRIC TextMetrics(const GraphicsState& state) = 0;
 
     // The colour of a device pixel, CLR_INVALID where there is none or the device cannot tell.
-    virtual COLORREF GetPixel(const CPoint& devicePoint);
+    virtual COLORREF GetPixel(const CPoint& devicePoint) = 0;
 
     // Called when the context stops drawing for now, so that a device that gathers its output shows it.
-    virtual void Flush();
+    virtual void Flush() = 0;
 };
 
 // A device that ends in a file of one or more pages.
@@ -134,5 +136,35 @@ class DocumentDevice : public GraphicsDevice {
     // leaves no file behind.
     virtual void Finish() = 0;
 };
+
+// What a new device derives from, `Interface` being GraphicsDevice or DocumentDevice. It overrides Caps,
+// Polyline, Polygons, FillRect, DrawText and the two text measurements; every other primitive has a default
+// that reduces it to those, in device units (the state that it passes on maps nothing).
+template <class Interface>
+class BasicDevice : public Interface {
+  public:
+    // 0: every point counts.
+    int CurveColumn(const GraphicsState& state) const override;
+    void BeginCurve() override;
+    void EndCurve() override;
+    void Rectangle(const GraphicsState& state, const CRect& rect) override;
+    void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) override;
+    void Ellipse(const GraphicsState& state, const CRect& rect) override;
+    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void Arc(const GraphicsState& state, const CRect& rect, const CPoint& start, const CPoint& end,
+             ArcKind kind) override;
+    // A polyline with corners on whole units.
+    void StrokeArc(const GraphicsState& state, const EllipticArc& arc) override;
+    void SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) override;
+    void FillRegion(const GraphicsState& state, const Region& region, const LOGBRUSH& brush) override;
+    // Measures each prefix; a device whose advances add up overrides it.
+    std::vector<int> PrefixExtents(const GraphicsState& state, std::string_view text,
+                                   std::span<const std::size_t> ends) override;
+    COLORREF GetPixel(const CPoint& devicePoint) override;
+    void Flush() override;
+};
+
+extern template class BasicDevice<GraphicsDevice>;
+extern template class BasicDevice<DocumentDevice>;
 
 }  // namespace zel

@@ -3,6 +3,7 @@
 
 #include <zel/platform/WinTypes.h>
 
+#include <exception>
 #include <functional>
 #include <string>
 
@@ -43,6 +44,9 @@ MessageBoxHandler SetMessageBoxHandler(MessageBoxHandler handler);
 
 // Shows the boxes that no handler answers: the window layer's part.
 void SetMessageBoxWindow(MessageBoxHandler show);
+
+// What a box says of an exception of the standard library.
+std::string WordsOf(const std::exception& e);
 
 // The answer of a box that nobody sees.
 int CautiousAnswer(UINT type);

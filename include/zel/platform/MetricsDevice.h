@@ -9,7 +9,7 @@ namespace zel {
 // Draws nothing and measures text with built-in, Arial-compatible metrics: each glyph's advance is rounded to
 // whole device units. Used where no back end is installed, and as the base of devices that only write things
 // down.
-class MetricsDevice : public GraphicsDevice {
+class MetricsDevice : public BasicDevice<GraphicsDevice> {
   public:
     explicit MetricsDevice(int unitsPerInch = 96, CSize surface = {1024, 768});
 

@@ -18,7 +18,7 @@ namespace zel::qt {
 //     root.Draw(&dc);
 //     dc.Flush();
 //     image.Save("graph.png");
-class ImageDevice : public GraphicsDevice {
+class ImageDevice : public BasicDevice<GraphicsDevice> {
   public:
     static constexpr int kSubPixels = 16;
     // The device unit: a sixteenth of a pixel, or a whole one, as on a screen.

@@ -1,6 +1,7 @@
 #include "Support.h"
 
 #include <zel/platform/Platform.h>
+#include <zel/platform/Warning.h>
 #include <zel/qt/Install.h>
 #include <zel/zel.h>
 
@@ -471,6 +472,106 @@ TEST_F(Files, DrawTheSameAsTheMetafileReadElsewhere) {
         for (int x = 0; x < 80; ++x) unlike += std::abs(qGray(other.pixel(x, y)) - qGray(ours.pixel(x, y)));
     }
     EXPECT_GT(unlike, 1.3 * difference) << "a picture upside down must stand out";
+}
+
+// Two halves of ink, where they lie one over the other and where they are one figure; read by other programs.
+TEST_F(Files, MixTransparentInkInVectors) {
+    for (const char* format : {"pdf", "svg"}) {
+        zel::FileDeviceOptions options;
+        options.path = folder_ / "o." + format;
+        options.format = format;
+        options.width = options.height = 2;
+        const auto device = zel::Platform::Get().CreateFileDevice(options);
+        const int pixel = static_cast<int>(zel::Platform::Get().UnitsPerInch(options)) / 96;
+        {
+            CDC dc(*device);
+            const auto at = [=](int x, int y) { return CPoint(x * pixel, y * pixel); };
+            CPen pen(PS_SOLID, 9 * pixel, RGB(0, 0, 0), 128);
+            CPen* const previous = dc.SelectObject(&pen);
+            const auto line = [&](CPoint from, CPoint to) {
+                dc.MoveTo(from), dc.LineTo(to), dc.MoveTo(0, 0);
+            };
+            line(at(10, 20), at(90, 20));
+            line(at(50, 5), at(50, 40));
+            dc.BeginCurve();
+            line(at(110, 20), at(180, 20));
+            line(at(150, 5), at(150, 40));
+            dc.EndCurve();
+            CBrush quarter;
+            quarter.CreateSolidBrush(RGB(255, 0, 0), 64);
+            CBrush* const before = dc.SelectObject(&quarter);
+            dc.SelectStockObject(NULL_PEN);
+            const CRect box(at(20, 60), at(60, 100));
+            dc.Rectangle(&box);
+            const CPoint places[] = {at(120, 80), at(130, 80)};
+            dc.BeginCurve();
+            dc.Ellipses(places, CRect(at(-15, -15), at(15, 15)));
+            dc.EndCurve();
+            dc.SelectObject(before);
+            dc.SelectObject(previous);
+            CFont font;
+            font.CreateFont(-90 * pixel, 0, 0, 0, FW_BOLD, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+            CFont* const oldFont = dc.SelectObject(&font);
+            dc.SetBkMode(TRANSPARENT);
+            dc.SetTextColor(RGB(0, 0, 255), 128);
+            dc.TextOut(20 * pixel, 90 * pixel, "I", 1);
+            dc.SelectObject(oldFont);
+        }
+        device->Finish();
+        const std::string seen = folder_ / "seen.png";
+        const auto reader =
+            RunProgram(std::string(format) == "pdf"
+                           ? "pdftoppm -r 96 -png -singlefile " + options.path + " " + (folder_ / "seen")
+                           : "rsvg-convert -b white -d 96 -p 96 " + options.path + " -o " + seen);
+        ASSERT_EQ(reader.code, 0) << reader.text;
+        const QImage image(QString::fromStdString(seen));
+        const auto expect = [&](int x, int y, QRgb color, const char* what) {
+            const QRgb found = image.pixel(x, y);
+            EXPECT_LE(std::abs(qRed(found) - qRed(color)) + std::abs(qGreen(found) - qGreen(color)) +
+                          std::abs(qBlue(found) - qBlue(color)),
+                      6)
+                << format << ": " << what << " is " << std::hex << found;
+        };
+        expect(30, 20, qRgb(127, 127, 127), "a line");
+        expect(50, 20, qRgb(63, 63, 63), "where two lines cross");
+        expect(130, 20, qRgb(127, 127, 127), "a line of a figure");
+        expect(150, 20, qRgb(127, 127, 127), "where lines of a figure cross");
+        expect(40, 80, qRgb(255, 191, 191), "a fill");
+        expect(125, 80, qRgb(255, 191, 191), "where marks of a figure lie one over the other");
+        expect(33, 140, qRgb(127, 127, 255), "text");
+    }
+}
+
+// Hebrew is found in PDF in the order in which it is read, and SVG tells the direction.
+TEST_F(Files, KeepTextOfEveryDirectionSearchable) {
+    const int font = root_.GetFontIndex("text");
+    root_.Add(new Zel2Text("\u05E9\u05DC\u05D5\u05DD abc", CPoint(2000, 1000), font, DT_CENTER, 0, -1, -1,
+                           {-1, 0.0F}));
+    root_.Add(new Zel2Text("cafe\u0301 \u0416", CPoint(2000, 500), font, DT_CENTER, 900, -1, -1, {-1, 0.0F}));
+    const std::string text = RunProgram("pdftotext " + Written("a.pdf") + " -").text;
+    EXPECT_THAT(text, testing::HasSubstr("\u05E9\u05DC\u05D5\u05DD"));
+    EXPECT_THAT(text, testing::HasSubstr("caf\u00E9 \u0416"));
+    const std::string svg = Content(Written("a.svg"));
+    EXPECT_THAT(svg, testing::ContainsRegex("direction=\"rtl\".*>\u05E9\u05DC\u05D5\u05DD abc<"));
+}
+
+// What a foreign document can ask for: a dashed line around a giant, and a line of text without end.
+TEST_F(Files, DoNotGrowWithoutLimit) {
+    Zel2Main drawing;
+    drawing.SetRules(ZelRules::EXACT);
+    const int pen = drawing.RegisterPen("dots", DrawPen::DOT, 0, 0, 0, nullptr);
+    drawing.Add(new Zel2Rect(CRect(0, 0, 30'000'000, 200'000), pen, -1, Zel2Rect::RECTANGLE, -1));
+    const int font = drawing.RegisterFont("f", "Arial", 100, 0, 0, 0, 0, 0, 0);
+    drawing.Add(new Zel2Text(std::string(80'000, 'x').c_str(), CPoint(0, 0), font, 0, 0, -1, -1, {-1, 0.0F}));
+    std::vector<std::string> warnings;
+    const auto before = zel::SetWarningHandler([&](const std::string& text) { warnings.push_back(text); });
+    for (const char* name : {"giant.svg", "giant.pdf"}) {
+        const std::string path = folder_ / name;
+        zel::Export(drawing, path.c_str());
+        EXPECT_LT(Content(path).size(), 40'000'000U) << name;
+    }
+    zel::SetWarningHandler(before);
+    EXPECT_THAT(warnings, testing::Contains(testing::HasSubstr("dashes is drawn solid")));
 }
 
 }  // namespace

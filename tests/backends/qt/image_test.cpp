@@ -1,9 +1,11 @@
+#include <zel/platform/Exception.h>
 #include <zel/platform/MetricsDevice.h>
 #include <zel/platform/Warning.h>
 #include <zel/qt/ImageDevice.h>
 #include <zel/qt/Install.h>
 #include <zel/zel.h>
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <random>
@@ -191,6 +193,9 @@ TEST_F(Image, MeasuresTextAsOtherDevicesDo) {
         const int length = static_cast<int>(strlen(text));
         EXPECT_NEAR(dc_.GetTextExtent(text, length).cx, other.GetTextExtent(text, length).cx, length) << text;
     }
+    TEXTMETRIC metrics{};
+    dc_.GetTextMetrics(&metrics);
+    EXPECT_EQ(metrics.tmHeight - metrics.tmInternalLeading, 2048) << "the em";
     const std::size_t ends[] = {1, 5, 11};
     EXPECT_EQ(dc_.GetPrefixExtents("Hello World", ends)[2], dc_.GetTextExtent("Hello World", 11).cx);
 }
@@ -213,6 +218,198 @@ TEST_F(Image, WritesTextWhereItIsTold) {
     dc_.TextOut(0, 0, "x", 1);
     zel::SetWarningHandler(handler);
     EXPECT_THAT(warned, testing::HasSubstr("\"No Such Family\" is not installed"));
+}
+
+// Half of black on white is 127, and half of black on that 63.
+TEST_F(Image, MixesTransparentInk) {
+    CPen pen(PS_SOLID, 4 * kSub, RGB(0, 0, 0), 128);
+    CPen* previous = dc_.SelectObject(&pen);
+    Line(CPoint(0, 10 * kSub), CPoint(90 * kSub, 10 * kSub));
+    Line(CPoint(20 * kSub, 0), CPoint(20 * kSub, 30 * kSub));
+    EXPECT_EQ(At(40, 10), RGB(127, 127, 127));
+    EXPECT_EQ(At(20, 10), RGB(63, 63, 63)) << "two lines";
+    const auto cross = [&](int y) {
+        const POINT crossing[] = {{10 * kSub, y * kSub},
+                                  {60 * kSub, y * kSub},
+                                  {60 * kSub, (y + 9) * kSub},
+                                  {40 * kSub, (y + 9) * kSub},
+                                  {40 * kSub, (y - 9) * kSub}};
+        dc_.Polyline(crossing, 5);
+    };
+    cross(40);
+    EXPECT_EQ(At(40, 40), RGB(127, 127, 127)) << "one line that crosses itself";
+    EXPECT_EQ(At(60, 40), RGB(127, 127, 127)) << "at its corner";
+    dc_.BeginCurve();
+    cross(60);
+    cross(62);
+    dc_.EndCurve();
+    EXPECT_EQ(At(40, 61), RGB(127, 127, 127)) << "one figure of two lines";
+    dc_.SelectObject(previous);
+
+    CBrush quarter;
+    quarter.CreateSolidBrush(RGB(255, 0, 0), 64);
+    CBrush* before = dc_.SelectObject(&quarter);
+    dc_.SelectStockObject(NULL_PEN);
+    const CRect box = Units(70, 20, 80, 30), far = Units(70, 40, 80, 50);
+    dc_.FillRect(&box, &quarter);
+    EXPECT_EQ(At(75, 25), RGB(255, 191, 191)) << "255 * 191 / 255";
+    const CPoint corners[] = {far.TopLeft(), {far.right, far.top}, far.BottomRight(), {far.left, far.bottom}};
+    dc_.Polygon(corners, 4);
+    EXPECT_EQ(At(75, 45), RGB(255, 191, 191));
+    for (const int size : {8, 24}) {
+        device_.Clear(RGB(255, 255, 255));
+        const CPoint places[] = {{40 * kSub, 40 * kSub}, {42 * kSub, 40 * kSub}};
+        const CRect disc = Units(-size / 2, -size / 2, size / 2, size / 2);
+        dc_.BeginCurve();
+        for (const CPoint& place : places) dc_.Ellipses({&place, 1}, disc);
+        dc_.EndCurve();
+        EXPECT_EQ(At(41, 40), RGB(255, 191, 191)) << "marks of a series, side " << size;
+    }
+    dc_.SelectObject(before);
+}
+
+// The letters of Hebrew are drawn from the right, marks over their letter, and Arabic letters join.
+TEST_F(Image, ShapesAndOrdersText) {
+    CFont font;
+    font.CreateFont(-24 * kSub, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+    CFont* previous = dc_.SelectObject(&font);
+    dc_.SetBkMode(TRANSPARENT);
+    const auto drawn = [&](auto draw) {
+        device_.Clear(RGB(255, 255, 255));
+        draw();
+        dc_.Flush();
+        return std::vector<std::uint32_t>(device_.Pixels(),
+                                          device_.Pixels() + device_.Width() * device_.Height());
+    };
+    const auto write = [&](int x, const CString& text) { dc_.TextOut(x, 5 * kSub, text); };
+    const CString alef = "\u05D0", gimel = "\u05D2";
+    const int width = dc_.GetTextExtent(gimel).cx;
+    const auto both = drawn([&] { write(0, alef + gimel); });
+    EXPECT_NE(both, drawn([&] { write(0, gimel + alef); }));
+    EXPECT_EQ(both, drawn([&] {
+                  const CString marked =
+                      CString("\u202D") + gimel + alef;  // from the left, whatever they are
+                  write(0, marked);
+              }));
+    EXPECT_NEAR(dc_.GetTextExtent(alef + gimel).cx, dc_.GetTextExtent(alef).cx + width, 1);
+    EXPECT_EQ(drawn([&] { write(0, "e\u0301"); }), drawn([&] { write(0, "\u00E9"); }));
+    const CString beh = "\u0628";
+    EXPECT_NE(dc_.GetTextExtent(beh + beh).cx, 2 * dc_.GetTextExtent(beh).cx) << "joined letters are others";
+    // As a line of characters, each with its place: the whole is drawn as one text.
+    EXPECT_EQ(drawn([&] {
+                  const zel::TextSpan spans[] = {{"\u05D0", {0, 5 * kSub}}, {"\u05D2", {width, 5 * kSub}}};
+                  dc_.TextRun(spans);
+              }),
+              both);
+    const std::string mixed = "ab \u05D0\u05D2 \u0628\u0628 cd";
+    std::vector<std::size_t> ends;
+    for (std::size_t i = 1; i <= mixed.size(); ++i) ends.push_back(i);
+    const std::vector<int> widths = dc_.GetPrefixExtents(mixed, ends);
+    EXPECT_TRUE(std::is_sorted(widths.begin(), widths.end()));
+    EXPECT_EQ(widths.back(), dc_.GetTextExtent(mixed.c_str()).cx);
+    EXPECT_EQ(widths[2], dc_.GetTextExtent("ab ").cx) << "plain text is as wide as ever";
+    // No font has it: a box, and one warning.
+    std::vector<std::string> warnings;
+    const auto before = zel::SetWarningHandler([&](const std::string& text) { warnings.push_back(text); });
+    EXPECT_EQ(drawn([&] { write(0, "\U00012000\U00012001"); }), drawn([&] { write(0, "\u25A1\u25A1"); }));
+    zel::SetWarningHandler(before);
+    ASSERT_EQ(warnings.size(), 1U);
+    EXPECT_THAT(warnings[0], testing::HasSubstr("U+12000"));
+    dc_.SelectObject(previous);
+}
+
+// Pens of the platform and raster modes, pixel by pixel: with the first one, without the last.
+TEST_F(Image, DrawsStyledAndInvertingLinesToThePixel) {
+    zel::qt::ImageDevice screen(60, 40, 96, 0, zel::qt::ImageDevice::Grid::PIXELS);
+    screen.Clear(RGB(255, 255, 255));
+    CDC dc(screen);
+    CPen dots(PS_DOT, 1, RGB(0, 0, 0));
+    CPen* previous = dc.SelectObject(&dots);
+    dc.SetBkColor(RGB(255, 255, 0));
+    const auto row = [&](int y) {
+        std::string text;
+        for (int x = 8; x < 22; ++x) {
+            const COLORREF color = screen.GetPixel(CPoint(x, y));
+            text += color == RGB(255, 255, 255) ? '.' : color == RGB(0, 0, 0) ? '#' : 'o';
+        }
+        return text;
+    };
+    const auto line = [&](int x1, int y1, int x2, int y2) {
+        dc.MoveTo(x1, y1), dc.LineTo(x2, y2), dc.Flush();
+    };
+    line(10, 5, 20, 5);
+    EXPECT_EQ(row(5), "..###ooo###o..") << "gaps in the background colour";
+    dc.SetBkMode(TRANSPARENT);
+    line(20, 7, 10, 7);
+    EXPECT_EQ(row(7), "....###...###.") << "from the right";
+    EXPECT_EQ(screen.GetPixel(CPoint(20, 7)), RGB(0, 0, 0)) << "from the right";
+    EXPECT_EQ(screen.GetPixel(CPoint(10, 7)), RGB(255, 255, 255));
+    dc.SelectObject(previous);
+    dc.SetROP2(R2_NOT);
+    line(10, 9, 20, 9);
+    EXPECT_EQ(row(9), "..##########..");
+    line(10, 9, 20, 9);
+    EXPECT_EQ(row(9), "..............");
+    line(10, 12, 13, 15);
+    EXPECT_EQ(row(12), "..#...........");
+    EXPECT_EQ(row(15), "..............");
+    dc.SetROP2(R2_COPYPEN);
+
+    // An outlined polygon and its fill meet: no white between, and none of the fill outside.
+    CBrush red(RGB(255, 0, 0));
+    CBrush* before = dc.SelectObject(&red);
+    const CPoint square[] = {{30, 10}, {40, 10}, {40, 20}, {30, 20}};
+    dc.Polygon(square, 4);
+    EXPECT_EQ(screen.GetPixel(CPoint(39, 15)), RGB(255, 0, 0));
+    EXPECT_EQ(screen.GetPixel(CPoint(40, 15)), RGB(0, 0, 0));
+    EXPECT_EQ(screen.GetPixel(CPoint(29, 15)), RGB(255, 255, 255));
+    const CPoint kite[] = {{45, 20}, {50, 15}, {55, 20}, {50, 25}};
+    dc.Polygon(kite, 4);
+    const auto redness = [&](int x) { return GetGValue(screen.GetPixel(CPoint(x, 20))); };
+    for (int i = 0; i < 5; ++i) EXPECT_NEAR(redness(46 + i), redness(54 - i), 1) << "the same on both sides";
+    dc.SelectObject(before);
+}
+
+// A wide line along an axis has the ends of a slanted one.
+TEST_F(Image, RoundsTheEndsOfWideLines) {
+    CPen wide(PS_SOLID, 9 * kSub, RGB(0, 0, 0));
+    CPen* previous = dc_.SelectObject(&wide);
+    Line(CPoint(20 * kSub, 30 * kSub), CPoint(60 * kSub, 30 * kSub));
+    EXPECT_EQ(Inked(), CRect(16, 26, 65, 35));
+    EXPECT_EQ(At(16, 30), RGB(0, 0, 0));
+    EXPECT_EQ(At(16, 26), RGB(255, 255, 255)) << "no corner";
+    EXPECT_EQ(At(40, 26), RGB(0, 0, 0)) << "crisp sides";
+    EXPECT_EQ(At(40, 25), RGB(255, 255, 255));
+    dc_.SelectObject(previous);
+}
+
+// Sixteen points to a pixel that go one way look as the straight line that they are.
+TEST_F(Image, KeepsTheSlantOfDenseLines) {
+    const auto drawn = [&](int step) {
+        device_.Clear(RGB(255, 255, 255));
+        std::vector<POINT> line;
+        for (int x = 0; x <= 20 * kSub; x += step) line.push_back({30 * kSub + x, 5 * kSub + 3 * x});
+        dc_.BeginCurve();
+        dc_.Polyline(line.data(), static_cast<int>(line.size()));
+        dc_.EndCurve();
+        return std::vector<std::uint32_t>(device_.Pixels(),
+                                          device_.Pixels() + device_.Width() * device_.Height());
+    };
+    const auto dense = drawn(1), straight = drawn(20 * kSub);
+    int most = 0;
+    for (std::size_t i = 0; i < dense.size(); ++i)
+        most = std::max(most,
+                        std::abs(static_cast<int>(dense[i] & 0xFF) - static_cast<int>(straight[i] & 0xFF)));
+    EXPECT_LT(most, 40) << "of 255";
+}
+
+TEST_F(Image, RefusesWhatNoMemoryHolds) {
+    try {
+        const zel::qt::ImageDevice image(20'000, 20'000, 96);
+        ADD_FAILURE();
+    } catch (CInvalidArgException* e) {
+        EXPECT_THAT(zel::TakeMessage(e), testing::HasSubstr("choose a lower resolution"));
+    }
 }
 
 }  // namespace

@@ -166,6 +166,7 @@ std::vector<Shape> Shapes() {
         {"noise", even, any},
         {"slow", even, slow},
         {"gaps", even, gaps},
+        {"away", even, [=](std::size_t i) { return i % 1500 < 600 ? 5 : slow(i); }},
         {"wild", even, wild},
         {"back", back, any},
         {"cloud", cloud, any},

@@ -1,6 +1,7 @@
 #include "Support.h"
 
 #include <zel/platform/DC.h>
+#include <zel/platform/MetricsDevice.h>
 #include <zel/platform/Platform.h>
 #include <zel/platform/RecordingDevice.h>
 
@@ -55,6 +56,54 @@ TEST_F(Context, KeepsALineWholeOverAChangeOfPenAndBack) {
     dc_.SetROP2(R2_NOT);
     dc_.LineTo(5, 0);
     EXPECT_EQ(Recorded(), "pen solid 0 #000000\npolyline 3,0 4,0\nmode 6\npolyline 4,0 5,0\n");
+}
+
+// Every primitive with every pair of extreme coordinates: sums end at the ends of the range, and nothing is
+// undefined.
+TEST(Extremes, SaturateEverywhere) {
+    zel::MetricsDevice measures;
+    constexpr LONG kFar[] = {INT32_MIN, INT32_MIN + 1, -1, 0, 1, INT32_MAX - 1, INT32_MAX};
+    for (const LONG a : kFar) {
+        for (const LONG b : kFar) {
+            CDC dc(measures);
+            dc.SetMapMode(MM_ANISOTROPIC);
+            dc.SetWindowOrg(b, a);
+            dc.SetWindowExt(a, b);
+            dc.SetViewportExt(b, -7);
+            LOGPEN wide{PS_SOLID, {a, 0}, 0};
+            CPen pen(PS_SOLID, b, 0);
+            pen.DeleteObject();
+            ASSERT_TRUE(pen.CreatePenIndirect(&wide));
+            CFont font;
+            font.CreateFont(a, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+            CPen* const thin = dc.SelectObject(&pen);
+            CFont* const plain = dc.SelectObject(&font);
+            const CRect box(a, b, b, a), tall(a, a, b, b);
+            const POINT ring[] = {{a, b}, {b, a}, {a, a}};
+            dc.Polygon(ring, 3);
+            for (const CRect& r : {box, tall, CRect(a, INT32_MIN, INT32_MAX, b)}) {
+                CRect measured = r;
+                dc.Rectangle(r.left, r.top, r.right, r.bottom);
+                dc.Ellipse(&r);
+                dc.RoundRect(&r, CPoint(b, a));
+                dc.Pie(&r, CPoint(a, b), CPoint(b, a));
+                dc.FrameRect(&r, nullptr);
+                dc.SetPixel(r.left, r.top, 0);
+                dc.DrawText("wide, wide text\tand &more", -1, &measured,
+                            DT_WORDBREAK | DT_EXPANDTABS | DT_RIGHT);
+                dc.DrawText("text", -1, &measured, DT_SINGLELINE | DT_BOTTOM | DT_CALCRECT);
+            }
+            dc.PatBlt(a, b, b, a, BLACKNESS);
+            dc.SetTextAlign(TA_UPDATECP);
+            dc.TextOut(0, 0, "text", 4);
+            TEXTMETRIC metrics;
+            dc.GetTextMetrics(&metrics);
+            EXPECT_EQ(metrics.tmHeight, zel::Saturate(std::int64_t{metrics.tmAscent} + metrics.tmDescent));
+            EXPECT_GE(metrics.tmHeight, 0);
+            dc.SelectObject(thin);
+            dc.SelectObject(plain);
+        }
+    }
 }
 
 TEST_F(Context, SplitsVeryLongLinesWithoutAGap) {
@@ -136,15 +185,15 @@ TEST_F(Context, FillsAndFrames) {
 class Bare : public zel::RecordingDevice {
   public:
     using State = zel::GraphicsState;
-    void Rectangle(const State& s, const CRect& r) override { GraphicsDevice::Rectangle(s, r); }
+    void Rectangle(const State& s, const CRect& r) override { BasicDevice::Rectangle(s, r); }
     void RoundRect(const State& s, const CRect& r, const CSize& c) override {
-        GraphicsDevice::RoundRect(s, r, c);
+        BasicDevice::RoundRect(s, r, c);
     }
-    void Ellipse(const State& s, const CRect& r) override { GraphicsDevice::Ellipse(s, r); }
+    void Ellipse(const State& s, const CRect& r) override { BasicDevice::Ellipse(s, r); }
     void Arc(const State& s, const CRect& r, const CPoint& a, const CPoint& b, zel::ArcKind k) override {
-        GraphicsDevice::Arc(s, r, a, b, k);
+        BasicDevice::Arc(s, r, a, b, k);
     }
-    void SetPixel(const State& s, const CPoint& p, COLORREF c) override { GraphicsDevice::SetPixel(s, p, c); }
+    void SetPixel(const State& s, const CPoint& p, COLORREF c) override { BasicDevice::SetPixel(s, p, c); }
     void Polygons(const State& s, std::span<const CPoint> p, std::span<const int>) override { Keep(s, p); }
     void Polyline(const State& s, const CPoint* p, std::size_t n) override { Keep(s, {p, n}); }
     void FillRect(const State& s, const CRect& r, const LOGBRUSH&, DWORD) override {

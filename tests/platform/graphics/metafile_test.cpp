@@ -76,7 +76,7 @@ TEST(Metafile, KeepsWordsWholeAndUsesObjectsAgain) {
         dc.TextRun(stair);
     }));
     EXPECT_THAT(records, testing::Contains(Record{
-                             0x0A32, {5, 10, 3, 0, static_cast<std::int16_t>(0xB031), 0x43, 9, 6, 0}}));
+                             0x0A32, {5, 10, 3, 0, static_cast<std::int16_t>(0xB031), 0x43, 9, 6, 10}}));
     EXPECT_THAT(records, testing::Contains(Record{0x0521, {1, 'a', 5, 10}}));
     EXPECT_THAT(records, testing::Contains(Record{0x0521, {1, 'b', 9, 19}}));
     EXPECT_EQ(
@@ -231,6 +231,81 @@ TEST(Metafile, SaysWhereItCannotBeWritten) {
     dc.Create("/no/such/folder/drawing.wmf");
     EXPECT_THAT(MessageOf<CFileException>([&] { dc.Close(); }),
                 testing::HasSubstr("/no/such/folder/drawing.wmf"));
+}
+
+// A quarter of red on white paper: 255 * 1/4 + 255 * 3/4 and 0 * 1/4 + 255 * 3/4, rounded.
+TEST(Metafile, MixesTransparentInkWithWhitePaper) {
+    const auto records = RecordsOf(Recorded([](CDC& dc) {
+        CBrush brush;
+        brush.CreateSolidBrush(RGB(255, 0, 0), 64);
+        const CRect box(0, 0, 9, 9);
+        dc.FillRect(&box, &brush);
+    }));
+    constexpr WORD kCreateBrush = 0x02FC;
+    EXPECT_THAT(records,
+                testing::Contains(Record{kCreateBrush, {0, static_cast<std::int16_t>(0xBFFF), 0x00BF, 0}}));
+}
+
+constexpr WORD kCreateFont = 0x02FB, kTextOut = 0x0521, kExtTextOut = 0x0A32;
+
+// Bytes by the code pages 1252, 1253, 1251 and the encoding of the font Symbol.
+TEST(Metafile, WritesEachAlphabetInItsCharacterSet) {
+    const auto records = RecordsOf(Recorded([](CDC& dc) {
+        CFont font;
+        font.CreateFont(-2048, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, "Arial");
+        CFont* previous = dc.SelectObject(&font);
+        const zel::TextSpan line[] = {
+            {"x", {0, 5}}, {"\u0394", {9, 5}}, {"\u0436", {19, 5}}, {"\u221A", {30, 5}}, {"y", {42, 5}}};
+        dc.TextRun(line);
+        dc.SelectObject(previous);
+    }));
+    std::vector<int> sets;
+    for (const Record& font : Only(records, {kCreateFont}))
+        sets.push_back(static_cast<WORD>(font.words[6]) >> 8);
+    EXPECT_THAT(sets, testing::ElementsAre(0, 161, 204, 2)) << "Western, Greek, Cyrillic, Symbol";
+    EXPECT_THAT(Only(records, {kExtTextOut}),
+                testing::ElementsAre(Record{kExtTextOut, {5, 0, 1, 0, 'x', 9}},
+                                     Record{kExtTextOut, {5, 9, 1, 0, 0xC4, 10}},
+                                     Record{kExtTextOut, {5, 19, 1, 0, 0xE6, 11}},
+                                     Record{kExtTextOut, {5, 30, 1, 0, 0xD6, 12}},
+                                     Record{kExtTextOut, {5, 42, 1, 0, 'y', 1024}}));
+    // Players order Hebrew by themselves (code page 1255), and draw the lines under blanks.
+    const auto others = RecordsOf(Recorded([](CDC& dc) {
+        const zel::TextSpan hebrew[] = {{"\u05E9", {0, 5}}, {"\u05DC", {9, 5}}};
+        dc.TextRun(hebrew);
+        CFont font;
+        font.CreateFont(-10, 0, 900, 900, 0, 0, 1, 0, 0, 0, 0, 0, 0, "Arial");
+        CFont* previous = dc.SelectObject(&font);
+        const zel::TextSpan turned[] = {{"a", {0, 5}}, {" ", {0, 9}}, {"\t", {0, 12}}};
+        dc.TextRun(turned);
+        dc.SelectObject(previous);
+    }));
+    EXPECT_THAT(Only(others, {kTextOut}),
+                testing::ElementsAre(Record{kTextOut, {2, static_cast<std::int16_t>(0xECF9), 5, 0}},
+                                     Record{kTextOut, {1, 'a', 5, 0}}, Record{kTextOut, {1, ' ', 9, 0}},
+                                     Record{kTextOut, {1, ' ', 12, 0}}));
+}
+
+// A hundred thousand teeth on a base line, one of them high.
+TEST(Metafile, KeepsTheShapeOfLargeAreas) {
+    const auto records = Only(RecordsOf(Recorded([](CDC& dc) {
+                                  std::vector<CPoint> area{{0, 0}};
+                                  for (int i = 0; i < 100'000; ++i)
+                                      area.push_back({i / 10, i == 51'234 ? 9000 : 100 + i % 2});
+                                  area.push_back({9999, 0});
+                                  dc.Polygon(area.data(), static_cast<int>(area.size()));
+                              })),
+                              {0x0324});
+    ASSERT_EQ(records.size(), 1U);
+    const std::vector<std::int16_t>& words = records[0].words;
+    const auto has = [&](std::int16_t x, std::int16_t y) {
+        for (std::size_t i = 1; i + 1 < words.size(); i += 2)
+            if (words[i] == x && words[i + 1] == y) return true;
+        return false;
+    };
+    EXPECT_LE(words[0], 0x7000);
+    EXPECT_TRUE(has(0, 0) && has(9999, 0)) << "its corners";
+    EXPECT_TRUE(has(5123, 9000)) << "its highest tooth";
 }
 
 }  // namespace

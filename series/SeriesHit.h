@@ -1,7 +1,7 @@
 // Whether a place of the surface is on a data series.
 #pragma once
 
-#include "graphs/SeriesFill.h"
+#include "series/FrameClip.h"
 
 #include <zel/SeriesPoints.h>
 #include <zel/WorldFrame.h>

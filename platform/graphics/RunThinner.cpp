@@ -1,14 +1,16 @@
-#include "backends/qt/RunThinner.h"
+#include "platform/graphics/RunThinner.h"
 
 #include <algorithm>
 
-namespace zel::qt {
+namespace zel {
 
-void ThinRuns(std::vector<CPoint>& points) {
+void ThinRuns(std::vector<CPoint>& points, int width) {
+    const auto columnOf = [=](LONG x) { return x >= 0 ? x / width : (x + 1) / width - 1; };
     std::size_t kept = 0;
     for (std::size_t begin = 0; begin < points.size();) {
+        const LONG column = columnOf(points[begin].x);
         std::size_t low = begin, high = begin, end = begin + 1;
-        for (; end < points.size() && points[end].x == points[begin].x; ++end) {
+        for (; end < points.size() && columnOf(points[end].x) == column; ++end) {
             if (points[end].y < points[low].y) low = end;
             if (points[end].y > points[high].y) high = end;
         }
@@ -23,4 +25,4 @@ void ThinRuns(std::vector<CPoint>& points) {
     points.resize(kept);
 }
 
-}  // namespace zel::qt
+}  // namespace zel

@@ -1,7 +1,7 @@
-#include "graphs/SeriesHit.h"
+#include "series/SeriesHit.h"
 
+#include "series/FrameClip.h"
 #include "series/SeriesIndex.h"
-#include "tools/FrameClip.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,8 +39,8 @@ bool SeriesHit::Test(const SeriesStretch& stretch) {
         const bool beside = std::min(low.x, high.x) > reach || std::max(low.x, high.x) < -reach ||
                             std::min(low.y, high.y) > reach || std::max(low.y, high.y) < -reach;
         if (!beside) return false;
-        hit = TestPoint(before_ + begin - stretch.begin, stretch.x.At(begin), stretch.y.At(begin));
-        last_ = {stretch.x.At(end - 1), stretch.y.At(end - 1)};
+        hit = TestPoint(before_ + begin - stretch.begin, stretch.X(begin), stretch.Y(begin));
+        last_ = {stretch.X(end - 1), stretch.Y(end - 1)};
         return true;
     };
     WalkSeries(stretch, pass,
@@ -53,7 +53,7 @@ bool SeriesHit::Test(const SeriesStretch& stretch) {
 }
 
 bool SeriesHit::IsOnLine(WorldPoint from, WorldPoint to) const {
-    return line_ >= 0 && ClipToFrame(frame_, from.x, from.y, to.x, to.y) &&
+    return line_ >= 0 && ClipClosed(frame_, from.x, from.y, to.x, to.y) &&
            DistanceOf(FromHere(from.x, from.y), FromHere(to.x, to.y)) <= line_ + reach_;
 }
 

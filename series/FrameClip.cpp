@@ -1,6 +1,4 @@
-#include "tools/FrameClip.h"
-
-#include <zel/DrawPen.h>
+#include "series/FrameClip.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,6 +29,8 @@ double Snapped(double value, double low, double high, double slack) {
     return value;
 }
 
+}  // namespace
+
 bool ClipClosed(const WorldFrame& frame, double& x1, double& y1, double& x2, double& y2) {
     // The difference of two values near the end of the double range is not finite; a quarter of it is.
     const double scale = std::isfinite(x2 - x1) && std::isfinite(y2 - y1) ? 1 : 0.25;
@@ -58,15 +58,8 @@ bool ClipClosed(const WorldFrame& frame, double& x1, double& y1, double& x2, dou
     return true;
 }
 
-}  // namespace
-
 FrameSlack::FrameSlack(const WorldFrame& frame)
     : x(frame.exact ? kRounding * std::fabs(frame.xmax - frame.xmin) : 0),
       y(frame.exact ? kRounding * std::fabs(frame.ymax - frame.ymin) : 0) {}
-
-bool ClipToFrame(const WorldFrame& frame, double& x1, double& y1, double& x2, double& y2) {
-    if (frame.exact) return ClipClosed(frame, x1, y1, x2, y2);
-    return DrawPen::Clip(x1, y1, x2, y2, frame.xmin, frame.ymin, frame.xmax, frame.ymax) != 0;
-}
 
 }  // namespace zel

@@ -1,0 +1,131 @@
+#include "charts/TextRuler.h"
+#include "core/ArchiveFields.h"
+
+#include <zel/ChartLayers.h>
+#include <zel/DrawPen.h>
+#include <zel/Zel2Chart.h>
+
+#include <algorithm>
+#include <cmath>
+
+IMPLEMENT_SERIAL(Zel2LineLayer, Zel2XYLayer, 1)
+
+namespace {
+
+constexpr std::size_t kBlock = 1024;
+
+int StyleOf(zel::Dash dash) {
+    switch (dash) {
+        case zel::Dash::DASHED:
+            return DrawPen::DASH;
+        case zel::Dash::DOTTED:
+            return DrawPen::DOT;
+        case zel::Dash::DASH_DOT:
+            return DrawPen::DASH_DOT;
+        case zel::Dash::DASH_DOT_DOT:
+            return DrawPen::DASH_DOT_DOT;
+        default:
+            return DrawPen::SOLID;
+    }
+}
+
+// The corners of a stepped line, a block of points at a time.
+class Steps {
+  public:
+    Steps(DrawPen& pen, const WorldFrame& frame, zel::Step step) : pen_(pen), frame_(frame), step_(step) {}
+    void Add(double x, double y) {
+        if (!xs_.empty() && std::isfinite(xs_.back()) && std::isfinite(x)) {
+            const double before = ys_.back();
+            if (step_ == zel::Step::AFTER) Put(x, before);
+            if (step_ == zel::Step::BEFORE) Put(xs_.back(), y);
+            if (step_ == zel::Step::MIDDLE) {
+                const double middle = (xs_.back() + x) / 2;
+                Put(middle, before);
+                Put(middle, y);
+            }
+        }
+        Put(x, y);
+        if (xs_.size() >= kBlock) Draw();
+    }
+    // The next block goes on from the last corner.
+    void Draw() {
+        if (xs_.empty()) return;
+        pen_.LineTo(frame_, xs_.data(), ys_.data(), xs_.size());
+        xs_.erase(xs_.begin(), xs_.end() - 1);
+        ys_.erase(ys_.begin(), ys_.end() - 1);
+    }
+
+  private:
+    void Put(double x, double y) {
+        xs_.push_back(x);
+        ys_.push_back(y);
+    }
+    DrawPen& pen_;
+    const WorldFrame& frame_;
+    const zel::Step step_;
+    std::vector<double> xs_, ys_;
+};
+
+}  // namespace
+
+Zel2LineLayer::Zel2LineLayer(zel::Column x, zel::Column y, const zel::LineOptions& options)
+    : Zel2XYLayer(options, std::move(x), std::move(y)),
+      width_(options.width),
+      dash_(options.dash),
+      step_(options.step) {}
+
+void Zel2LineLayer::SetPen(int index) {
+    pen_ = index;
+    Changed();
+}
+
+void Zel2LineLayer::SetStep(zel::Step step) {
+    step_ = step;
+    Changed();
+}
+
+void Zel2LineLayer::SetDefaults() {
+    if (pen_ >= 0) return;
+    const zel::LineOptions usual;
+    const bool plain = !HasOwnColor() && Opacity() == 1 && dash_ == usual.dash && width_ == usual.width;
+    if (plain && Chart()) {
+        pen_ = Chart()->PalettePen(PaletteEntry());
+        return;
+    }
+    constexpr double kTenthsOfMillimetrePerPoint = 254.0 / 72;
+    pen_ = RegisterOwnPen(StyleOf(dash_),
+                          std::max(0, static_cast<int>(std::lround(width_ * kTenthsOfMillimetrePerPoint))));
+}
+
+void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {
+    DrawPen* const pen = Pen(pen_);
+    if (!pen) return;
+    const std::vector<zel::SeriesStretch> stretches = Stretches(frame);
+    // The first point follows a gap.
+    pen->SetWorldPoint(nullptr, std::nan(""), 0);
+    if (step_ == zel::Step::NONE) {
+        pen->LineTo(frame.world, stretches);
+        return;
+    }
+    Steps steps(*pen, frame.world, step_);
+    for (const zel::SeriesStretch& stretch : stretches)
+        for (std::size_t i = stretch.begin; i < stretch.end; ++i) steps.Add(stretch.X(i), stretch.Y(i));
+    steps.Draw();
+}
+
+void Zel2LineLayer::DrawKey(const CRect& box) {
+    DrawPen* const pen = Pen(pen_);
+    if (!pen) return;
+    const int y = (box.top + box.bottom) / 2;
+    pen->MoveTo(box.left, y);
+    pen->LineTo(box.right, y);
+}
+
+void Zel2LineLayer::Serialize(CArchive& ar) {
+    Zel2XYLayer::Serialize(ar);
+    int dash = static_cast<int>(dash_), step = static_cast<int>(step_);
+    zel::Exchange(ar, pen_, width_, dash, step);
+    if (ar.IsStoring()) return;
+    dash_ = static_cast<zel::Dash>(std::clamp(dash, 0, 4));
+    step_ = static_cast<zel::Step>(std::clamp(step, 0, 3));
+}

@@ -1,0 +1,507 @@
+#include "charts/ChartLayout.h"
+#include "charts/ChartLayouter.h"
+#include "charts/ChartPainter.h"
+#include "charts/Palette.h"
+#include "charts/TextRuler.h"
+#include "core/ArchiveFields.h"
+
+#include <zel/DrawColor.h>
+#include <zel/DrawFont.h>
+#include <zel/DrawPen.h>
+#include <zel/Error.h>
+#include <zel/Mapping.h>
+#include <zel/Zel2Chart.h>
+#include <zel/platform/DC.h>
+
+#include <algorithm>
+#include <cmath>
+
+IMPLEMENT_SERIAL(Zel2Chart, Zel2Set, 1)
+
+namespace {
+
+constexpr COLORREF kInk = RGB(38, 38, 38), kQuiet = RGB(105, 105, 105), kFaint = RGB(185, 185, 185);
+constexpr COLORREF kAxisLine = RGB(120, 120, 120), kGridLine = RGB(226, 226, 226),
+                   kMinorLine = RGB(240, 240, 240);
+constexpr int kCorners = 4;
+constexpr CSize kLeastSize(500, 400);
+
+}  // namespace
+
+Zel2Chart::Zel2Chart() : Zel2Chart(zel::ChartOptions()) {}
+
+Zel2Chart::Zel2Chart(const zel::ChartOptions& options)
+    : title_(options.title),
+      subtitle_(options.subtitle),
+      caption_(options.caption),
+      size_(zel::UnitsOfMillimetres(options.size.width), zel::UnitsOfMillimetres(options.size.height)),
+      legend_(options.legend),
+      fontSize_(options.fontSize),
+      fontFace_(options.fontFace) {
+    AddAxis(zel::Side::BOTTOM);
+    AddAxis(zel::Side::LEFT);
+}
+
+Zel2Chart::~Zel2Chart() = default;
+
+zel::ChartAxis& Zel2Chart::Axis(int index) {
+    if (index < 0 || index >= AxisCount()) {
+        throw zel::Error("Cannot use axis " + std::to_string(index) + " of a chart: it has " +
+                         std::to_string(AxisCount()) + ", counted from 0");
+    }
+    return *axes_[static_cast<std::size_t>(index)];
+}
+
+int Zel2Chart::AddAxis(zel::Side side) {
+    axes_.push_back(std::make_unique<zel::ChartAxis>(*this, side));
+    Changed();
+    return AxisCount() - 1;
+}
+
+int Zel2Chart::Y2Index() {
+    if (y2_ < 0) y2_ = AddAxis(zel::Side::RIGHT);
+    return y2_;
+}
+
+zel::ChartAxis& Zel2Chart::Y2() {
+    return Axis(Y2Index());
+}
+
+// A layer may come with axes that the chart does not have.
+void Zel2Chart::CheckAxes(const Zel2Layer& layer) {
+    const bool crossed = Axis(layer.XAxis()).IsHorizontal() == Axis(layer.YAxis()).IsHorizontal();
+    if (crossed)
+        throw zel::Error(
+            "Cannot add a layer to a chart: one of its axes must be horizontal and the other vertical");
+}
+
+int Zel2Chart::Add(Zel2* child) {
+    std::unique_ptr<Zel2> owned(child);
+    if (const auto* layer = dynamic_cast<Zel2Layer*>(child)) CheckAxes(*layer);
+    const int index = Zel2Set::Add(owned.release());
+    Changed();
+    return index;
+}
+
+template <class Layer>
+Layer* Zel2Chart::AddLayer(std::unique_ptr<Layer> layer) {
+    Layer* const added = layer.get();
+    Add(layer.release());
+    return added;
+}
+
+Zel2LineLayer* Zel2Chart::AddLine(zel::Column x, zel::Column y, const zel::LineOptions& options) {
+    return AddLayer(std::make_unique<Zel2LineLayer>(std::move(x), std::move(y), options));
+}
+
+Zel2AreaLayer* Zel2Chart::AddArea(zel::Column x, zel::Column y, const zel::AreaOptions& options) {
+    return AddLayer(std::make_unique<Zel2AreaLayer>(std::move(x), std::move(y), options));
+}
+
+Zel2AreaLayer* Zel2Chart::AddArea(zel::Column x, zel::Column low, zel::Column high,
+                                  const zel::AreaOptions& options) {
+    return AddLayer(std::make_unique<Zel2AreaLayer>(std::move(x), std::move(low), std::move(high), options));
+}
+
+Zel2PointLayer* Zel2Chart::AddPoints(zel::Column x, zel::Column y, const zel::PointOptions& options) {
+    return AddLayer(std::make_unique<Zel2PointLayer>(std::move(x), std::move(y), options));
+}
+
+std::vector<Zel2Layer*> Zel2Chart::Layers() {
+    std::vector<Zel2Layer*> layers;
+    ForEachChild([&](Zel2* child) {
+        if (auto* layer = dynamic_cast<Zel2Layer*>(child)) layers.push_back(layer);
+    });
+    return layers;
+}
+
+void Zel2Chart::Changed() {
+    layout_.reset();
+    ++revision_;
+}
+
+void Zel2Chart::SetTitle(std::string title) {
+    title_ = std::move(title);
+    Changed();
+}
+void Zel2Chart::SetSubtitle(std::string subtitle) {
+    subtitle_ = std::move(subtitle);
+    Changed();
+}
+void Zel2Chart::SetCaption(std::string caption) {
+    caption_ = std::move(caption);
+    Changed();
+}
+void Zel2Chart::SetLegend(zel::LegendPlace place) {
+    legend_ = place;
+    Changed();
+}
+
+void Zel2Chart::OnLeave(Zel2* object) {
+    Changed();
+    Zel2Set::OnLeave(object);
+}
+
+// Tools
+
+// A font of the chart's own size and face has a name that says so: two charts of one drawing may differ.
+int Zel2Chart::FontFor(const char* name, double factor, bool bold, COLORREF color) {
+    const zel::ChartOptions usual;
+    std::string full = name;
+    if (fontSize_ != usual.fontSize || fontFace_ != usual.fontFace)
+        full += " " + fontFace_ + " " + std::to_string(std::lround(fontSize_ * 10));
+    const int known = GetFontIndex(full.c_str());
+    if (known >= 0) return known;
+    return RegisterFont(full.c_str(), fontFace_.c_str(),
+                        static_cast<int>(std::lround(fontSize_ * factor * 10)), bold ? 1 : 0, 0, 0, 0, color,
+                        color);
+}
+
+zel::ChartFonts Zel2Chart::RegisterFonts() {
+    return {FontFor("Chart Title", 1.4, true, kInk), FontFor("Chart Subtitle", 1.1, false, kQuiet),
+            FontFor("Chart Caption", 0.85, false, kQuiet), FontFor("Chart Text", 1, false, kInk),
+            FontFor("Chart Axis Title", 1.05, false, kInk)};
+}
+
+void Zel2Chart::RegisterTools() {
+    FontFor("Chart Hidden", 1, false, kFaint);
+    const auto pen = [this](const char* name, int width, COLORREF color) {
+        if (GetPenIndex(name) < 0) RegisterPen(name, DrawPen::SOLID, width, color, color, nullptr);
+    };
+    pen("Chart Axis", 2, kAxisLine);
+    pen("Chart Grid", 1, kGridLine);
+    pen("Chart Minor Grid", 1, kMinorLine);
+    if (GetColorIndex("Chart Ground") < 0)
+        RegisterColor("Chart Ground", RGB(255, 255, 255), RGB(255, 255, 255));
+}
+
+int Zel2Chart::PaletteEntryOf(const Zel2Layer& layer) {
+    int entry = 0;
+    for (const Zel2Layer* other : Layers()) {
+        if (other == &layer) return entry;
+        ++entry;
+    }
+    return 0;
+}
+
+int Zel2Chart::PalettePen(int entry) {
+    constexpr int kWidth = 4;  // tenths of a millimetre, about 1.2 points
+    const std::string name = "Palette " + std::to_string(entry % zel::kPaletteSize + 1);
+    const int known = GetPenIndex(name.c_str());
+    const COLORREF color = zel::PaletteColor(entry);
+    return known >= 0 ? known : RegisterPen(name.c_str(), DrawPen::SOLID, kWidth, color, color, nullptr);
+}
+
+int Zel2Chart::PaletteColor(int entry) {
+    const std::string name = "Palette " + std::to_string(entry % zel::kPaletteSize + 1);
+    const int known = GetColorIndex(name.c_str());
+    const COLORREF color = zel::PaletteColor(entry);
+    return known >= 0 ? known : RegisterColor(name.c_str(), color, color);
+}
+
+// Ranges and layout
+
+namespace {
+
+// The scale of an axis from what its layers have told.
+zel::Scale Resolved(const zel::ChartAxis& axis, const zel::AxisRange& range, bool tight, bool margin) {
+    const double origin = range.Origin();
+    if (axis.HasRange()) {
+        const zel::Scale& kind = range.GetScale();
+        return kind.WithEnds(axis.From() - origin, axis.To() - origin).WithUsableEnds();
+    }
+    zel::Scale scale = range.GetScale();
+    if (scale.GetKind() == zel::Scale::Kind::CATEGORIES) {
+        const double n = std::max(1.0, static_cast<double>(scale.Names().size()));
+        scale = scale.WithEnds(-0.5, n - 0.5);
+        // Names run from the top down, as they are read.
+        const bool turned = axis.IsHorizontal() ? axis.IsReversed() : !axis.IsReversed();
+        return turned ? scale.Reversed() : scale;
+    }
+    scale = range.IsSet() ? scale.WithEnds(range.Low(), range.High()) : scale.WithEnds(0, 0);
+    if (!range.IsSet())
+        scale = scale.WithEnds(scale.GetKind() == zel::Scale::Kind::LOGARITHM ? 1 : 0,
+                               scale.GetKind() == zel::Scale::Kind::LOGARITHM ? 10 : 1);
+    scale = scale.WithUsableEnds();
+    if (!tight || margin) {
+        const zel::Scale round = scale.WithRoundEnds();
+        const bool same = round.Low() == scale.Low() && round.High() == scale.High();
+        constexpr double kMargin = 0.02;
+        if (same && margin && scale.GetKind() == zel::Scale::Kind::TIME) {
+            scale = scale.WithEnds(scale.ValueAt(-kMargin), scale.ValueAt(1 + kMargin));
+        } else {
+            scale = round;
+        }
+    }
+    return axis.IsReversed() ? scale.Reversed() : scale;
+}
+
+}  // namespace
+
+std::vector<zel::Scale> Zel2Chart::Scales(std::vector<std::string>& notes) {
+    const std::size_t n = axes_.size();
+    std::vector<zel::AxisRange> ranges(n);
+    std::vector<bool> isX(n, false), margin(n, false);
+    std::vector<Zel2Layer*> layers = Layers();
+    std::erase_if(layers, [](const Zel2Layer* layer) { return !layer->IsVisible(); });
+    const auto x = [&](const Zel2Layer* layer) { return static_cast<std::size_t>(layer->XAxis()); };
+    const auto y = [&](const Zel2Layer* layer) { return static_cast<std::size_t>(layer->YAxis()); };
+    // Settings may have changed since the layer was added.
+    std::erase_if(layers, [&](const Zel2Layer* layer) { return x(layer) >= n || y(layer) >= n; });
+    for (Zel2Layer* layer : layers) layer->DescribeAxes(ranges[x(layer)], ranges[y(layer)]);
+    for (std::size_t i = 0; i < n; ++i) {
+        const auto kind = !ranges[i].Names().empty() ? zel::Scale::Kind::CATEGORIES
+                          : ranges[i].HasTimes()     ? zel::Scale::Kind::TIME
+                                                     : zel::Scale::Kind::LINEAR;
+        zel::Scale scale = axes_[i]->MakeScale(kind, 0, 1, ranges[i].Names());
+        if (scale.GetKind() == zel::Scale::Kind::LOGARITHM) scale = scale.WithEnds(1, 10);
+        if (scale.GetKind() == zel::Scale::Kind::LOGARITHM && axes_[i]->HasRange())
+            scale = scale.WithEnds(axes_[i]->From(), axes_[i]->To());
+        if (scale.GetKind() == zel::Scale::Kind::TIME) scale = scale.WithOrigin(ranges[i].FirstOrigin());
+        ranges[i].SetScale(scale);
+    }
+    for (Zel2Layer* layer : layers) {
+        layer->TakeRange(ranges[x(layer)], ranges[y(layer)]);
+        isX[x(layer)] = true;
+        if (layer->NeedsMargin()) margin[x(layer)] = margin[y(layer)] = true;
+        if (const auto value = layer->IncludedY(); value && ranges[y(layer)].GetScale().HasPlace(*value))
+            ranges[y(layer)].Add(*value);
+    }
+    std::vector<zel::Scale> scales;
+    for (std::size_t i = 0; i < n; ++i) {
+        if (axes_[i]->Included()) ranges[i].Add(*axes_[i]->Included() - ranges[i].Origin());
+        scales.push_back(Resolved(*axes_[i], ranges[i], isX[i], margin[i]));
+        if (ranges[i].WithoutPlace() > 0) {
+            notes.push_back(
+                std::to_string(ranges[i].WithoutPlace()) + " values of " +
+                (axes_[i]->Title().empty() ? "an axis" : "the axis \"" + axes_[i]->Title() + "\"") +
+                " have no place on its scale and are left out.");
+        }
+    }
+    if (layers.empty() ||
+        std::none_of(ranges.begin(), ranges.end(), [](const zel::AxisRange& r) { return r.IsSet(); }))
+        notes.push_back("The chart has no data to draw.");
+    return scales;
+}
+
+// Outside of a drawing nothing can be measured: the plot area is all of it then.
+zel::ChartLayout Zel2Chart::MakeLayout() {
+    std::vector<std::string> notes;
+    std::vector<zel::Scale> scales = Scales(notes);
+    if (Colors() && Fonts() && Pens()) {
+        RegisterTools();
+        return zel::ChartLayouter(*this, RegisterFonts(), std::move(scales), std::move(notes))
+            .Run(AlignedMargins());
+    }
+    zel::ChartLayout layout;
+    layout.size = size_;
+    layout.plot = {0, 0, size_.cx, size_.cy};
+    layout.notes = std::move(notes);
+    for (const zel::Scale& scale : scales) {
+        layout.axes.emplace_back();
+        layout.axes.back().scale = scale;
+    }
+    return layout;
+}
+
+const zel::ChartLayout& Zel2Chart::Layout() {
+    if (!layout_) layout_ = std::make_unique<zel::ChartLayout>(MakeLayout());
+    return *layout_;
+}
+
+zel::PlotMargins Zel2Chart::AlignedMargins() {
+    return {};
+}
+
+std::vector<std::string> Zel2Chart::Notes() {
+    return Layout().notes;
+}
+
+zel::Scale Zel2Chart::ScaleOf(int axis) {
+    (void)Axis(axis);
+    return Layout().axes[static_cast<std::size_t>(axis)].scale;
+}
+
+CRect Zel2Chart::PlotArea() {
+    const zel::Box& plot = Layout().plot;
+    return {plot.left, plot.top, plot.right, plot.bottom};
+}
+
+zel::LayerFrame Zel2Chart::FrameOf(const Zel2Layer& layer) {
+    zel::LayerFrame frame;
+    frame.x = ScaleOf(layer.XAxis());
+    frame.y = ScaleOf(layer.YAxis());
+    frame.xTransform = frame.x.Transform();
+    frame.yTransform = frame.y.Transform();
+    WorldFrame& world = frame.world;
+    world.exact = true;
+    world.xmin = frame.x.Forward(frame.x.Low());
+    world.xmax = frame.x.Forward(frame.x.High());
+    world.ymin = frame.y.Forward(frame.y.Low());
+    world.ymax = frame.y.Forward(frame.y.High());
+    if (!Map()) return frame;
+    const zel::Box& plot = Layout().plot;
+    const CPoint origin = AbsOrigin();
+    const CPoint lower =
+        Map()->ToLogical(CPoint(zel::Add(origin.x, plot.left), zel::Add(origin.y, plot.bottom)));
+    const CPoint upper =
+        Map()->ToLogical(CPoint(zel::Add(origin.x, plot.right), zel::Add(origin.y, plot.top)));
+    world.lower = {frame.x.IsReversed() ? upper.x : lower.x, frame.y.IsReversed() ? upper.y : lower.y};
+    world.upper = {frame.x.IsReversed() ? lower.x : upper.x, frame.y.IsReversed() ? lower.y : upper.y};
+    return frame;
+}
+
+namespace {
+
+// Where a device point lies between the ends of an axis.
+double PlaceAt(Zel2Chart& chart, int axis, const CPoint& device) {
+    const zel::Box& plot = chart.Layout().plot;
+    const CSize at = chart.Map()->FromDevice(device) - chart.AbsOrigin();
+    return chart.Axis(axis).IsHorizontal()
+               ? (at.cx - plot.left) / static_cast<double>(std::max(1, plot.Width()))
+               : (at.cy - plot.bottom) / static_cast<double>(std::max(1, plot.Height()));
+}
+
+}  // namespace
+
+double Zel2Chart::ValueAt(int axis, const CPoint& device) {
+    if (!Map()) return 0;
+    const zel::Scale scale = ScaleOf(axis);
+    return scale.ValueAt(PlaceAt(*this, axis, device)) + scale.Origin();
+}
+
+std::string Zel2Chart::TextAt(int axis, const CPoint& device) {
+    if (!Map()) return "";
+    const zel::Scale scale = ScaleOf(axis);
+    const double place = PlaceAt(*this, axis, device), next = PlaceAt(*this, axis, device + CSize(1, 1));
+    const double value = scale.ValueAt(place);
+    const std::string text = scale.TextOf(value, std::fabs(scale.ValueAt(next) - value), Axis(axis).Format());
+    return Axis(axis).Unit().empty() ? text : text + " " + Axis(axis).Unit();
+}
+
+Zel2Chart::NearestRow Zel2Chart::Nearest(const CPoint& device, double reach) {
+    NearestRow nearest;
+    for (Zel2Layer* layer : Layers()) {
+        if (!layer->IsVisible()) continue;
+        const auto datum = layer->Nearest(device, reach);
+        if (!datum) continue;
+        nearest = {layer, *datum};
+        reach = datum->distance;
+    }
+    return nearest;
+}
+
+Zel2Layer* Zel2Chart::LegendEntryAt(const CPoint& device) {
+    if (!Map()) return nullptr;
+    const CSize at = Map()->FromDevice(device) - AbsOrigin();
+    for (const zel::LegendEntry& entry : Layout().legend)
+        if (entry.layer && entry.whole.Contains(at.cx, at.cy)) return entry.layer;
+    return nullptr;
+}
+
+int Zel2Chart::OnClick(const CPoint& pt) {
+    Zel2Layer* const layer = LegendEntryAt(pt);
+    if (!layer) return 0;
+    layer->SetVisible(!layer->IsVisible());
+    UpdateWindow();
+    return 1;
+}
+
+// Size and place
+
+CSize Zel2Chart::Size() {
+    return size_;
+}
+
+CSize Zel2Chart::MinSize() {
+    return kLeastSize;
+}
+
+void Zel2Chart::SetSize(const CSize& size) {
+    const CSize bounded(std::max(size.cx, kLeastSize.cx), std::max(size.cy, kLeastSize.cy));
+    if (bounded == size_) return;
+    size_ = bounded;
+    Changed();
+}
+
+unsigned int Zel2Chart::nCpt() {
+    return kCorners;
+}
+
+// From the lower left one on, clockwise.
+CPoint Zel2Chart::Cpt(int i) {
+    const CPoint origin = AbsOrigin();
+    return {zel::Add(origin.x, i == 2 || i == 3 ? size_.cx : 0),
+            zel::Add(origin.y, i == 1 || i == 2 ? size_.cy : 0)};
+}
+
+void Zel2Chart::Drag(int cpt, CPoint pt) {
+    if (!Map() || cpt < 0 || cpt >= kCorners) return;
+    const CPoint to = Map()->FromDevice(pt);
+    const CPoint opposite = Cpt((cpt + 2) % kCorners);
+    const CSize size(std::max<LONG>(std::abs(to.x - opposite.x), kLeastSize.cx),
+                     std::max<LONG>(std::abs(to.y - opposite.y), kLeastSize.cy));
+    const CPoint lower(cpt == 2 || cpt == 3 ? opposite.x : opposite.x - size.cx,
+                       cpt == 1 || cpt == 2 ? opposite.y : opposite.y - size.cy);
+    UpdateWindow();
+    const CSize relative = lower - ParentOrigin();
+    Origin(CPoint(relative.cx, relative.cy));
+    SetSize(size);
+    UpdateWindow();
+    OnNotify(this, RESIZED);
+}
+
+int Zel2Chart::IsIn(const CPoint& pt) {
+    return Map() && DeviceRect().PtInRect(pt) ? 1 : 0;
+}
+
+void Zel2Chart::OnDraw() {
+    if (!Ready()) return;
+    // Pens, fonts or the data behind a series may have changed since the last pass.
+    layout_.reset();
+    zel::ChartPainter painter(*this, Layout());
+    painter.DrawGround();
+    painter.DrawGrid();
+    Zel2Set::OnDraw();
+    painter.DrawAxes();
+    painter.DrawTitles();
+    painter.DrawLegend();
+    if (!Selected()) return;
+    for (int i = 0; i < kCorners; ++i) DrawCPT(i);
+}
+
+void Zel2Chart::OnPrint(CDC*, CPrintInfo*) {
+    OnDraw();
+}
+
+void Zel2Chart::Serialize(CArchive& ar) {
+    if (!zel::IsComplete(ar))
+        ar.Fail(CArchiveException::badClass, "a Zel2Chart can only be stored in documents");
+    if (ar.IsLoading()) axes_.clear();
+    zel::ExchangeText(ar, title_);
+    zel::ExchangeText(ar, subtitle_);
+    zel::ExchangeText(ar, caption_);
+    int legend = static_cast<int>(legend_);
+    zel::Exchange(ar, size_.cx, size_.cy, legend, fontSize_);
+    zel::ExchangeText(ar, fontFace_);
+    int axes = AxisCount();
+    zel::Exchange(ar, axes, y2_);
+    if (ar.IsLoading()) {
+        ar.CheckCount(axes, 1);
+        if (axes < 2 || y2_ >= axes || legend < 0 || legend > static_cast<int>(zel::LegendPlace::NONE) ||
+            !(fontSize_ > 0 && fontSize_ < 1000))
+            ar.Fail(CArchiveException::genericException,
+                    "a chart lacks axes or has settings that do not exist");
+        legend_ = static_cast<zel::LegendPlace>(legend);
+        for (int i = 0; i < axes; ++i)
+            axes_.push_back(std::make_unique<zel::ChartAxis>(*this, zel::Side::BOTTOM));
+    }
+    for (const auto& axis : axes_) axis->Serialize(ar);
+    // Layers look for their axes, so they come last.
+    try {
+        Zel2Set::Serialize(ar);
+    } catch (const zel::Error& e) {
+        ar.Fail(CArchiveException::genericException, e.what());
+    }
+    if (ar.IsLoading()) Changed();
+}

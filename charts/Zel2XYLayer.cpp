@@ -1,0 +1,221 @@
+#include "core/ArchiveFields.h"
+#include "series/SeriesHit.h"
+#include "series/SeriesIndex.h"
+
+#include <zel/ChartLayers.h>
+#include <zel/Mapping.h>
+#include <zel/Zel2Chart.h>
+
+#include <algorithm>
+#include <cmath>
+
+IMPLEMENT_DYNAMIC(Zel2XYLayer, Zel2Layer)
+
+// The texts of a column as places among the names of an axis.
+class Zel2XYLayer::Coded {
+  public:
+    Coded(const zel::Column& column, const std::vector<std::string>& names) : names_(names) {
+        std::vector<std::pair<std::string, double>> places;
+        for (std::size_t i = 0; i < names.size(); ++i) places.emplace_back(names[i], static_cast<double>(i));
+        std::stable_sort(places.begin(), places.end(),
+                         [](const auto& a, const auto& b) { return a.first < b.first; });
+        std::vector<double> placeOf;
+        for (const std::string& name : column.Names()) {
+            const auto at = std::lower_bound(
+                places.begin(), places.end(), name,
+                [](const auto& place, const std::string& wanted) { return place.first < wanted; });
+            placeOf.push_back(at != places.end() && at->first == name ? at->second : std::nan(""));
+        }
+        codes_.reserve(column.Size());
+        for (std::size_t i = 0; i < column.Size(); ++i) {
+            const double code = column.At(i);
+            codes_.push_back(std::isfinite(code) ? placeOf[static_cast<std::size_t>(code)] : code);
+        }
+        values_ = zel::SeriesValues(codes_.data());
+    }
+    const zel::SeriesValues& Values() const { return values_; }
+    bool IsFor(const std::vector<std::string>& names) const { return names_ == names; }
+
+  private:
+    std::vector<std::string> names_;
+    std::vector<double> codes_;
+    zel::SeriesValues values_;
+};
+
+Zel2XYLayer::Zel2XYLayer() = default;
+Zel2XYLayer::~Zel2XYLayer() = default;
+
+Zel2XYLayer::Zel2XYLayer(const zel::LayerOptions& options, zel::Column x, zel::Column y)
+    : Zel2Layer(options), x_(std::move(x)), y_(std::move(y)) {
+    if (options.name.empty()) SetName(y_.Name());
+}
+
+void Zel2XYLayer::SetData(zel::Column x, zel::Column y) {
+    x_ = std::move(x);
+    y_ = std::move(y);
+    source_.reset();
+    DataChanged();
+}
+
+void Zel2XYLayer::SetSource(std::unique_ptr<Zel2PointSet> source) {
+    source_ = std::move(source);
+    DataChanged();
+}
+
+void Zel2XYLayer::DataChanged() {
+    index_.reset();
+    codedX_.reset();
+    codedY_.reset();
+    Changed();
+}
+
+std::size_t Zel2XYLayer::Rows() const {
+    return source_ ? source_->NPoints() : std::min(x_.Size(), y_.Size());
+}
+
+namespace {
+
+void Describe(zel::AxisRange& axis, const zel::Column& column) {
+    if (column.GetKind() == zel::Column::Kind::TEXTS) axis.AddNames(column.Names());
+    if (column.GetKind() == zel::Column::Kind::TIMES) axis.AddTimes(column.Origin());
+    if (column.GetKind() == zel::Column::Kind::NUMBERS && !column.IsEmpty()) axis.AddNumbers();
+}
+
+// Whether names are the first of others, so that their codes are the same.
+bool Begin(const std::vector<std::string>& names, const std::vector<std::string>& others) {
+    return names.size() <= others.size() && std::equal(names.begin(), names.end(), others.begin());
+}
+
+}  // namespace
+
+void Zel2XYLayer::DescribeAxes(zel::AxisRange& x, zel::AxisRange& y) {
+    if (source_) {
+        x.AddNumbers();
+        y.AddNumbers();
+        return;
+    }
+    Describe(x, x_);
+    Describe(y, y_);
+}
+
+void Zel2XYLayer::TakeRange(zel::AxisRange& x, zel::AxisRange& y) {
+    for (const zel::SeriesStretch& stretch : StretchesOn(x.GetScale(), y.GetScale())) {
+        x.Add(stretch, zel::AxisRange::Coordinate::X);
+        y.Add(stretch, zel::AxisRange::Coordinate::Y);
+    }
+}
+
+const zel::SeriesValues& Zel2XYLayer::ValuesOn(const zel::Column& column, const zel::Scale& scale,
+                                               std::unique_ptr<Coded>& coded) {
+    thread_local zel::SeriesValues times;
+    if (column.GetKind() == zel::Column::Kind::TIMES) return times = column.ValuesFrom(scale.Origin());
+    const bool coding = column.GetKind() == zel::Column::Kind::TEXTS &&
+                        scale.GetKind() == zel::Scale::Kind::CATEGORIES &&
+                        !Begin(column.Names(), scale.Names());
+    if (!coding) return column.Values();
+    if (!coded || !coded->IsFor(scale.Names())) {
+        coded = std::make_unique<Coded>(column, scale.Names());
+        index_.reset();
+    }
+    return coded->Values();
+}
+
+std::vector<zel::SeriesStretch> Zel2XYLayer::StretchesOn(const zel::Scale& x, const zel::Scale& y) {
+    if (source_) return source_->Stretches();
+    const zel::SeriesValues xs = ValuesOn(x_, x, codedX_), ys = ValuesOn(y_, y, codedY_);
+    const std::size_t n = Rows();
+    if (n < zel::SeriesIndex::kLeastPoints) return {{xs, ys, 0, n}};
+    if (!index_) index_ = std::make_unique<zel::SeriesIndex>();
+    index_->Extend(xs, ys, n);
+    return {{xs, ys, 0, n, index_.get()}};
+}
+
+void Zel2XYLayer::Transform(std::vector<zel::SeriesStretch>& stretches, const zel::LayerFrame& frame) {
+    for (zel::SeriesStretch& stretch : stretches) {
+        stretch.xTransform = frame.xTransform.get();
+        stretch.yTransform = frame.yTransform.get();
+    }
+}
+
+std::vector<zel::SeriesStretch> Zel2XYLayer::Stretches(const zel::LayerFrame& frame) {
+    std::vector<zel::SeriesStretch> stretches = StretchesOn(frame.x, frame.y);
+    Transform(stretches, frame);
+    return stretches;
+}
+
+std::optional<zel::Datum> Zel2XYLayer::Nearest(const CPoint& device, double reach) {
+    Zel2Chart* const chart = Chart();
+    if (!chart || !Map()) return std::nullopt;
+    const zel::LayerFrame frame = chart->FrameOf(*this);
+    CPoint origin;
+    CSize extent;
+    Map()->GetDevice(origin, extent);
+    const double atX = device.x - origin.x, atY = device.y - origin.y;
+    const WorldFrame& world = frame.world;
+    const auto along = [](double v, double low, double high, double from, double to) {
+        return from + (v - low) / (high - low) * (to - from);
+    };
+    const auto toX = [&](double v) {
+        return along(v, world.xmin, world.xmax, world.lower.x, world.upper.x) - atX;
+    };
+    const auto toY = [&](double v) {
+        return along(v, world.ymin, world.ymax, world.lower.y, world.upper.y) - atY;
+    };
+    std::optional<zel::Datum> nearest;
+    double best = reach;
+    std::size_t first = 0;
+    for (const zel::SeriesStretch& stretch : Stretches(frame)) {
+        const auto beyond = [&](double low, double high) {
+            return low > high || (std::min(low, high) > best) || (std::max(low, high) < -best);
+        };
+        zel::WalkSeries(
+            stretch,
+            [&](const zel::SeriesSpan& span, std::size_t, std::size_t) {
+                if (span.xmin > span.xmax) return true;
+                const double a = toX(span.xmin), b = toX(span.xmax), c = toY(span.ymin), d = toY(span.ymax);
+                return beyond(std::min(a, b), std::max(a, b)) || beyond(std::min(c, d), std::max(c, d));
+            },
+            [&](const zel::SeriesSpan&, std::size_t begin, const double* x, const double* y, std::size_t n) {
+                for (std::size_t i = 0; i < n; ++i) {
+                    if (!world.Contains(x[i], y[i])) continue;
+                    const double distance = std::hypot(toX(x[i]), toY(y[i]));
+                    if (!(distance <= best)) continue;
+                    best = distance;
+                    const std::size_t row = begin + i;
+                    nearest = zel::Datum{first + row - stretch.begin, stretch.x.At(row) + frame.x.Origin(),
+                                         stretch.y.At(row) + frame.y.Origin(), distance};
+                }
+            });
+        first += stretch.Size();
+    }
+    return nearest;
+}
+
+std::vector<std::pair<double, double>> Zel2XYLayer::Sample(const zel::Scale& x, const zel::Scale& y,
+                                                           std::size_t most) {
+    std::vector<std::pair<double, double>> points;
+    const std::size_t step = Rows() / std::max<std::size_t>(1, most) + 1;
+    for (const zel::SeriesStretch& stretch : StretchesOn(x, y))
+        for (std::size_t i = stretch.begin; i < stretch.end; i += step)
+            points.emplace_back(stretch.x.At(i), stretch.y.At(i));
+    return points;
+}
+
+void Zel2XYLayer::Serialize(CArchive& ar) {
+    Zel2Layer::Serialize(ar);
+    if (ar.IsStoring() && source_) {
+        // What a series shows now; where it came from stays with the host.
+        std::vector<double> xs, ys;
+        for (long i = 0; i < static_cast<long>(source_->NPoints()); ++i) {
+            xs.push_back(source_->X(i));
+            ys.push_back(source_->Y(i));
+        }
+        zel::Column x(std::move(xs)), y(std::move(ys));
+        x.Serialize(ar);
+        y.Serialize(ar);
+        return;
+    }
+    x_.Serialize(ar);
+    y_.Serialize(ar);
+    if (ar.IsLoading()) DataChanged();
+}

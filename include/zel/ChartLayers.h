@@ -1,0 +1,141 @@
+// The layers of charts that draw points of two columns: lines, areas, marks.
+#pragma once
+
+#include <zel/Column.h>
+#include <zel/Zel2Layer.h>
+#include <zel/Zel2PointSet.h>
+
+#include <memory>
+
+// A layer over x and y, from two columns or from a series (Zel2PointArray, Zel2PointView, Zel2PointRing,
+// Zel2DaoPointSet). Long data keep an index (see Zel2PointArray), made when they are first drawn.
+class Zel2XYLayer : public Zel2Layer {
+    DECLARE_DYNAMIC(Zel2XYLayer)
+  public:
+    ~Zel2XYLayer() override;
+
+    const zel::Column& X() const { return x_; }
+    const zel::Column& Y() const { return y_; }
+    // Columns of different lengths end with the shorter one.
+    void SetData(zel::Column x, zel::Column y);
+    // Draws the points of a series, of which the layer takes ownership; its own tools play no part.
+    void SetSource(std::unique_ptr<Zel2PointSet> source);
+    Zel2PointSet* Source() const { return source_.get(); }
+    // Tells that borrowed memory or the series has other points now.
+    void DataChanged();
+
+    void DescribeAxes(zel::AxisRange& x, zel::AxisRange& y) override;
+    void TakeRange(zel::AxisRange& x, zel::AxisRange& y) override;
+    std::optional<zel::Datum> Nearest(const CPoint& device, double reach) override;
+    std::vector<std::pair<double, double>> Sample(const zel::Scale& x, const zel::Scale& y,
+                                                  std::size_t most) override;
+    std::size_t Rows() const override;
+    // Points of borrowed memory and of series are stored; what is loaded owns them.
+    void Serialize(CArchive& ar) override;
+
+  protected:
+    Zel2XYLayer();
+    Zel2XYLayer(const zel::LayerOptions& options, zel::Column x, zel::Column y);
+    Zel2XYLayer(const Zel2XYLayer&) = delete;
+    Zel2XYLayer& operator=(const Zel2XYLayer&) = delete;
+
+    // The points as the frame's world coordinates have them. They look at the frame.
+    std::vector<zel::SeriesStretch> Stretches(const zel::LayerFrame& frame);
+    // The points on two scales, times counted from the scales' origins, untransformed.
+    std::vector<zel::SeriesStretch> StretchesOn(const zel::Scale& x, const zel::Scale& y);
+    // Makes stretches go through the transforms of a frame.
+    static void Transform(std::vector<zel::SeriesStretch>& stretches, const zel::LayerFrame& frame);
+
+  private:
+    class Coded;
+    const zel::SeriesValues& ValuesOn(const zel::Column& column, const zel::Scale& scale,
+                                      std::unique_ptr<Coded>& coded);
+
+    zel::Column x_, y_;
+    std::unique_ptr<Zel2PointSet> source_;
+    std::unique_ptr<zel::SeriesIndex> index_;
+    std::unique_ptr<Coded> codedX_, codedY_;  // values that are not those of the column
+};
+
+// A line from point to point, or in steps.
+class Zel2LineLayer : public Zel2XYLayer {
+    DECLARE_SERIAL(Zel2LineLayer)
+  public:
+    Zel2LineLayer() = default;
+    Zel2LineLayer(zel::Column x, zel::Column y, const zel::LineOptions& options = {});
+
+    // Index of a pen of the drawing; -1 for one of its own.
+    void SetPen(int index);
+    int GetPen() const { return pen_; }
+    zel::Step GetStep() const { return step_; }
+    void SetStep(zel::Step step);
+
+    void DrawIn(const zel::LayerFrame& frame) override;
+    void DrawKey(const CRect& box) override;
+    void SetDefaults() override;
+    void Serialize(CArchive& ar) override;
+
+  private:
+    int pen_ = -1;
+    double width_ = 1.2;
+    zel::Dash dash_ = zel::Dash::SOLID;
+    zel::Step step_ = zel::Step::NONE;
+};
+
+// The area between a series and a baseline, between two series, or on top of the areas before it.
+class Zel2AreaLayer : public Zel2XYLayer {
+    DECLARE_SERIAL(Zel2AreaLayer)
+  public:
+    Zel2AreaLayer();
+    ~Zel2AreaLayer() override;
+    Zel2AreaLayer(zel::Column x, zel::Column y, const zel::AreaOptions& options = {});
+    // Between `low` and `high`, whichever is larger.
+    Zel2AreaLayer(zel::Column x, zel::Column low, zel::Column high, const zel::AreaOptions& options = {});
+
+    // Index of a colour of the drawing; -1 for one of its own.
+    void SetColor(int index);
+    int GetColor() const { return colorIndex_; }
+    double Baseline() const { return baseline_; }
+    bool IsStacked() const { return stacked_; }
+
+    void DrawIn(const zel::LayerFrame& frame) override;
+    void TakeRange(zel::AxisRange& x, zel::AxisRange& y) override;
+    std::optional<double> IncludedY() const override;
+    void SetDefaults() override;
+    void DrawKey(const CRect& box) override;
+    void Serialize(CArchive& ar) override;
+
+  private:
+    struct Edges;
+    void MakeEdges();
+
+    int colorIndex_ = -1;
+    double baseline_ = 0;
+    bool stacked_ = false;
+    bool between_ = false;
+    zel::Column low_;
+    std::unique_ptr<Edges> edges_;
+};
+
+// A mark at each point.
+class Zel2PointLayer : public Zel2XYLayer {
+    DECLARE_SERIAL(Zel2PointLayer)
+  public:
+    Zel2PointLayer() = default;
+    Zel2PointLayer(zel::Column x, zel::Column y, const zel::PointOptions& options = {});
+
+    // Index of a symbol of the drawing; -1 for one of its own.
+    void SetSymbol(int index);
+    int GetSymbol() const { return symbol_; }
+
+    void DrawIn(const zel::LayerFrame& frame) override;
+    bool NeedsMargin() const override { return true; }
+    void DrawKey(const CRect& box) override;
+    void SetDefaults() override;
+    void Serialize(CArchive& ar) override;
+
+  private:
+    int symbol_ = -1;
+    double size_ = 5;
+    std::optional<zel::SymbolKind> shape_;
+};
