@@ -98,7 +98,7 @@ void DragHundredOfTenThousand(benchmark::State& state, bool drop) {
     }
     const View shown(root);
     Zel2Selection& selection = shown.view->Viewer()->Selection();
-    selection.SetAccumulate(1);
+    selection.accumulate = 1;
     for (int i = 0; i < 100; ++i) selection.Add((*root)[4000 + 7 * i]);
     selection.Select(1);
     shown.view->UpdateWindow();

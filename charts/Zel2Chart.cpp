@@ -374,6 +374,7 @@ zel::LayerFrame Zel2Chart::FrameOf(const Zel2Layer& layer) {
     frame.xTransform = frame.x.Transform();
     frame.yTransform = frame.y.Transform();
     WorldFrame& world = frame.world;
+    world.exact = true;
     world.xmin = frame.x.Forward(frame.x.Low());
     world.xmax = frame.x.Forward(frame.x.High());
     world.ymin = frame.y.Forward(frame.y.Low());

@@ -172,7 +172,10 @@ int Zel2::BeginningHeight() {
 int Zel2::PrintedHeight() {
     return Size().cy;
 }
-bool Zel2::HasEdges() {
+CRect Zel2::PaintedArea() {
+    return DeviceRect();
+}
+bool Zel2::EditInPlace() {
     return false;
 }
 int Zel2::Ready() {
@@ -220,7 +223,8 @@ CPoint Zel2::R2L(const CPoint& rel) {
 }
 
 CRect Zel2::DeviceRect() {
-    CRect area = Map()->ToDevice(AbsRect());
+    const Mapping* map = Map();
+    CRect area = map ? map->ToDevice(AbsRect()) : AbsRect();
     area.NormalizeRect();
     return area;
 }
@@ -228,7 +232,7 @@ CRect Zel2::DeviceRect() {
 int Zel2::UpdateWindow() {
     CWnd* window = Window();
     if (!window) return 0;
-    CRect area = DeviceRect();
+    CRect area = PaintedArea();
     area.InflateRect(kRepaintMargin, kRepaintMargin);
     window->InvalidateRect(&area, TRUE);
     return 1;
@@ -241,11 +245,10 @@ void Zel2::MoveTo(const CPoint& p) {
 }
 
 void Zel2::MoveTo(const CRect& r) {
-    const bool shown = Map() != nullptr;
-    if (shown) UpdateWindow();
+    UpdateWindow();
     origin_ = r.TopLeft();
     SetSize(CSize(zel::Add(r.Width(), 1), zel::Add(r.Height(), 1)));
-    if (shown) UpdateWindow();
+    UpdateWindow();
 }
 
 void Zel2::MoveToAbs(const CRect& r) {
@@ -330,10 +333,8 @@ MouseAction Zel2::OnMouse(const MouseStatus& ms) {
         const int point = CptAt(ms.point);
         if (point >= 0) return {ZEL_CURSOR_UPARROW, MouseAction::CONTROL_POINT, point, this};
     }
-    if (HasEdges()) {
-        const int edge = EdgeAt(ms.point);
-        if (edge >= 0) return {ZEL_CURSOR_ARROW, MouseAction::EDGE, edge, this};
-    }
+    const int edge = EdgeAt(ms.point);
+    if (edge >= 0) return {ZEL_CURSOR_ARROW, MouseAction::EDGE, edge, this};
     if (IsIn(ms.point)) {
         return {Selected() ? ZEL_CURSOR_SIZEALL : ZEL_CURSOR_ARROW, MouseAction::BODY, 0, this};
     }

@@ -2,7 +2,7 @@
 
 void Zel2Selection::Add(Zel2* object) {
     if (!object) return;
-    if (!accumulate_) {
+    if (!accumulate) {
         SetAtGrow(0, object);
         return;
     }
@@ -21,25 +21,25 @@ int Zel2Selection::IsIn(const CPoint& pt) {
 
 void Zel2Selection::Select(int on) {
     ForEach([=](Zel2* object) { object->Select(on); });
-    selected_ = on;
+    selected = on;
 }
 
 void Zel2Selection::SetFocus(Zel2* object) {
-    if (object == focus_) return;
-    if (focus_) {
-        focus_->SetStatus(Zel2::FOCUS, 0);
-        focus_->UpdateWindow();
-        focus_ = nullptr;
+    if (object == focus) return;
+    if (focus) {
+        focus->SetStatus(Zel2::FOCUS, 0);
+        focus->UpdateWindow();
+        focus = nullptr;
     }
     if (!object) return;
     Add(object);
     object->SetStatus(Zel2::FOCUS, 1);
     object->UpdateWindow();
-    focus_ = object;
+    focus = object;
 }
 
 void Zel2Selection::RemoveAll() {
-    if (selected_) Select(0);
+    if (selected) Select(0);
     SetFocus(nullptr);
     CObArray::RemoveAll();
 }
@@ -49,7 +49,7 @@ void Zel2Selection::Forget(const Zel2* object) {
         while (member && member != object) member = member->GetParent();
         return member != nullptr;
     };
-    if (leaves(focus_)) focus_ = nullptr;
+    if (leaves(focus)) focus = nullptr;
     for (INT_PTR i = GetUpperBound(); i >= 0; --i) {
         if (leaves((*this)[static_cast<int>(i)])) RemoveAt(i);
     }

@@ -1,8 +1,12 @@
 // Zel2Graph's choice of round scales: pure computations on numbers.
+#include "graphs/ExactScale.h"
+
 #include <zel/Zel2Graph.h>
 
+#include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <tuple>
 
 namespace {
 
@@ -88,9 +92,18 @@ void Zel2Graph::AdjustAxis(Range& range, BYTE type, double a, double b, int n, i
                            std::vector<double>& labels, std::vector<double>& lines,
                            std::vector<double>& ticks) {
     labels.clear();
+    const bool exact = IsExact();
+    if (exact) std::tie(a, b) = zel::MappableRange(a, b);
     range = {a, b};
-    if (AutoCoord(type, a, b, n, labels, Rules())) {
-        if (fit) range = {labels.front(), labels.back()};
+    if (exact && !fit) {
+        labels = zel::PositionsWithin(type, a, b, n);
+    } else {
+        AutoCoord(type, a, b, n, labels, Rules());
+    }
+    if (!labels.empty()) {
+        const bool backwards = exact && a > b;
+        if (fit)
+            range = backwards ? Range{labels.back(), labels.front()} : Range{labels.front(), labels.back()};
         lines = labels;
         ticks = labels;
     }

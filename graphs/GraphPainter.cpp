@@ -1,13 +1,14 @@
 #include "graphs/GraphPainter.h"
 
 #include "graphs/LabelAnchor.h"
+#include "graphs/Labels.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/platform/DC.h>
 
-#include <charconv>
+#include <numeric>
 
 namespace {
 
@@ -16,20 +17,7 @@ constexpr int kUpwards = 900;
 constexpr int kDownwards = -900;
 constexpr int kDownwardsToo = 2700;
 
-// Up to seven significant digits, the shortest form; always with a decimal point, whatever the process's
-// locale.
-std::string LabelText(double value) {
-    char text[40];
-    const auto end =
-        std::to_chars(std::begin(text), std::end(text), value, std::chars_format::general, 7).ptr;
-    return {text, end};
-}
-
-std::string PercentText(double value) {
-    char text[400];  // the largest double has 309 digits
-    const auto end = std::to_chars(std::begin(text), std::end(text), value, std::chars_format::fixed, 1).ptr;
-    return std::string(text, end) + "%";
-}
+constexpr int kDigits = 7;
 
 }  // namespace
 
@@ -56,11 +44,18 @@ GraphPainter::GraphPainter(Zel2Graph& graph)
 }
 
 void GraphPainter::Draw() {
+    // With exact rules the grid lies under what is plotted.
+    const bool exact = g_.IsExact();
+    const auto drawGrid = [this] {
+        DrawVerticalLines();
+        if (g_.showY_) DrawHorizontalLines();
+    };
     FillBackground();
+    if (exact) drawGrid();
     DrawInner();
     FillMargins();
-    DrawVerticalLines();
-    if (g_.showY_) DrawYSide();
+    if (!exact) drawGrid();
+    if (g_.showY_) DrawYTicks();
     if (g_.xTick_ < 0) linePen_ = framePen_;
     DrawXTicks();
     DrawFrames();
@@ -121,8 +116,11 @@ void GraphPainter::DrawVerticalLines() {
     for (const double v : g_.xLines_) Line({g_.X(v), a_.y}, {g_.X(v), b_.y});
 }
 
-void GraphPainter::DrawYSide() {
+void GraphPainter::DrawHorizontalLines() {
     for (const double v : g_.yLines_) Line({a_.x, g_.Y(v)}, {c_.x, g_.Y(v)});
+}
+
+void GraphPainter::DrawYTicks() {
     if (g_.yTick_ < 0) linePen_ = framePen_;
     if (g_.margins_.left > 0 || yTick_ > 0) {
         for (const double v : g_.yTicks_) Line({a_.x, g_.Y(v)}, {zel::Add(a_.x, yTick_), g_.Y(v)});
@@ -184,14 +182,32 @@ unsigned GraphPainter::XLabelFlags() const {
     }
 }
 
+zel::LabelPlace GraphPainter::PlaceOf(const std::string& text, int middle, int angle, int turn) const {
+    if (!g_.IsExact()) return {};
+    return {static_cast<double>(middle), zel::RoomAlong(font_->Extent(text.c_str(), angle), angle + turn)};
+}
+
+std::vector<std::size_t> GraphPainter::Shown(const std::vector<double>& values,
+                                             const std::vector<zel::LabelPlace>& places) const {
+    if (g_.IsExact()) return zel::LabelsWithRoom(values, places);
+    std::vector<std::size_t> all(places.size());
+    std::iota(all.begin(), all.end(), 0U);
+    return all;
+}
+
 void GraphPainter::DrawXLabels() {
     if (g_.margins_.bottom < 1 || !g_.showXLabels_) return;
     xFlags_ = XLabelFlags();
     if (!font_) return;
     int y = a_.y;
     if (g_.yTick_ < 0) y = zel::Add(y, zel::Saturate(5LL * xTick_ / 4));
-    for (const double v : g_.xLabels_)
-        font_->Print(LabelText(v).c_str(), {g_.X(v), y}, g_.xLabelAngle_, xFlags_);
+    const std::vector<double>& values = g_.xLabels_;
+    const std::vector<std::string> texts = zel::LabelTexts(values, kDigits, g_.Rules());
+    std::vector<zel::LabelPlace> places;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        places.push_back(PlaceOf(texts[i], g_.X(values[i]), g_.xLabelAngle_, 0));
+    for (const std::size_t i : Shown(values, places))
+        font_->Print(texts[i].c_str(), {g_.X(values[i]), y}, g_.xLabelAngle_, xFlags_);
 }
 
 GraphPainter::Anchor GraphPainter::YLabelAnchor() const {
@@ -211,27 +227,50 @@ GraphPainter::Anchor GraphPainter::YLabelAnchor() const {
     return {zel::AnchorBeside(g_.yLabelAngle_, true) & ~DT_VCENTER, DT_VCENTER};
 }
 
+// Labels on the right begin at their ticks.
+GraphPainter::Anchor GraphPainter::RightLabelAnchor() const {
+    switch (g_.yLabelAngle_) {
+        case kUpwards:
+            return {DT_CENTER, DT_TOP};
+        case kDownwards:
+        case kDownwardsToo:
+            return {DT_CENTER, DT_BOTTOM};
+        default:
+            return {zel::AnchorBeside(g_.yLabelAngle_, false) & ~DT_VCENTER, DT_VCENTER};
+    }
+}
+
 bool GraphPainter::ShowsYLabels() const {
     return g_.margins_.left > 0 && g_.showY_ && !g_.hideYLabels_;
 }
 
+// Without a margin to spill into, the end labels stay inside the graph.
+unsigned GraphPainter::EndFlags(std::size_t label, const Anchor& anchor) const {
+    if (label == 0 && g_.margins_.bottom < 1) return anchor.horizontal | DT_BOTTOM;
+    if (label + 1 == g_.yLabels_.size() && g_.margins_.top < 1) return anchor.horizontal;
+    return anchor.horizontal | anchor.vertical;
+}
+
 void GraphPainter::DrawYLabels(Side side) {
     if (!ShowsYLabels() || !font_) return;
-    const bool left = side == Side::LEFT;
-    const Anchor anchor = YLabelAnchor();
+    const bool left = side == Side::LEFT, exact = g_.IsExact();
+    const Anchor anchor = left || !exact ? YLabelAnchor() : RightLabelAnchor();
     int x = left ? a_.x : c_.x;
-    if (g_.xTick_ < 0) x = zel::Add(x, zel::Saturate(left ? 5LL * yTick_ / 4 : -8LL * yTick_));
-    const std::vector<double>& values = left ? g_.yLabels_ : g_.yRightLabels_;
-    const std::size_t count = std::min(values.size(), g_.yLabels_.size());
+    const std::int64_t away = left ? 5LL * yTick_ / 4 : exact ? -5LL * yTick_ / 4 : -8LL * yTick_;
+    if (g_.xTick_ < 0) x = zel::Add(x, zel::Saturate(away));
+    const std::vector<std::string> texts = left ? zel::LabelTexts(g_.yLabels_, kDigits, g_.Rules())
+                                                : zel::PercentTexts(g_.yRightLabels_, g_.Rules());
+    const std::size_t count = std::min(texts.size(), g_.yLabels_.size());
+    const std::vector<double> values(g_.yLabels_.begin(),
+                                     g_.yLabels_.begin() + static_cast<std::ptrdiff_t>(count));
+    std::vector<zel::LabelPlace> places;
     for (std::size_t i = 0; i < count; ++i) {
-        unsigned flags = anchor.horizontal | anchor.vertical;
-        // Without a margin to spill into, the end labels stay inside the graph.
-        if (i == 0 && g_.margins_.bottom < 1) {
-            flags = anchor.horizontal | DT_BOTTOM;
-        } else if (i + 1 == g_.yLabels_.size() && g_.margins_.top < 1) {
-            flags = anchor.horizontal;
-        }
-        const std::string text = left ? LabelText(values[i]) : PercentText(values[i]);
-        font_->Print(text.c_str(), {x, g_.Y(g_.yLabels_[i])}, g_.yLabelAngle_, flags);
+        places.push_back(PlaceOf(texts[i], g_.Y(values[i]), g_.yLabelAngle_, kUpwards));
+        // In logical units y points down.
+        const unsigned flags = EndFlags(i, anchor);
+        if (anchor.vertical == DT_VCENTER && !(flags & DT_VCENTER))
+            places.back().middle += places.back().room / (flags & DT_BOTTOM ? -2 : 2);
     }
+    for (const std::size_t i : Shown(values, places))
+        font_->Print(texts[i].c_str(), {x, g_.Y(values[i])}, g_.yLabelAngle_, EndFlags(i, anchor));
 }

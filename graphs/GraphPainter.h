@@ -1,6 +1,8 @@
 // The drawing of one graph.
 #pragma once
 
+#include "graphs/Labels.h"
+
 #include <zel/DrawFont.h>
 #include <zel/Zel2Graph.h>
 
@@ -28,7 +30,8 @@ class GraphPainter {
     void DrawInner();
     void FillMargins();
     void DrawVerticalLines();
-    void DrawYSide();
+    void DrawHorizontalLines();
+    void DrawYTicks();
     void DrawXTicks();
     void DrawFrames();
     void DrawFrame(DrawPen* pen, const CPoint (&corners)[4]) const;
@@ -37,6 +40,12 @@ class GraphPainter {
     bool ShowsYLabels() const;
     unsigned XLabelFlags() const;
     Anchor YLabelAnchor() const;
+    Anchor RightLabelAnchor() const;
+    unsigned EndFlags(std::size_t label, const Anchor& anchor) const;
+    // The labels of a row that are written: with exact rules those that have room.
+    std::vector<std::size_t> Shown(const std::vector<double>& values,
+                                   const std::vector<zel::LabelPlace>& places) const;
+    zel::LabelPlace PlaceOf(const std::string& text, int middle, int angle, int turn) const;
 
     bool Skips(const DrawColor* color) const;
     void Line(const CPoint& from, const CPoint& to) const;

@@ -1,4 +1,5 @@
 #include "core/ArchiveFields.h"
+#include "graphs/Labels.h"
 
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
@@ -6,7 +7,7 @@
 #include <zel/Zel2Axis.h>
 #include <zel/Zel2Graph.h>
 
-#include <charconv>
+#include <algorithm>
 
 IMPLEMENT_SERIAL(Zel2Axis, Zel2, 0)
 
@@ -15,11 +16,8 @@ namespace {
 constexpr int kTick = 60;  // world units
 constexpr int kGap = 30;   // from a tick to its label
 constexpr int kIntervals = 8;
-
-std::string LabelText(double v) {
-    char text[40];
-    return {text, std::to_chars(std::begin(text), std::end(text), v, std::chars_format::general, 4).ptr};
-}
+constexpr int kClassicDigits = 4;
+constexpr int kDigits = 7;
 
 }  // namespace
 
@@ -66,13 +64,30 @@ void Zel2Axis::OnDraw() {
     line(PlaceOf(min_), PlaceOf(max_));
     DrawFont* font = Font(font_);
     const unsigned flags = IsUpright() ? DT_RIGHT | DT_VCENTER : DT_CENTER;
-    for (const double v : values) {
-        // The labels may reach past a range that they do not divide.
-        if (v < std::min(min_, max_) || v > std::max(min_, max_)) continue;
-        line(PlaceOf(v), beside(PlaceOf(v), kTick));
-        if (font)
-            font->Print(LabelText(v).c_str(), map.ToLogical(beside(PlaceOf(v), kTick + kGap)), 0, flags);
+    // The positions may reach past a range that they do not divide.
+    std::erase_if(values, [this](double v) { return v < std::min(min_, max_) || v > std::max(min_, max_); });
+    const bool exact = IsExact();
+    const std::vector<std::string> texts = zel::LabelTexts(values, exact ? kDigits : kClassicDigits, Rules());
+    const std::vector<bool> shown =
+        exact && font ? LabelsShown(values, texts, *font) : std::vector<bool>(values.size(), font != nullptr);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const CPoint place = PlaceOf(values[i]);
+        line(place, beside(place, kTick));
+        if (shown[i]) font->Print(texts[i].c_str(), map.ToLogical(beside(place, kTick + kGap)), 0, flags);
     }
+}
+
+std::vector<bool> Zel2Axis::LabelsShown(const std::vector<double>& values,
+                                        const std::vector<std::string>& texts, DrawFont& font) {
+    std::vector<zel::LabelPlace> places;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const CPoint at = Map()->ToLogical(PlaceOf(values[i]));
+        places.push_back({static_cast<double>(IsUpright() ? at.y : at.x),
+                          zel::RoomAlong(font.Extent(texts[i].c_str(), 0), IsUpright() ? 900 : 0)});
+    }
+    std::vector<bool> shown(values.size());
+    for (const std::size_t i : zel::LabelsWithRoom(values, places)) shown[i] = true;
+    return shown;
 }
 
 void Zel2Axis::OnPrint(CDC*, CPrintInfo*) {

@@ -4,6 +4,7 @@
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/Zel2CoordSys.h>
+#include <zel/ZelDocument.h>
 #include <zel/platform/DC.h>
 
 IMPLEMENT_DOCUMENT_CLASS(Zel2CoordSys, Zel2Rect)
@@ -31,7 +32,36 @@ Zel2CoordSys::Zel2CoordSys(double x0, double y0, double x1, double y1, const CRe
     vAxis_.MoveTo(CPoint(0, 0));
 }
 
+Zel2CoordSys::Zel2CoordSys(const Zel2CoordSys& other)
+    : Zel2Rect(other), vAxis_(other.vAxis_), hAxis_(other.hAxis_), showAxes_(other.showAxes_) {
+    Adopt();
+    CopyContents(other);
+}
+
+Zel2CoordSys& Zel2CoordSys::operator=(const Zel2CoordSys& other) {
+    if (this == &other) return *this;
+    Zel2Rect::operator=(other);
+    vAxis_ = other.vAxis_;
+    hAxis_ = other.hAxis_;
+    showAxes_ = other.showAxes_;
+    Adopt();
+    CopyContents(other);
+    return *this;
+}
+
 Zel2CoordSys::~Zel2CoordSys() = default;
+
+void Zel2CoordSys::CopyContents(const Zel2CoordSys& other) {
+    for (std::size_t i = 0; i < std::size(contents_); ++i) {
+        const std::unique_ptr<Zel2> copy = zel::DeepCopy(*other.contents_[i]);
+        auto& contents = dynamic_cast<Zel2Set&>(*copy);
+        *contents_[i] = contents;
+        contents_[i]->SetParent(this);
+        for (int k = 0; k < contents.GetCount(); ++k) {
+            if (Zel2* child = contents.Del(k)) child->SetParent(contents_[i].get());
+        }
+    }
+}
 
 void Zel2CoordSys::Adopt() {
     hAxis_.SetParent(this);
@@ -90,6 +120,7 @@ const WorldFrame* Zel2CoordSys::Frame() {
     vAxis_.GetCoord(frame_.ymin, frame_.ymax);
     frame_.lower = {hAxis_.X(frame_.xmin), vAxis_.Y(frame_.ymin)};
     frame_.upper = {hAxis_.X(frame_.xmax), vAxis_.Y(frame_.ymax)};
+    frame_.exact = true;
     return &frame_;
 }
 
@@ -98,39 +129,45 @@ void Zel2CoordSys::DrawContent() {
     contents_[0]->OnDraw();
 }
 
-void Zel2CoordSys::OnDraw() {
-    const bool exact = IsExact() && DC() && Map();
-    if (exact) {
-        hAxis_.Prepare();
-        vAxis_.Prepare();
+template <class Draw>
+void Zel2CoordSys::Clipped(const CRect& box, Draw draw) {
+    if (!IsExact() || !DC() || !Map()) {
+        draw();
+        return;
     }
+    CDC& dc = *DC();
+    const int level = dc.SaveDC();
+    CRect seen(box);
+    seen.NormalizeRect();
+    dc.IntersectClipRect(seen.left, seen.top, zel::Add(seen.right, 1), zel::Add(seen.bottom, 1));
+    draw();
+    dc.RestoreDC(level);
+    // The context has its earlier font again, not the one that the last text selected.
+    DrawFont::selected = nullptr;
+}
+
+void Zel2CoordSys::OnDraw() {
+    // With exact rules the grid lies under contents and frame.
+    const bool exact = IsExact() && DC() && Map();
+    const bool prepared[] = {exact && hAxis_.Prepare(), exact && vAxis_.Prepare()};
     Zel2Rect::OnDraw();
     CRect box;
     if (Map()) box = Map()->ToLogical(AbsRect());
-    const auto clipped = [&](auto draw) {
-        if (!exact) {
-            draw();
-            return;
-        }
-        CDC& dc = *DC();
-        const int level = dc.SaveDC();
-        CRect seen(box);
-        seen.NormalizeRect();
-        dc.IntersectClipRect(seen.left, seen.top, zel::Add(seen.right, 1), zel::Add(seen.bottom, 1));
-        draw();
-        dc.RestoreDC(level);
-        // The context has its earlier font again, not the one that the last text selected.
-        DrawFont::selected = nullptr;
-    };
-    clipped([this] { DrawContent(); });
+    if (prepared[0]) hAxis_.DrawLines(*this);
+    if (prepared[1]) vAxis_.DrawLines(*this);
+    Clipped(box, [this] { DrawContent(); });
     if (DrawPen* pen = Map() && GetPen() >= 0 ? Pen(GetPen()) : nullptr) pen->Rect(box);
-    hAxis_.OnDrawInRectangle(this);
-    vAxis_.OnDrawInRectangle(this);
-    if (exact && showAxes_) {
+    if (!exact) {
+        hAxis_.OnDrawInRectangle(this);
+        vAxis_.OnDrawInRectangle(this);
+    }
+    if (prepared[0]) hAxis_.DrawInnerTicks();
+    if (prepared[1]) vAxis_.DrawInnerTicks();
+    if (exact && showAxes_ && !axesShared_) {
         hAxis_.OnDraw();
         vAxis_.OnDraw();
     }
-    clipped([this] { contents_[2]->OnDraw(); });
+    Clipped(box, [this] { contents_[2]->OnDraw(); });
     ResetClip();
 }
 

@@ -130,8 +130,18 @@ void Zel2Graph::SetTickLengths(int x, int y) {
 }
 
 bool Zel2Graph::SetDefault(bool fitX, bool fitY) {
-    if (xLabels_.empty()) AdjustXAxis(x_.min, x_.max, kDefaultIntervals, fitX);
-    if (yLabels_.empty()) AdjustYAxis(y_.min, y_.max, kDefaultIntervals, fitY);
+    // With exact rules ticks and grid lines that were set stay beside labels that are chosen.
+    const auto keepingOwn = [this](auto choose, std::vector<double>& ticks, std::vector<double>& lines) {
+        const std::vector<double> ownTicks = ticks, ownLines = lines;
+        choose();
+        if (!IsExact()) return;
+        if (!ownTicks.empty()) ticks = ownTicks;
+        if (!ownLines.empty()) lines = ownLines;
+    };
+    if (xLabels_.empty())
+        keepingOwn([&] { AdjustXAxis(x_.min, x_.max, kDefaultIntervals, fitX); }, xTicks_, xLines_);
+    if (yLabels_.empty())
+        keepingOwn([&] { AdjustYAxis(y_.min, y_.max, kDefaultIntervals, fitY); }, yTicks_, yLines_);
     defaultsApplied_ = 1;
     tools_[BORDER_PEN] = RegisterPen("Border Frame Line", DrawPen::NONE, 1, 0, 0, nullptr);
     tools_[FRAME_PEN] = RegisterPen("Background Frame Line", DrawPen::SOLID, 1, 0, 0, nullptr);
@@ -192,6 +202,7 @@ int Zel2Graph::PrepareMapping() {
     for (int i = 0; i < 4; ++i) logical_[i] = R2L(relative_[i]);
     frame_.lower = logical_[0];
     frame_.upper = logical_[3];
+    frame_.exact = IsExact();
     return 1;
 }
 
@@ -216,7 +227,9 @@ void Zel2Graph::Close() {
 
 void Zel2Graph::OnDraw() {
     if (!coordSet_) return;
-    if (!defaultsApplied_) SetDefault(true, true);
+    // With exact rules the range that was set stays.
+    const bool fit = !IsExact();
+    if (!defaultsApplied_) SetDefault(fit, fit);
     if (!sizeSet_) {
         SetSize(kDefaultSize);
         sizeSet_ = 1;

@@ -1,5 +1,7 @@
 #include "core/ArchiveFields.h"
+#include "graphs/ExactScale.h"
 #include "graphs/LabelAnchor.h"
+#include "graphs/Labels.h"
 
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
@@ -8,7 +10,8 @@
 #include <zel/Zel2HAxis.h>
 #include <zel/platform/DC.h>
 
-#include <charconv>
+#include <algorithm>
+#include <tuple>
 
 IMPLEMENT_DOCUMENT_CLASS(Zel2HAxis, Zel2Rect)
 IMPLEMENT_DOCUMENT_CLASS(Zel2VAxis, Zel2Rect)
@@ -17,15 +20,12 @@ namespace {
 
 constexpr int kMostIntervals = 8;
 constexpr int kHeightPerInterval = 200;  // world units
-constexpr int kLabelGap = 30;            // world units
+constexpr int kLeastIntervals = 2;       // with exact rules, however low the axis
+constexpr int kClassicDigits = 4;
+constexpr int kDigits = 7;
+constexpr int kLabelGap = 30;  // world units
 constexpr int kDefaultLeftMargin = 800;
 constexpr unsigned long kGrey = 0xC0C0C0;
-
-// Up to four significant digits, whatever the process's locale.
-std::string LabelText(double v) {
-    char text[40];
-    return {text, std::to_chars(std::begin(text), std::end(text), v, std::chars_format::general, 4).ptr};
-}
 
 LONG Middle(LONG a, LONG b) {
     return static_cast<LONG>((static_cast<std::int64_t>(a) + b) / 2);
@@ -68,10 +68,12 @@ void Zel2ScaleAxis::SetTitle(const char* text, int offset) {
 
 void Zel2ScaleAxis::SetTicks(const double* values, int n) {
     Assign(ticks_, values, n);
+    ownTicks_ = !ticks_.empty();
 }
 
 void Zel2ScaleAxis::SetLines(const double* values, int n) {
     Assign(lines_, values, n);
+    ownLines_ = !lines_.empty();
 }
 
 void Zel2ScaleAxis::SetLabels(const std::vector<double>& values) {
@@ -91,17 +93,47 @@ void Zel2ScaleAxis::SetSize(const CSize& size) {
     StoreSize(size);
 }
 
+void Zel2ScaleAxis::Adjust(double a, double b, int n) {
+    std::tie(min_, max_) = IsExact() ? zel::MappableRange(a, b) : std::pair(a, b);
+    rangeSet_ = 1;
+    std::vector<double> labels;
+    if (!Zel2Graph::AutoCoord(type_, min_, max_, n, labels, Rules())) return;
+    labels_ = labels;
+    labelsChosen_ = true;
+    FitToLabels();
+}
+
+void Zel2ScaleAxis::KeepInside(bool atStart, bool atEnd) {
+    insideAtStart_ = atStart;
+    insideAtEnd_ = atEnd;
+}
+
+bool Zel2ScaleAxis::Replaces(bool switchedOn, bool wasSet) {
+    return switchedOn && !(wasSet && IsExact());
+}
+
+bool Zel2ScaleAxis::ChooseLabels() {
+    if (!IsExact()) return Zel2Graph::AutoCoord(type_, min_, max_, IntervalCount(), labels_, Rules());
+    std::tie(min_, max_) = zel::MappableRange(min_, max_);
+    labels_ = zel::PositionsWithin(type_, min_, max_, std::max(IntervalCount(), kLeastIntervals));
+    return !labels_.empty();
+}
+
+// A range that runs backwards goes on doing so with exact rules.
+void Zel2ScaleAxis::FitToLabels() {
+    const bool backwards = IsExact() && min_ > max_;
+    min_ = backwards ? labels_.back() : labels_.front();
+    max_ = backwards ? labels_.front() : labels_.back();
+}
+
 int Zel2ScaleAxis::SetContents() {
     if (labels_.empty()) {
-        if (!Zel2Graph::AutoCoord(type_, min_, max_, IntervalCount(), labels_, Rules())) return 0;
+        if (!ChooseLabels()) return 0;
         labelsChosen_ = true;
     }
-    if (fit_) {
-        min_ = labels_.front();
-        max_ = labels_.back();
-    }
-    if (linesFromLabels_) lines_ = labels_;
-    if (ticksFromLabels_) ticks_ = labels_;
+    if (Replaces(fit_, labelsChosen_)) FitToLabels();
+    if (Replaces(linesFromLabels_, ownLines_)) lines_ = labels_;
+    if (Replaces(ticksFromLabels_, ownTicks_)) ticks_ = labels_;
     return 1;
 }
 
@@ -180,11 +212,34 @@ void Zel2ScaleAxis::DrawTicks(const Edge& edge, int length) {
 void Zel2ScaleAxis::DrawLabels(const Edge& edge, int tick) {
     DrawFont* font = Font(tools_[LABEL_FONT]);
     if (!font || labels_.empty()) return;
+    const bool exact = IsExact();
     const int gap = Gap(kLabelGap);
     const unsigned flags = LabelFlags(gap);
     const LONG line = zel::Add(edge.edge, zel::Saturate((std::int64_t{gap} + tick) * edge.into));
-    for (const double v : labels_)
-        font->Print(LabelText(v).c_str(), At(Position(v), line), labelAngle_, flags);
+    const std::vector<std::string> texts =
+        zel::LabelTexts(labels_, exact ? kDigits : kClassicDigits, Rules());
+    if (!exact) {
+        for (std::size_t i = 0; i < labels_.size(); ++i)
+            font->Print(texts[i].c_str(), At(Position(labels_[i]), line), labelAngle_, flags);
+        return;
+    }
+    std::vector<zel::LabelPlace> places;
+    for (std::size_t i = 0; i < labels_.size(); ++i) {
+        places.push_back({static_cast<double>(Position(labels_[i])),
+                          LabelRoom(font->Extent(texts[i].c_str(), labelAngle_))});
+        PutInside(places.back());
+    }
+    for (const std::size_t i : zel::LabelsWithRoom(labels_, places)) {
+        const LONG along = zel::Truncate(places[i].middle);
+        font->Print(texts[i].c_str(), At(along, line), labelAngle_, flags);
+    }
+}
+
+void Zel2ScaleAxis::PutInside(zel::LabelPlace& place) const {
+    const double half = place.room / 2, sign = ends_.start <= ends_.end ? 1 : -1;
+    const double start = ends_.start + sign * half, end = ends_.end - sign * half;
+    if (insideAtStart_ && sign * (place.middle - start) < 0) place.middle = start;
+    if (insideAtEnd_ && sign * (place.middle - end) > 0) place.middle = end;
 }
 
 void Zel2ScaleAxis::DrawTitle(const Edge& edge, const CRect& box) {
@@ -206,10 +261,18 @@ void Zel2ScaleAxis::OnDraw() {
 
 void Zel2ScaleAxis::OnDrawInRectangle(Zel2* area) {
     if (!area || !Prepare()) return;
+    DrawInnerTicks();
+    DrawLines(*area);
+}
+
+void Zel2ScaleAxis::DrawInnerTicks() {
     if (tickLength_ > 0) DrawTicks(EdgeOf(LogicalBox()), -TickInLogicalUnits());
+}
+
+void Zel2ScaleAxis::DrawLines(Zel2& area) {
     DrawPen* pen = lines_.empty() ? nullptr : Pen(tools_[LINES_PEN]);
     if (!pen) return;
-    const CRect across = Map()->ToLogical(area->AbsRect());
+    const CRect across = Map()->ToLogical(area.AbsRect());
     for (const double v : lines_) LineAcross(*pen, Position(v), across);
 }
 
@@ -220,8 +283,14 @@ void Zel2ScaleAxis::Serialize(CArchive& ar) {
     for (int& tool : tools_) zel::Exchange(ar, tool);
     for (auto* list : {&labels_, &ticks_, &lines_}) zel::ExchangeList(ar, *list);
     zel::Exchange(ar, side_, rangeSet_);
-    for (bool* flag : {&fit_, &linesFromLabels_, &ticksFromLabels_, &labelsChosen_})
-        zel::ExchangeFlag(ar, *flag);
+    // What the host has set is stored as what is not taken from labels.
+    bool lines = Replaces(linesFromLabels_, ownLines_), ticks = Replaces(ticksFromLabels_, ownTicks_);
+    for (bool* flag : {&fit_, &lines, &ticks}) zel::ExchangeFlag(ar, *flag);
+    if (ar.IsLoading()) {
+        linesFromLabels_ = lines;
+        ticksFromLabels_ = ticks;
+    }
+    zel::ExchangeFlag(ar, labelsChosen_);
     zel::Exchange(ar, title_);
     for (CString& name : names_) zel::Exchange(ar, name);
 }
@@ -261,6 +330,10 @@ unsigned Zel2HAxis::LabelFlags(int gap) {
     // At other angles the classic flags are the gap's bits.
     if (!IsExact()) return static_cast<unsigned>(gap);
     return above ? zel::AnchorAbove(LabelAngle()) : zel::AnchorBelow(LabelAngle());
+}
+
+double Zel2HAxis::LabelRoom(const CSize& extent) const {
+    return zel::RoomAlong(extent, LabelAngle());
 }
 
 void Zel2HAxis::LineAcross(DrawPen& pen, LONG along, const CRect& area) const {
@@ -315,6 +388,10 @@ unsigned Zel2VAxis::LabelFlags(int gap) {
     }
     if (!IsExact()) return static_cast<unsigned>(gap);
     return zel::AnchorBeside(LabelAngle(), !right);
+}
+
+double Zel2VAxis::LabelRoom(const CSize& extent) const {
+    return zel::RoomAlong(extent, LabelAngle() + 900);
 }
 
 void Zel2VAxis::LineAcross(DrawPen& pen, LONG along, const CRect& area) const {

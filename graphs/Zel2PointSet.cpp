@@ -1,7 +1,7 @@
 #include "core/ArchiveFields.h"
 #include "graphs/SeriesFill.h"
-#include "series/SeriesHit.h"
 #include "series/CurveScope.h"
+#include "series/SeriesHit.h"
 #include "series/SeriesIndex.h"
 #include "tools/SeriesMarks.h"
 
@@ -9,6 +9,7 @@
 #include <zel/DrawPen.h>
 #include <zel/DrawSymbol.h>
 #include <zel/Mapping.h>
+#include <zel/Zel2CoordSys.h>
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2PointSet.h>
 #include <zel/platform/DC.h>
@@ -17,6 +18,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <optional>
+#include <unordered_map>
 
 IMPLEMENT_SERIAL(Zel2PointSet, Zel2, 0)
 IMPLEMENT_SERIAL(Zel2PointArray, Zel2PointSet, 0)
@@ -29,7 +31,20 @@ Zel2Graph* GraphAround(const Zel2& object) {
     return dynamic_cast<Zel2Graph*>(object.GetParentClass(Zel2::CLASS_GRAPH));
 }
 
-constexpr int kHitReach = 3;  // pixels
+// The coordinate system that an object stands in, unless a graph is nearer.
+Zel2CoordSys* CoordSysAround(const Zel2& object) {
+    for (Zel2* outer = object.GetParent(); outer && !outer->IsClass(Zel2::CLASS_GRAPH);
+         outer = outer->GetParent()) {
+        if (auto* const system = dynamic_cast<Zel2CoordSys*>(outer)) return system;
+    }
+    return nullptr;
+}
+
+constexpr int kHitReach = 3;                     // pixels
+constexpr int kTenthsOfMillimetrePerInch = 254;  // of a pen's width
+constexpr int kUnitsPerInch = 1000;              // of the drawing
+constexpr long kMarks = 8;                       // on a selected series
+constexpr long kCandidates = 1024;               // points among which marks are chosen
 
 // A graph's range widened by values; begins afresh where the range was not set yet.
 class Widened {
@@ -137,15 +152,49 @@ void Zel2PointSet::ForStretches(Function function, unsigned int first) {
 unsigned int Zel2PointSet::nCpt() {
     return Zel2::nCpt();
 }
-CPoint Zel2PointSet::Cpt(int i) {
-    return Zel2::Cpt(i);
-}
+
 MouseAction Zel2PointSet::OnMouse(const MouseStatus& ms) {
     return Zel2::OnMouse(ms);
 }
 
-int Zel2PointSet::SymbolReach() {
-    const int index = pointSymbols_.GetSize() > 0 ? static_cast<int>(pointSymbols_.GetAt(0)) : symbol_;
+// Evenly along the part of the series that can be seen, as far as a sample of its points tells.
+std::vector<long> Zel2PointSet::MarkedPoints() {
+    const WorldFrame* frame = GraphFrame();
+    const long n = static_cast<long>(NPoints());
+    if (!frame || n == 0) return {};
+    std::vector<long> seen;
+    const long samples = std::min(n, kCandidates);
+    for (long k = 0; k < samples; ++k) {
+        const long i = samples > 1 ? static_cast<long>(std::int64_t{k} * (n - 1) / (samples - 1)) : 0;
+        if (frame->Contains(X(i), Y(i))) seen.push_back(i);
+    }
+    const long count = static_cast<long>(seen.size()), marks = std::min(count, kMarks);
+    std::vector<long> marked;
+    for (long k = 0; k < marks; ++k)
+        marked.push_back(seen[static_cast<std::size_t>(marks > 1 ? k * (count - 1) / (marks - 1) : 0)]);
+    return marked;
+}
+
+CPoint Zel2PointSet::Cpt(int i) {
+    const WorldFrame* frame = GraphFrame();
+    const std::vector<long> marked = IsExact() && Map() ? MarkedPoints() : std::vector<long>();
+    if (!frame || i < 0 || i >= static_cast<int>(marked.size())) return Zel2::Cpt(i);
+    const long point = marked[static_cast<std::size_t>(i)];
+    return Map()->FromLogical(frame->ToLogical(X(point), Y(point)));
+}
+
+void Zel2PointSet::DrawMarks() {
+    const int count = static_cast<int>(MarkedPoints().size());
+    for (int i = 0; i < count; ++i) DrawCPT(i);
+}
+
+CRect Zel2PointSet::PaintedArea() {
+    Zel2* outer = IsExact() ? GetParent() : nullptr;
+    while (outer && !outer->Frame()) outer = outer->GetParent();
+    return outer ? outer->PaintedArea() : Zel2::PaintedArea();
+}
+
+int Zel2PointSet::SymbolReach(int index) {
     DrawSymbol* const symbol = index >= 0 ? Symbol(index) : nullptr;
     if (!symbol) return -1;
     const CSize size = Map()->ToDevice(symbol->Size());
@@ -162,11 +211,42 @@ int Zel2PointSet::IsIn(const CPoint& pt) {
     CRect plot(frame->lower, frame->upper);
     plot.NormalizeRect();
     plot.InflateRect(kHitReach, kHitReach);
-    if (!plot.PtInRect(CPoint(at.cx, at.cy))) return 0;
+    if (NPoints() == 0 || !plot.PtInRect(CPoint(at.cx, at.cy))) return 0;
 
-    zel::SeriesHit hit(*frame, CSize(at.cx, at.cy), pen_ >= 0, SymbolReach(), kHitReach);
+    // The reach of each symbol is looked up once.
+    std::unordered_map<int, int> reaches;
+    const auto reachOf = [&](int index) {
+        const auto known = reaches.find(index);
+        return known != reaches.end() ? known->second : reaches[index] = SymbolReach(index);
+    };
+    const int common = reachOf(symbol_);
+    int largest = common;
+    for (INT_PTR i = 0; i < pointSymbols_.GetSize(); ++i)
+        largest = std::max(largest, reachOf(static_cast<int>(pointSymbols_.GetAt(i))));
+    const auto symbolAt = [&](std::size_t i) {
+        const int everywhere = i > 0 || symbolOnFirst_ ? common : -1;
+        const bool own = i < static_cast<std::size_t>(pointSymbols_.GetSize());
+        return own ? std::max(everywhere, reachOf(static_cast<int>(pointSymbols_.GetAt(static_cast<int>(i)))))
+                   : everywhere;
+    };
+    DrawPen* const chosen = pen_ >= 0 ? Pen(pen_) : nullptr;
+    DrawPen* const pen = chosen && chosen->Style() != DrawPen::NONE ? chosen : nullptr;
+    const int width = pen ? MulDiv(pen->Width(), kUnitsPerInch, kTenthsOfMillimetrePerInch) : 0;
+    const int half = pen ? std::abs(Map()->ToDevice(CSize(width, width)).cx) / 2 : -1;
+
+    zel::SeriesHit hit(*frame, CSize(at.cx, at.cy), kHitReach);
+    hit.SetLine(half);
+    hit.SetSymbols(largest, symbolAt);
+    const zel::WorldPoint first{X(0), Y(0)};
+    const long n = static_cast<long>(NPoints());
+    const zel::WorldPoint last{X(n - 1), Y(n - 1)};
+    if (frame->ContainsStrictly(first.x, first.y) &&
+        hit.TestLine(zel::ExtensionPoint(start_, *frame, first), first))
+        return 1;
     bool found = false;
     ForStretches([&](const zel::SeriesStretch& stretch) { return !(found = hit.Test(stretch)); });
+    if (!found && frame->ContainsStrictly(last.x, last.y))
+        found = hit.TestLine(last, zel::ExtensionPoint(end_, *frame, last));
     return found ? 1 : 0;
 }
 
@@ -196,30 +276,38 @@ void TakeIn(Widened& range, const zel::SeriesStretch& stretch) {
         });
 }
 
-void Zel2PointSet::AdjustXAxis(int n) {
-    Zel2Graph* graph = GraphAround(*this);
-    if (!graph) return;
-    double x0, y0, x1, y1;
-    graph->GetFloatRect(x0, y0, x1, y1);
-    Widened range(x0, x1);
+bool Zel2PointSet::WidenByPoints(bool vertical, double& from, double& to) {
+    Widened range(from, to);
     ForStretches([&](const zel::SeriesStretch& stretch) {
-        TakeIn<&zel::SeriesSpan::xmin, &zel::SeriesSpan::xmax>(range, stretch);
+        vertical ? TakeIn<&zel::SeriesSpan::ymin, &zel::SeriesSpan::ymax>(range, stretch)
+                 : TakeIn<&zel::SeriesSpan::xmin, &zel::SeriesSpan::xmax>(range, stretch);
         return true;
     });
-    if (range.IsSet()) graph->AdjustXAxis(range.Lo(), range.Hi(), n, 1);
+    if (!range.IsSet()) return false;
+    from = range.Lo();
+    to = range.Hi();
+    return true;
+}
+
+// With exact rules a series in a coordinate system adjusts the axes of that.
+void Zel2PointSet::AdjustXAxis(int n) {
+    Zel2CoordSys* const system = IsExact() ? CoordSysAround(*this) : nullptr;
+    Zel2Graph* const graph = system ? nullptr : GraphAround(*this);
+    if (!system && !graph) return;
+    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    system ? system->HAxis()->GetCoord(x0, x1) : graph->GetFloatRect(x0, y0, x1, y1);
+    if (!WidenByPoints(false, x0, x1)) return;
+    system ? system->HAxis()->Adjust(x0, x1, n) : graph->AdjustXAxis(x0, x1, n, 1);
 }
 
 void Zel2PointSet::AdjustYAxis(int n) {
-    Zel2Graph* graph = GraphAround(*this);
-    if (!graph) return;
-    double x0, y0, x1, y1;
-    graph->GetFloatRect(x0, y0, x1, y1);
-    Widened range(y0, y1);
-    ForStretches([&](const zel::SeriesStretch& stretch) {
-        TakeIn<&zel::SeriesSpan::ymin, &zel::SeriesSpan::ymax>(range, stretch);
-        return true;
-    });
-    if (range.IsSet()) graph->AdjustYAxis(range.Lo(), range.Hi(), n, 1);
+    Zel2CoordSys* const system = IsExact() ? CoordSysAround(*this) : nullptr;
+    Zel2Graph* const graph = system ? nullptr : GraphAround(*this);
+    if (!system && !graph) return;
+    double x0 = 0, y0 = 0, x1 = 0, y1 = 0;
+    system ? system->VAxis()->GetCoord(y0, y1) : graph->GetFloatRect(x0, y0, x1, y1);
+    if (!WidenByPoints(true, y0, y1)) return;
+    system ? system->VAxis()->Adjust(y0, y1, n) : graph->AdjustYAxis(y0, y1, n, 1);
 }
 
 void Zel2PointSet::OnDraw() {
@@ -227,6 +315,7 @@ void Zel2PointSet::OnDraw() {
     if (pen_ >= 0) Plot(Pen(pen_), start_, end_);
     if (symbol_ >= 0) Plot(Symbol(symbol_));
     if (pointSymbols_.GetSize() > 0) PlotPointSymbols();
+    if (IsExact() && Selected() && Map()) DrawMarks();
 }
 
 void Zel2PointSet::PlotPointSymbols() {

@@ -136,7 +136,12 @@ void Zel2StackGraph::Setup() {
     if (IsExact() && axis_->HasCoord()) axis_->SetContents();
     const std::vector<Share> shares = IsExact() ? ExactShares(height) : ClassicShares(height);
     for (std::size_t i = 0; i < shares.size(); ++i) {
-        if (Zel2CoordSys* graph = SubGraph(static_cast<int>(i))) Place(*graph, shares[i], width);
+        Zel2CoordSys* graph = SubGraph(static_cast<int>(i));
+        if (!graph) continue;
+        Place(*graph, shares[i], width);
+        // The labels of neighbours do not meet.
+        graph->VAxis()->KeepInside(i > 0, i + 1 < shares.size());
+        graph->ShareAxes(true);
     }
 }
 

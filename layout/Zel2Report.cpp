@@ -28,6 +28,15 @@ Zel2Report::Zel2Report() : content_(std::make_unique<Zel2Column>(1)) {
 
 Zel2Report::~Zel2Report() = default;
 
+Zel2Report* Zel2Report::FirstIn(Zel2Set& drawing) {
+    if (auto* const report = dynamic_cast<Zel2Report*>(&drawing)) return report;
+    for (int i = 0; i < drawing.GetCount(); ++i) {
+        auto* const set = dynamic_cast<Zel2Set*>(drawing[i]);
+        if (Zel2Report* const report = set ? FirstIn(*set) : nullptr) return report;
+    }
+    return nullptr;
+}
+
 void Zel2Report::Append(Zel2* obj) {
     if (!content_) {
         AfxThrowNotSupportedException(
@@ -162,7 +171,26 @@ void Zel2Report::DrawPage() {
     page.Origin(CPoint(paper.left, zel::Subtract(top, page.Size().cy)));
     DrawBand(paper_->header, above, top);
     DrawBand(paper_->footer, paper.bottom, zel::Add(paper.bottom, paper.footer.height));
+    if (page.Size().cy > paper.Room().cy && DC() && Map()) {
+        DrawCut(page, top);
+    } else {
+        page.OnDraw();
+    }
+}
+
+// What no page can take ends above the footer.
+void Zel2Report::DrawCut(Zel2Column& page, LONG top) {
+    const CPoint upper = R2L(CPoint(0, top));
+    const CPoint lower = R2L(CPoint(paper_->size.cx, zel::Subtract(top, paper_->Room().cy)));
+    CRect body(upper, lower);
+    body.NormalizeRect();
+    CDC& dc = *DC();
+    const int level = dc.SaveDC();
+    dc.IntersectClipRect(&body);
     page.OnDraw();
+    dc.RestoreDC(level);
+    // The context has its earlier font again, not the one that the last text selected.
+    DrawFont::selected = nullptr;
 }
 
 // `outer` is the edge at the paper's margin, `inner` the one at the content.

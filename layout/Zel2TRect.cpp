@@ -1,8 +1,8 @@
 #include "core/ArchiveFields.h"
+#include "layout/InPlaceEditor.h"
 
 #include <zel/DrawFont.h>
 #include <zel/Mapping.h>
-#include <zel/Zel2Edit.h>
 #include <zel/Zel2TRect.h>
 
 #include <cstdarg>
@@ -14,17 +14,6 @@ namespace {
 
 constexpr int kUnitsPerInch = 1000;
 constexpr int kPointsPerInch = 72;
-constexpr UINT kEditorId = 3000;
-
-DWORD EditorStyle(int wrap, int alignment) {
-    const auto format = static_cast<unsigned>(alignment);
-    DWORD style = WS_CHILD | WS_VISIBLE;
-    style |= wrap ? ES_MULTILINE | ES_AUTOVSCROLL | ES_WANTRETURN : ES_AUTOHSCROLL;
-    if (format & DT_CENTER) style |= ES_CENTER;
-    if (format & DT_RIGHT) style |= ES_RIGHT;
-    return style;
-}
-
 }  // namespace
 
 Zel2TRect::Zel2TRect() = default;
@@ -40,7 +29,7 @@ Zel2TRect& Zel2TRect::operator=(const Zel2TRect& other) {
     if (this == &other) return *this;
     Zel2Rect::operator=(other);
     text_ = other.text_;
-    if (other.IsEditing()) other.editor_->GetWindowText(text_);
+    if (other.IsEditing()) other.editor_->Field()->GetWindowText(text_);
     font_ = other.font_;
     border_ = other.border_;
     format_ = other.format_;
@@ -53,14 +42,18 @@ Zel2TRect::~Zel2TRect() = default;
 // Shows a new text where it is shown now: in the editor, or in the drawing.
 void Zel2TRect::ShowText() {
     if (IsEditing()) {
-        editor_->SetWindowText(text_);
+        editor_->Field()->SetWindowText(text_);
     } else {
         UpdateWindow();
     }
 }
 
 bool Zel2TRect::IsEditing() const {
-    return editor_ && editor_->Peer();
+    return editor_ && editor_->IsOpen();
+}
+
+CZel2Edit* Zel2TRect::Editor() {
+    return editor_ ? editor_->Field() : nullptr;
 }
 
 CString Zel2TRect::GetText() {
@@ -106,27 +99,21 @@ void Zel2TRect::InflateRect(CRect& r) {
     r.DeflateRect(dx, zel::Magnitude(dy));
 }
 
+// Scrolling and zooming move the box under the editor: each draw brings it back.
 void Zel2TRect::OnDraw() {
     Zel2Rect::OnDraw();
     DrawContent();
-    PlaceEditor();
+    if (IsEditing() && Window()) editor_->Place(EditorArea(), Font(font_));
 }
 
 void Zel2TRect::DrawContent() {
     DrawFont* font = Ready() ? Font(font_) : nullptr;
-    if (!font) return;
+    // The drawing shows through the editor; with exact rules the text in it is the only one to be seen.
+    if (!font || (IsExact() && IsEditing() && Window())) return;
     CRect box = Map()->ToLogical(AbsRect());
     box.NormalizeRect();
     InflateRect(box);
-    font->DrawText(text_, &box, static_cast<unsigned>(format_) | (wrap_ ? DT_WORDBREAK : 0));
-}
-
-// Scrolling and zooming move the box under the editor: each draw brings it back.
-void Zel2TRect::PlaceEditor() {
-    if (!IsEditing() || !Window()) return;
-    GiveEditorItsFont();
-    const CRect area = EditorArea();
-    editor_->MoveWindow(area.left, area.top, area.Width(), area.Height(), TRUE);
+    font->DrawText(text_, &box, static_cast<unsigned>(format_) | (wrap_ ? DT_WORDBREAK : 0), Rules());
 }
 
 CRect Zel2TRect::EditorArea() {
@@ -136,36 +123,16 @@ CRect Zel2TRect::EditorArea() {
     return area;
 }
 
-void Zel2TRect::GiveEditorItsFont() {
-    DrawFont* const font = Font(font_);
-    if (!font) return;
-    CClientDC dc(Window());
-    std::unique_ptr<CFont> made(font->GetFont(&dc));
-    editor_->SetFont(made.get());
-    editFont_ = std::move(made);
-}
-
 void Zel2TRect::OpenEditor() {
-    CWnd* const window = Window();
-    if (!window || !window->Peer() || !Map()) return;
-    if (!editor_) textBefore_ = text_;
-    editor_ = std::make_unique<CZel2Edit>(&text_);
-    if (!editor_->Create(EditorStyle(wrap_, format_), EditorArea(), window, kEditorId)) {
-        editor_.reset();
-        return;
-    }
-    GiveEditorItsFont();
-    editor_->SetWindowText(text_);
-    editor_->SetFocus();
+    if (!Map()) return;
+    if (!editor_) editor_ = std::make_unique<zel::InPlaceEditor>(*this, text_);
+    const DWORD style = zel::InPlaceEditor::StyleOf(wrap_ != 0, static_cast<unsigned>(format_));
+    if (!editor_->Open(style, EditorArea(), Font(font_))) editor_.reset();
 }
 
-void Zel2TRect::CloseEditor() {
-    editor_->Store();
-    // The field loses the focus while it goes, and must not come here again.
-    const std::unique_ptr<CZel2Edit> closed = std::move(editor_);
-    closed->DestroyWindow();
-    editFont_.reset();
-    if (text_ != textBefore_ && GetParent()) GetParent()->OnNotify(this, EDITED);
+bool Zel2TRect::EditInPlace() {
+    if (!IsEditing()) OpenEditor();
+    return IsEditing();
 }
 
 int Zel2TRect::Select(int on) {
@@ -173,7 +140,9 @@ int Zel2TRect::Select(int on) {
         SetStatus(SELECTED, on);
         UpdateWindow();
     }
-    if (!on && editor_) CloseEditor();
+    if (!on) {
+        if (const auto closed = std::move(editor_)) closed->Close();
+    }
     if (on && !IsEditing()) OpenEditor();
     return 1;
 }
@@ -182,10 +151,10 @@ void Zel2TRect::OnResize() {
     Zel2Rect::OnResize();
     if (!Selected() || !IsEditing()) return;
     int begin = 0, end = 0;
-    editor_->GetSel(begin, end);
+    editor_->Field()->GetSel(begin, end);
     Select(0);
     Select(1);
-    if (editor_) editor_->SetSel(begin, end);
+    if (IsEditing()) editor_->Field()->SetSel(begin, end);
 }
 
 void Zel2TRect::Serialize(CArchive& ar) {

@@ -178,7 +178,7 @@ void Zel2Table::OnPrintGraph(CDC* dc, CPrintInfo* info) {
 
 // What the table's own layout makes its cells report is no news.
 int Zel2Table::OnNotify(Zel2* sender, long code) {
-    if (code == EDITED) return Zel2Set::OnNotify(sender, code);
+    if (code == EDITED) Zel2Set::OnNotify(sender, code);
     if (code != RESIZED || layingOut_) return 1;
     LayOut(CSize(0, 0));
     UpdateWindow();

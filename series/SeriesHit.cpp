@@ -1,5 +1,6 @@
 #include "series/SeriesHit.h"
 
+#include "series/FrameClip.h"
 #include "series/SeriesIndex.h"
 
 #include <algorithm>
@@ -28,7 +29,7 @@ SeriesHit::Place SeriesHit::FromHere(double x, double y) const {
 }
 
 bool SeriesHit::Test(const SeriesStretch& stretch) {
-    const double reach = std::max(symbols_, 0) + reach_;
+    const double reach = std::max({symbols_, line_, 0}) + reach_;
     bool hit = false;
     // What is far from the place is passed over; the line to it and the line from it are looked at.
     const auto pass = [&](const SeriesSpan& span, std::size_t begin, std::size_t end) {
@@ -38,27 +39,35 @@ bool SeriesHit::Test(const SeriesStretch& stretch) {
         const bool beside = std::min(low.x, high.x) > reach || std::max(low.x, high.x) < -reach ||
                             std::min(low.y, high.y) > reach || std::max(low.y, high.y) < -reach;
         if (!beside) return false;
-        hit = TestPoint(stretch.X(begin), stretch.Y(begin));
-        last_ = FromHere(stretch.X(end - 1), stretch.Y(end - 1));
+        hit = TestPoint(before_ + begin - stretch.begin, stretch.X(begin), stretch.Y(begin));
+        last_ = {stretch.X(end - 1), stretch.Y(end - 1)};
         return true;
     };
     WalkSeries(stretch, pass,
-               [&](const SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
-                   for (std::size_t i = 0; i < n && !hit; ++i) hit = TestPoint(x[i], y[i]);
+               [&](const SeriesSpan&, std::size_t begin, const double* x, const double* y, std::size_t n) {
+                   const std::size_t number = before_ + begin - stretch.begin;
+                   for (std::size_t i = 0; i < n && !hit; ++i) hit = TestPoint(number + i, x[i], y[i]);
                });
+    before_ += stretch.Size();
     return hit;
 }
 
-bool SeriesHit::TestPoint(double x, double y) {
+bool SeriesHit::IsOnLine(WorldPoint from, WorldPoint to) const {
+    return line_ >= 0 && ClipClosed(frame_, from.x, from.y, to.x, to.y) &&
+           DistanceOf(FromHere(from.x, from.y), FromHere(to.x, to.y)) <= line_ + reach_;
+}
+
+bool SeriesHit::TestPoint(std::size_t number, double x, double y) {
     if (!std::isfinite(x) || !std::isfinite(y)) {
         joined_ = false;
         return false;
     }
     const Place here = FromHere(x, y);
-    const bool onSymbol =
-        symbols_ >= 0 && std::max(std::fabs(here.x), std::fabs(here.y)) <= symbols_ + reach_;
-    const bool onLine = line_ && joined_ && DistanceOf(last_, here) <= reach_;
-    last_ = here;
+    const double away = std::max(std::fabs(here.x), std::fabs(here.y));
+    const int symbol = away <= symbols_ + reach_ && frame_.Contains(x, y) ? symbolAt_(number) : -1;
+    const bool onSymbol = symbol >= 0 && away <= symbol + reach_;
+    const bool onLine = joined_ && IsOnLine(last_, {x, y});
+    last_ = {x, y};
     joined_ = true;
     return onSymbol || onLine;
 }

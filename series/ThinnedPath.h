@@ -2,6 +2,7 @@
 #pragma once
 
 #include "series/DeviceColumns.h"
+#include "series/FrameClip.h"
 
 #include <zel/SeriesPoints.h>
 
@@ -9,11 +10,6 @@
 #include <vector>
 
 namespace zel {
-
-struct WorldPoint {
-    double x;
-    double y;
-};
 
 // Gathers the corners of a path along the points of a series. With columns, points that follow each other in
 // one column of the device count as the first, the lowest, the highest and the last, which look the same;

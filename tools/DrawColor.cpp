@@ -28,7 +28,7 @@ DrawTool& DrawColor::operator=(const DrawTool& other) {
 }
 
 void DrawColor::CopyFields(const DrawColor& other) {
-    name_ = other.name_;
+    SetName(other.NameRef());
     printer_ = other.printer_;
     CopyOpacity(other);
     AttachDc(other.Dc());
@@ -37,7 +37,7 @@ void DrawColor::CopyFields(const DrawColor& other) {
     brush_.reset();
 }
 
-DrawTool* DrawColor::ACopy() const {
+DrawTool* DrawColor::ACopy() {
     return new DrawColor(*this);
 }
 
@@ -150,7 +150,8 @@ void DrawColor::Polygon(Zel2* obj, double* x, double* y, int n) {
 }
 
 void DrawColor::Serialize(CArchive& ar) {
-    zel::Exchange(ar, name_, screen_, print_, printer_);
+    ExchangeName(ar);
+    zel::Exchange(ar, screen_, print_, printer_);
     ExchangeOpacity(ar);
 }
 

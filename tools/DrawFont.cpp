@@ -77,7 +77,7 @@ void DrawFont::CopyFields(const DrawFont& other) {
     if (selected == this) selected = nullptr;
 }
 
-DrawTool* DrawFont::ACopy() const {
+DrawTool* DrawFont::ACopy() {
     return new DrawFont(*this);
 }
 
@@ -218,6 +218,17 @@ void DrawFont::Print(const char* text, const CPoint& pt, int angle, unsigned fla
     }
 }
 
+CSize DrawFont::Extent(const char* text, int angle) {
+    CSize extent;
+    if (!fontDc_ || !text || !*text) return extent;
+    Select(angle);
+    for (const Line& line : SplitLines(*fontDc_, text)) {
+        extent.cx = std::max(extent.cx, line.extent.cx);
+        extent.cy = zel::Add(extent.cy, line.extent.cy);
+    }
+    return extent;
+}
+
 void DrawFont::TextOut(const CPoint& pt, const char* text, float c, float s) {
     if (!fontDc_) return;
     const std::string_view line(text);
@@ -253,10 +264,10 @@ void DrawFont::Print(const char* text, CRect& r, unsigned flags) {
     Print(text, anchor, 0, flags);
 }
 
-void DrawFont::DrawText(const char* text, RECT* r, unsigned flags) {
+void DrawFont::DrawText(const char* text, RECT* r, unsigned flags, ZelRules rules) {
     if (!fontDc_ || !text) return;
-    Select(0);
-    UseTextColor();
+    const bool exact = rules == ZelRules::EXACT;
+    if (exact) Select(0);
     CRect box(*r);
     CRect measured(*r);
     const int length = static_cast<int>(std::strlen(text));
@@ -264,12 +275,16 @@ void DrawFont::DrawText(const char* text, RECT* r, unsigned flags) {
     const unsigned vertical = flags & (DT_VCENTER | DT_BOTTOM);
     if (vertical == DT_VCENTER) box.top = zel::Add(box.top, zel::Subtract(box.Height(), height) / 2);
     if (vertical == DT_BOTTOM) box.top = zel::Subtract(box.bottom, height);
+    // Text that is cut off at its beginning cannot be read, and what stands above must not be covered.
+    if (exact) box.top = std::max<LONG>(box.top, r->top);
+    Select(0);
+    UseTextColor();
     fontDc_->DrawText(text, length, &box, flags);
 }
 
 void DrawFont::Serialize(CArchive& ar) {
     static_assert(sizeof(LOGFONT) == 60);
-    zel::Exchange(ar, name_);
+    ExchangeName(ar);
     zel::ExchangeRaw(ar, &logFont_, sizeof logFont_);
     zel::Exchange(ar, size_, angle_, screen_, print_);
     if (zel::IsComplete(ar)) zel::Exchange(ar, printer_);

@@ -1,5 +1,6 @@
 #include "core/ArchiveFields.h"
 #include "series/CurveScope.h"
+#include "series/FrameClip.h"
 #include "tools/DashWalker.h"
 #include "tools/SeriesLine.h"
 
@@ -62,7 +63,7 @@ DrawPen::DrawPen() {
 
 DrawPen::DrawPen(const char* name, int style, int width, COLORREF scr, COLORREF prn, int* pattern)
     : DrawPen() {
-    name_ = name;
+    SetName(name);
     width_ = width;
     screen_ = scr;
     print_ = prn;
@@ -76,7 +77,7 @@ DrawPen::DrawPen(const DrawPen& other) : DrawTool(other) {
 
 DrawPen& DrawPen::operator=(const DrawPen& other) {
     if (this == &other) return *this;
-    name_ = other.name_;
+    SetName(other.NameRef());
     printer_ = other.printer_;
     CopyOpacity(other);
     CopyFields(other);
@@ -100,7 +101,7 @@ void DrawPen::CopyFields(const DrawPen& other) {
     pen_.reset();
 }
 
-DrawTool* DrawPen::ACopy() const {
+DrawTool* DrawPen::ACopy() {
     return new DrawPen(*this);
 }
 
@@ -197,6 +198,11 @@ int DrawPen::Clip(double& x1, double& y1, double& x2, double& y2, double xmin, d
     return 1;
 }
 
+bool DrawPen::ClipToFrame(const WorldFrame& frame, double& x1, double& y1, double& x2, double& y2) {
+    if (frame.exact) return zel::ClipClosed(frame, x1, y1, x2, y2);
+    return Clip(x1, y1, x2, y2, frame.xmin, frame.ymin, frame.xmax, frame.ymax) != 0;
+}
+
 void DrawPen::MoveTo(int x, int y) {
     if (!Dc()) return;
     Dc()->MoveTo(x, y);
@@ -236,7 +242,7 @@ void DrawPen::LineTo(Zel2* obj, double x, double y) {
 void DrawPen::DrawClipped(DashWalker& walker, const WorldFrame& limits, Zel2* obj, double x, double y) {
     if (!IsFinite(x, y) || !IsFinite(world_.x, world_.y)) return;
     double x1 = world_.x, y1 = world_.y, x2 = x, y2 = y;
-    if (!Clip(x1, y1, x2, y2, limits.xmin, limits.ymin, limits.xmax, limits.ymax)) return;
+    if (!ClipToFrame(limits, x1, y1, x2, y2)) return;
     walker.MoveTo(obj ? obj->F2L(x1, y1) : limits.ToLogical(x1, y1));
     walker.LineTo(obj ? obj->F2L(x2, y2) : limits.ToLogical(x2, y2));
 }
@@ -330,7 +336,8 @@ void DrawPen::Ellipse(const CRect& rect) {
 }
 
 void DrawPen::Serialize(CArchive& ar) {
-    zel::Exchange(ar, name_, screen_, print_, style_, width_);
+    ExchangeName(ar);
+    zel::Exchange(ar, screen_, print_, style_, width_);
     zel::ExchangeRaw(ar, pattern_.data(), sizeof pattern_);
     if (zel::IsComplete(ar)) zel::Exchange(ar, printer_);
     ExchangeOpacity(ar);

@@ -126,7 +126,7 @@ DrawTool& DrawSymbol::operator=(const DrawTool& other) {
     return symbol ? *this = *symbol : DrawTool::operator=(other);
 }
 
-DrawTool* DrawSymbol::ACopy() const {
+DrawTool* DrawSymbol::ACopy() {
     return new DrawSymbol(*this);
 }
 
@@ -208,7 +208,7 @@ void DrawSymbol::GiveOpacity(DrawTool* registered) const {
 
 void DrawSymbol::SetDefaults(Zel2* obj) {
     if (fontIndex_ < 0 && HasLabel()) {
-        const CString name = name_ + " - Symbol Text";
+        const CString name = NameRef() + " - Symbol Text";
         fontIndex_ = obj->GetFontIndex(name);
         if (fontIndex_ < 0) {
             fontIndex_ = obj->RegisterFont(name, face_, fontSize_, 0, 0, 0, 0, font_.screen, font_.print);
@@ -222,7 +222,7 @@ void DrawSymbol::SetDefaults(Zel2* obj) {
         size_ = CSize(side, side);
     }
     if (penIndex_ < 0 && (border_ || type_ == zel::SYMBOL_CROSS)) {
-        const CString name = name_ + " - Border Line";
+        const CString name = NameRef() + " - Border Line";
         penIndex_ = obj->GetPenIndex(name);
         if (penIndex_ < 0) {
             penIndex_ = obj->RegisterPen(name, DrawPen::SOLID, penWidth_, pen_.screen, pen_.print, nullptr);
@@ -230,7 +230,7 @@ void DrawSymbol::SetDefaults(Zel2* obj) {
         }
     }
     if (colorIndex_ < 0 && type_ != zel::SYMBOL_CROSS) {
-        const CString name = name_ + " - Background";
+        const CString name = NameRef() + " - Background";
         colorIndex_ = obj->GetColorIndex(name);
         if (colorIndex_ < 0) {
             colorIndex_ = obj->RegisterColor(name, brush_.screen, brush_.print);
@@ -239,7 +239,7 @@ void DrawSymbol::SetDefaults(Zel2* obj) {
     }
 }
 
-CRect DrawSymbol::RectAround(Zel2* obj, const CPoint& pt) const {
+CRect DrawSymbol::RectAround(Zel2* obj, const CPoint& pt) {
     const Mapping* map = obj->Map();
     const int w = map ? map->ScaleX(map->Zoomed(size_.cx)) : size_.cx;
     const int h = map ? map->ScaleY(map->Zoomed(size_.cy)) : size_.cy;
@@ -333,7 +333,7 @@ bool DrawSymbol::IsPlainDisc(Zel2* obj) {
 }
 
 // What is drawn for the origin: the shape, which may reach over the symbol's rectangle, and half its outline.
-CRect DrawSymbol::BoxOfMark(Zel2* obj) const {
+CRect DrawSymbol::BoxOfMark(Zel2* obj) {
     CRect rect = RectAround(obj, CPoint(0, 0));
     if (IsRaised(type_)) rect.OffsetRect(0, -(rect.Height() / 2));
     CRect box = rect;
@@ -370,7 +370,10 @@ void DrawSymbol::PlotOn(Zel2* obj, double x, double y) {
 }
 
 void DrawSymbol::Serialize(CArchive& ar) {
-    if (zel::IsComplete(ar)) zel::Exchange(ar, name_, border_, printer_);
+    if (zel::IsComplete(ar)) {
+        ExchangeName(ar);
+        zel::Exchange(ar, border_, printer_);
+    }
     // The size stands twice in the record.
     for (int i = 0; i < 2; ++i) zel::Exchange(ar, size_.cx, size_.cy);
     int type = type_;

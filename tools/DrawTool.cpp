@@ -22,13 +22,18 @@ DrawTool& DrawTool::operator=(const DrawTool& other) {
 }
 
 void DrawTool::CopyBase(const DrawTool& other) {
-    name_ = other.name_;
+    SetName(other.name_);
     printer_ = other.printer_;
     CopyOpacity(other);
     scale_ = other.scale_;
 }
 
-DrawTool* DrawTool::ACopy() const {
+void DrawTool::SetName(const char* name) {
+    name_ = name;
+    if (table_) table_->renamed_ = true;
+}
+
+DrawTool* DrawTool::ACopy() {
     return nullptr;
 }
 
@@ -66,8 +71,13 @@ void DrawTool::ExchangeOpacity(CArchive& ar) {
     opacity_ = WithinOpacities(opacity_);
 }
 
-void DrawTool::Serialize(CArchive& ar) {
+void DrawTool::ExchangeName(CArchive& ar) {
     zel::Exchange(ar, name_);
+    if (table_ && ar.IsLoading()) table_->renamed_ = true;
+}
+
+void DrawTool::Serialize(CArchive& ar) {
+    ExchangeName(ar);
 }
 
 DrawToolTable::DrawToolTable() {
@@ -87,21 +97,28 @@ void DrawToolTable::CopyFrom(const DrawToolTable* other) {
     if (other == this) return;
     Clear();
     tools_.reserve(other->tools_.size());
-    for (const auto& tool : other->tools_) {
-        std::unique_ptr<DrawTool> copy(tool->ACopy());
-        if (!copy) continue;
-        indexOfName_.try_emplace(copy->NameRef().GetString(), Size());
-        tools_.push_back(std::move(copy));
-    }
+    for (const auto& tool : other->tools_) Append(std::unique_ptr<DrawTool>(tool ? tool->ACopy() : nullptr));
 }
 
 void DrawToolTable::Clear() {
     tools_.clear();
     indexOfName_.clear();
+    renamed_ = false;
 }
 
-int DrawToolTable::Size() const {
-    return static_cast<int>(tools_.size());
+void DrawToolTable::Append(std::unique_ptr<DrawTool> tool) {
+    if (tool) tool->table_ = this;
+    tools_.push_back(std::move(tool));
+    NoteName(Count() - 1);
+}
+
+void DrawToolTable::NoteName(int index) const {
+    const DrawTool* tool = Get(index);
+    if (tool) indexOfName_.try_emplace(tool->NameRef().GetString(), index);
+}
+
+int DrawToolTable::Size() {
+    return Count();
 }
 
 // Tables without an editing dialog have nothing to accept.
@@ -114,15 +131,13 @@ int DrawToolTable::Register(DrawTool* tool) {
     if (!owned) return -1;
     const int existing = GetIndex(owned->NameRef());
     if (existing >= 0) return existing;
-    const int index = Size();
-    indexOfName_[owned->NameRef().GetString()] = index;
-    tools_.push_back(std::move(owned));
-    if (dc_) tools_.back()->OpenOn(dc_, scale_);
-    return index;
+    Append(std::move(owned));
+    if (dc_) tool->OpenOn(dc_, scale_);
+    return Count() - 1;
 }
 
 DrawTool* DrawToolTable::Get(int i) const {
-    return i >= 0 && i < Size() ? tools_[static_cast<std::size_t>(i)].get() : nullptr;
+    return i >= 0 && i < Count() ? tools_[static_cast<std::size_t>(i)].get() : nullptr;
 }
 
 DrawTool* DrawToolTable::Get(const char* name) const {
@@ -131,33 +146,34 @@ DrawTool* DrawToolTable::Get(const char* name) const {
 
 int DrawToolTable::GetIndex(const char* name) const {
     if (!name) return -1;
-    // A tool can be renamed after it was registered, so a hit is checked and a miss is searched.
-    const auto hit = indexOfName_.find(name);
-    if (hit != indexOfName_.end() && tools_[static_cast<std::size_t>(hit->second)]->NameRef() == name) {
-        return hit->second;
+    if (renamed_) {
+        indexOfName_.clear();
+        for (int i = 0; i < Count(); ++i) NoteName(i);
+        renamed_ = false;
     }
-    for (int i = 0; i < Size(); ++i) {
-        if (tools_[static_cast<std::size_t>(i)]->NameRef() == name) return i;
-    }
-    return -1;
+    const auto found = indexOfName_.find(name);
+    return found != indexOfName_.end() ? found->second : -1;
 }
 
 void DrawToolTable::OpenOn(CDC* dc, int scale) {
     dc_ = dc;
     scale_ = scale;
     for (const auto& tool : tools_) {
+        if (!tool) continue;
         tool->SetPrinter(dc ? dc->m_bPrinting : 0);
         tool->OpenOn(dc, scale);
     }
 }
 
 void DrawToolTable::Close() {
-    for (const auto& tool : tools_) tool->Close();
+    for (const auto& tool : tools_) {
+        if (tool) tool->Close();
+    }
     dc_ = nullptr;
 }
 
 void DrawToolTable::Serialize(CArchive& ar) {
-    int count = Size();
+    int count = Count();
     zel::Exchange(ar, count);
     if (ar.IsStoring()) {
         for (const auto& tool : tools_) ar.WriteObject(tool.get());

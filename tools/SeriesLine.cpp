@@ -16,11 +16,15 @@ DrawPen::SeriesLine::SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame)
       frame_(frame),
       walker_(pen, dc),
       columnWidth_(walker_.IsSolid() ? dc.CurveColumn() : 0),
-      columns_(dc, frame, std::max(1, columnWidth_)) {
+      columns_(dc, frame, std::max(1, columnWidth_)),
+      bottom_(frame.Bottom()),
+      top_(frame.Top()),
+      slack_(frame) {
     CSize unit(1, 1);
     dc.DPtoLP(&unit);
     const int out = std::max<LONG>(1, unit.cy);
-    beyondTop_ = frame.upper.y < frame.lower.y ? -out : out;
+    const bool upwards = (frame.upper.y < frame.lower.y) == (top_ == frame.ymax);
+    beyondTop_ = upwards ? -out : out;
 }
 
 void DrawPen::SeriesLine::Draw(std::span<const zel::SeriesStretch> stretches) {
@@ -148,7 +152,9 @@ void DrawPen::SeriesLine::DrawRun() {
     LineTo(from.x, from.y);
     const WorldPoint to{stretch_->X(last), stretch_->Y(last)};
     pen_.world_ = to;
-    if (begin < last && run_.high > frame_.ymin && run_.low < frame_.ymax) {
+    const bool beyond = frame_.exact ? run_.high < bottom_ - slack_.y || run_.low > top_ + slack_.y
+                                     : run_.high <= bottom_ || run_.low >= top_;
+    if (begin < last && !beyond) {
         const LONG column = frame_.ToLogical(from.x, from.y).x;
         walker_.MoveTo({column, HeightOf(WithinBorders(from.y))});  // not there yet behind a gap
         for (const double y : {from.y, run_.low, run_.high, to.y}) {
@@ -172,9 +178,9 @@ void DrawPen::SeriesLine::LineTo(double x, double y) {
     if (!std::isfinite(a.x) || !std::isfinite(a.y) || !std::isfinite(x) || !std::isfinite(y)) return;
     const double from = a.y;
     // Farther out the crossing would drown in rounding, and nearer it would move.
-    const double far = 1e6 * (frame_.ymax - frame_.ymin);
-    for (double* end : {&a.y, &b.y}) *end = std::max(frame_.ymin - far, std::min(*end, frame_.ymax + far));
-    if (!DrawPen::Clip(a.x, a.y, b.x, b.y, frame_.xmin, frame_.ymin, frame_.xmax, frame_.ymax)) return;
+    const double far = 1e6 * (top_ - bottom_);
+    for (double* end : {&a.y, &b.y}) *end = std::max(bottom_ - far, std::min(*end, top_ + far));
+    if (!DrawPen::ClipToFrame(frame_, a.x, a.y, b.x, b.y)) return;
     const bool enters = IsCut(from) && SnapToBorder(a.y, from);
     const bool leaves = IsCut(y) && SnapToBorder(b.y, y);
     walker_.MoveTo(frame_.ToLogical(a.x, a.y));
@@ -187,7 +193,7 @@ void DrawPen::SeriesLine::LineTo(double x, double y) {
 // must meet there. False when the line was not cut by the border that `original` lies beyond.
 bool DrawPen::SeriesLine::SnapToBorder(double& y, double original) const {
     const double border = WithinBorders(original);
-    if (std::fabs(y - border) > 1e-9 * (frame_.ymax - frame_.ymin)) return false;
+    if (std::fabs(y - border) > 1e-9 * (top_ - bottom_)) return false;
     y = border;
     return true;
 }
@@ -197,11 +203,15 @@ bool DrawPen::SeriesLine::SnapToBorder(double& y, double original) const {
 void DrawPen::SeriesLine::MarkCrossing(double y) {
     if (!IsCut(y) || stepped_) return;
     const CPoint border = walker_.Current();
-    walker_.LineTo({border.x, zel::Add(border.y, y >= frame_.ymax ? beyondTop_ : -beyondTop_)});
+    walker_.LineTo({border.x, zel::Add(border.y, y >= top_ ? beyondTop_ : -beyondTop_)});
     walker_.LineTo(border);
 }
 
 bool DrawPen::SeriesLine::IsBeyond(const zel::SeriesSpan& span) const {
+    if (frame_.exact) {
+        return span.xmax < frame_.Left() - slack_.x || span.xmin > frame_.Right() + slack_.x ||
+               span.ymax < bottom_ - slack_.y || span.ymin > top_ + slack_.y;
+    }
     return span.xmax <= frame_.xmin || span.xmin >= frame_.xmax || span.ymax <= frame_.ymin ||
            span.ymin >= frame_.ymax;
 }

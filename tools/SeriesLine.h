@@ -1,9 +1,10 @@
 // The line of a series, drawn as what can be seen of it.
 #pragma once
 
-#include "tools/DashWalker.h"
 #include "series/DeviceColumns.h"
+#include "series/FrameClip.h"
 #include "series/SeriesIndex.h"
+#include "tools/DashWalker.h"
 
 #include <zel/WorldFrame.h>
 
@@ -38,11 +39,14 @@ class DrawPen::SeriesLine {
 
     bool IsBeyond(const zel::SeriesSpan& span) const;
     bool IsInColumns(const zel::SeriesSpan& span) const {
-        return span.IsFinite() && span.xmin > frame_.xmin && span.xmax < frame_.xmax;
+        return span.IsFinite() && span.xmin > frame_.Left() && span.xmax < frame_.Right();
     }
     std::size_t ColumnsOf(const zel::SeriesSpan& span) const;
-    bool IsCut(double y) const { return y >= frame_.ymax || y <= frame_.ymin; }
-    double WithinBorders(double y) const { return std::max(frame_.ymin, std::min(y, frame_.ymax)); }
+    // With exact rules a line that ends on the border is not cut there.
+    bool IsCut(double y) const {
+        return frame_.exact ? y > top_ + slack_.y || y < bottom_ - slack_.y : y >= top_ || y <= bottom_;
+    }
+    double WithinBorders(double y) const { return std::max(bottom_, std::min(y, top_)); }
     bool SnapToBorder(double& y, double original) const;
     int HeightOf(double y) const { return frame_.ToLogical(frame_.xmin, y).y; }
 
@@ -52,6 +56,9 @@ class DrawPen::SeriesLine {
     DashWalker walker_;
     const int columnWidth_;  // device units; 0 when each point counts
     zel::DeviceColumns columns_;
+    const double bottom_;  // borders of the frame
+    const double top_;
+    const zel::FrameSlack slack_;
     int beyondTop_ = 0;  // from the upper border on, about a device unit
     bool stepped_ = false;
 

@@ -1,6 +1,7 @@
 #include "tools/SeriesMarks.h"
 
 #include "series/CurveScope.h"
+#include "series/FrameClip.h"
 #include "series/SeriesIndex.h"
 
 #include <zel/DrawSymbol.h>
@@ -19,10 +20,12 @@ void PlotMarks(Zel2& obj, DrawSymbol& symbol, const WorldFrame& frame,
         if (!places.empty()) symbol.PlotOn(&obj, places);
         places.clear();
     };
-    const bool hasExtent = frame.xmin < frame.xmax && frame.ymin < frame.ymax;
-    const auto isOutside = [&frame](const SeriesSpan& span, std::size_t, std::size_t) {
-        return span.xmax < frame.xmin || span.xmin > frame.xmax || span.ymax < frame.ymin ||
-               span.ymin > frame.ymax;
+    const FrameSlack slack(frame);
+    const double left = frame.Left() - slack.x, right = frame.Right() + slack.x;
+    const double bottom = frame.Bottom() - slack.y, top = frame.Top() + slack.y;
+    const bool hasExtent = left < right && bottom < top;
+    const auto isOutside = [=](const SeriesSpan& span, std::size_t, std::size_t) {
+        return span.xmax < left || span.xmin > right || span.ymax < bottom || span.ymin > top;
     };
     for (const SeriesStretch& stretch : stretches) {
         WalkSeries(stretch, isOutside,

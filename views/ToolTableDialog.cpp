@@ -51,9 +51,12 @@ ON_WM_PAINT()
 ON_LBN_SELCHANGE(kList, OnSelect)
 END_MESSAGE_MAP()
 
-ToolTableDialog::ToolTableDialog(CWnd* parent, const char* title, const DrawToolTable& tools)
+ToolTableDialog::ToolTableDialog(CWnd* parent, const char* title, DrawToolTable& tools)
     : CDialog(0, parent), sample_(kSide, 96, kSide + kSideWidth, kButtonTop - 8) {
-    for (int i = 0; i < tools.Size(); ++i) names_.push_back(tools.Get(i)->NameRef().GetString());
+    for (int i = 0; i < tools.Size(); ++i) {
+        const DrawTool* const tool = tools.Get(i);
+        names_.push_back(tool ? tool->NameRef().GetString() : "");
+    }
     const int width = kSide + kSideWidth + kMargin;
     template_ = {title, CSize(width, kHeight), {}};
     AddItem({WindowKind::LIST, kList, "", CRect(kMargin, kMargin, kMargin + kListWidth, kButtonTop - 8),

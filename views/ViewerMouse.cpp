@@ -142,12 +142,12 @@ void ZelViewer::PressInSelectMode(unsigned flags, const CPoint& pt) {
         area.NormalizeRect();
         rubberBand_ = 1;
         selection_.RemoveAll();
-        selection_.SetAccumulate(1);
+        selection_.accumulate = 1;
         root_.SelectAt(area, &selection_);
     } else {
         rubberBand_ = flags & MK_SHIFT ? 1 : 0;
         if (!rubberBand_) selection_.RemoveAll();
-        selection_.SetAccumulate(rubberBand_);
+        selection_.accumulate = rubberBand_;
         root_.SelectAt(pt, &selection_);
     }
     selection_.Select(1);
@@ -215,6 +215,7 @@ void ZelViewer::ReleaseSelection(CPoint pt) {
     Zel2* const hit = root_.OnMouse(status_).object;
     if (hit) {
         selection_.SetFocus(hit);
+        if (IsExact()) hit->EditInPlace();
     } else {
         selection_.RemoveAll();
     }

@@ -1,5 +1,6 @@
 #include "views/ToolImages.h"
 
+#include <zel/Zel2Report.h>
 #include <zel/ZelView.h>
 #include <zel/platform/FrameWnd.h>
 #include <zel/platform/MessageBox.h>
@@ -21,7 +22,7 @@ ON_WM_MBUTTONDOWN()
 ON_WM_MBUTTONUP()
 ZEL_MAP_MESSAGE(WM_RBUTTONDOWN, self->OnRButtonUp(args.Flags(), args.Point()))
 ZEL_MAP_MESSAGE(WM_RBUTTONUP, self->OnRButtonUp(args.Flags(), args.Point()))
-ZEL_MAP_MESSAGE(WM_LBUTTONDBLCLK, self->OnRButtonUp(args.Flags(), args.Point()))
+ZEL_MAP_MESSAGE(WM_LBUTTONDBLCLK, self->OnLButtonDblClk(args.Flags(), args.Point()))
 ZEL_MAP_MESSAGE(WM_RBUTTONDBLCLK, self->OnRButtonUp(args.Flags(), args.Point()))
 ON_COMMAND(ID_ZEL_SELECT, OnPointZelObject)
 ON_COMMAND(ID_ZEL_ZOOM_RECTANGLE, OnZoomRect)
@@ -82,6 +83,13 @@ void CZelView::OnPrepareDC(CDC* dc, CPrintInfo* info) {
 }
 
 BOOL CZelView::OnPreparePrinting(CPrintInfo* info) {
+    Zel2Tools* const drawing = viewer_ ? viewer_->Drawing() : nullptr;
+    Zel2Report* const report = drawing ? Zel2Report::FirstIn(*drawing) : nullptr;
+    if (report && report->IsExact() && report->PageCount() > 0) {
+        // The dialog offers as many pages as there are.
+        info->SetMaxPage(static_cast<UINT>(report->PageCount()));
+        return viewer_->OnPreparePrinting(info);
+    }
     const BOOL prepared = viewer_ ? viewer_->OnPreparePrinting(info) : DoPreparePrinting(info);
     info->SetMaxPage(1);
     return prepared;
@@ -151,6 +159,16 @@ void CZelView::OnMouseMove(UINT flags, CPoint point) {
 }
 void CZelView::OnRButtonUp(UINT, CPoint) {
     Default();
+}
+
+// With exact rules the second of two clicks is one like any other.
+void CZelView::OnLButtonDblClk(UINT flags, CPoint point) {
+    Zel2Tools* const drawing = viewer_ ? viewer_->Drawing() : nullptr;
+    if (drawing && drawing->IsExact()) {
+        OnLButtonDown(flags, point);
+    } else {
+        Default();
+    }
 }
 
 void CZelView::OnPointZelObject() {

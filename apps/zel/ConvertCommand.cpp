@@ -74,7 +74,11 @@ void OutputChoice::Write(Zel2Main& drawing, const std::string& title) const {
     if (!paper.empty() && !SetPaper(options, paper, landscape)) {
         throw Error("Cannot use the paper \"" + paper + "\"; known are A2, A3, A4, A5, letter and legal");
     }
-    Export(drawing, path.c_str(), options);
+    if (Zel2Report* const report = Zel2Report::FirstIn(drawing)) {
+        ExportReport(drawing, *report, path.c_str(), options);
+    } else {
+        Export(drawing, path.c_str(), options);
+    }
 }
 
 void AddConvertCommand(CLI::App& app) {
@@ -84,6 +88,7 @@ void AddConvertCommand(CLI::App& app) {
     command->add_option("drawing", *input, "Document (.zel) to read")->required();
     output->AddTo(*command, true);
     command->footer(
+        "Of a report all pages are written: into one .pdf, or a file each.\n"
         "Examples:\n  zel convert drawing.zel picture.svg\n  zel convert drawing.zel page.pdf --paper A4 "
         "--landscape");
     command->callback([input, output] {

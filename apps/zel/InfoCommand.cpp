@@ -44,7 +44,7 @@ void PrintTools(Zel2Tools& tools, const std::string& indent) {
     }
     heading("symbols", tools.Symbols()->Size());
     for (int i = 0; i < tools.Symbols()->Size(); ++i) {
-        const DrawSymbol& symbol = *tools.Symbol(i);
+        DrawSymbol& symbol = *tools.Symbol(i);
         line(i, symbol) << "  type " << symbol.GetType() << "  size " << symbol.Size().cx << " x "
                         << symbol.Size().cy << "\n";
     }

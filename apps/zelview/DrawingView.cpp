@@ -37,12 +37,7 @@ Zel2Main* DrawingView::Drawing() const {
 
 Zel2Report* DrawingView::Report() const {
     Zel2Main* const drawing = Drawing();
-    Zel2Report* found = nullptr;
-    if (!drawing) return nullptr;
-    Walk(*drawing, [&](Zel2& object) {
-        if (!found) found = dynamic_cast<Zel2Report*>(&object);
-    });
-    return found;
+    return drawing ? Zel2Report::FirstIn(*drawing) : nullptr;
 }
 
 void DrawingView::ShowAsPrinted(bool on) {
@@ -71,15 +66,6 @@ void DrawingView::OnDraw(CDC* dc) {
     CZelView::OnDraw(dc);
     dc->m_bPrinting = printing;
     if (!printing && onPicture_) onPicture_();
-}
-
-BOOL DrawingView::OnPreparePrinting(CPrintInfo* info) {
-    // The dialog offers as many pages as there are.
-    Zel2Report* const report = Report();
-    const int pages = report ? report->PageCount() : 0;
-    if (pages < 1) return CZelView::OnPreparePrinting(info);
-    info->SetMaxPage(static_cast<UINT>(pages));
-    return Viewer()->OnPreparePrinting(info);
 }
 
 Position DrawingView::At(const CPoint& pixel) const {

@@ -35,7 +35,6 @@ class DrawingView : public CZelView {
     // The report that the drawing holds; null when there is none.
     Zel2Report* Report() const;
     void OnDraw(CDC* dc) override;
-    BOOL OnPreparePrinting(CPrintInfo* info) override;
     std::string PrintTitle() override { return title_; }
     void SetPrintTitle(std::string title) { title_ = std::move(title); }
 

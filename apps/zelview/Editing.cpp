@@ -36,7 +36,8 @@ class Unmarked {
 
   private:
     void Unmark(Zel2* object) {
-        if (auto* text = dynamic_cast<Zel2TRect*>(object)) text->GetText();
+        if (auto* box = dynamic_cast<Zel2TRect*>(object)) box->GetText();
+        if (auto* text = dynamic_cast<Zel2Text*>(object)) text->GetText();
         for (const unsigned long bit : {Zel2::SELECTED, Zel2::FOCUS}) {
             if (!object->GetStatus(bit)) continue;
             object->ResetStatus(bit);
@@ -50,10 +51,18 @@ bool HasEditor(const Zel2* object) {
     return dynamic_cast<const Zel2TRect*>(object) || dynamic_cast<const Zel2DataField*>(object);
 }
 
+// The edit field that is open over an object; null when there is none.
+CZel2Edit* EditorOf(Zel2* object) {
+    auto* const field = dynamic_cast<Zel2DataField*>(object);
+    auto* const box = field ? field->Value() : dynamic_cast<Zel2TRect*>(object);
+    auto* const text = dynamic_cast<Zel2Text*>(object);
+    return box ? box->Editor() : text ? text->Editor() : nullptr;
+}
+
 // Selects without opening editors: the keyboard is to move and size what is chosen.
 void Choose(Zel2Selection& selection, const std::vector<Zel2*>& objects) {
     selection.RemoveAll();
-    selection.SetAccumulate(1);
+    selection.accumulate = 1;
     selection.Select(1);  // an empty selection that will deselect what it is given
     for (Zel2* object : objects) {
         selection.Add(object);
@@ -112,6 +121,23 @@ Zel2* ChildAfter(Zel2Main& drawing, const Zel2* selected, int by) {
 Bytes StateOf(Zel2Main& drawing, Zel2Selection& selection) {
     const Unmarked unmarked(selection);
     return DocumentBytes(drawing);
+}
+
+void EndTyping(Zel2Selection& selection) {
+    const std::vector<Zel2*> members = Members(selection);
+    if (std::none_of(members.begin(), members.end(), EditorOf)) return;
+    Zel2* const focus = selection.GetFocus();
+    Choose(selection, members);
+    selection.SetFocus(focus);
+}
+
+void EditText(Zel2Selection& selection) {
+    Zel2* const object = selection.GetFocus();
+    if (object && !EditorOf(object)) {
+        object->EditInPlace();
+    } else {
+        EndTyping(selection);
+    }
 }
 
 bool Nudge(Zel2Selection& selection, const CSize& by, bool size) {

@@ -12,6 +12,11 @@ namespace zel::view {
 // The drawing as a document in which nothing is selected. What stands in an open editor counts.
 Bytes StateOf(Zel2Main& drawing, Zel2Selection& selection);
 
+// Ends typing, so that what was typed is in the objects; they stay selected.
+void EndTyping(Zel2Selection& selection);
+// Opens the editor of the object that has the focus, or ends typing.
+void EditText(Zel2Selection& selection);
+
 // Moves (or, with `size`, enlarges) every selected object by world units. False when nothing is selected.
 bool Nudge(Zel2Selection& selection, const CSize& by, bool size);
 

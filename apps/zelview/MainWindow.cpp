@@ -250,7 +250,7 @@ bool MainWindow::Save() {
                                   " since it was opened.\nReplace its work by yours?") != QMessageBox::Yes)
         return false;
     // What is being typed belongs to the document.
-    view_->Viewer()->Selection().RemoveAll();
+    EndTyping(view_->Viewer()->Selection());
     if (!watcher_.files().isEmpty()) watcher_.removePaths(watcher_.files());
     const bool saved = TryLong("Cannot save " + Quoted(file_.Path()) + ".", "Writing " + file_.Name() + "…",
                                [&](Work& work) { file_.Save(history_.Present(), work); });
@@ -261,7 +261,7 @@ bool MainWindow::Save() {
 }
 
 bool MainWindow::SaveAs(const QString& path) {
-    view_->Viewer()->Selection().RemoveAll();
+    EndTyping(view_->Viewer()->Selection());
     const auto write = [&](Work& work) {
         DocumentFile target;
         target.Attach(path);
@@ -415,9 +415,7 @@ void MainWindow::ExportNow(const QString& path, Work& work) {
     const Bytes& state = history_.Present();
     const std::unique_ptr<Zel2Main> drawing = LoadDocument(state.data(), state.size(), "the drawing");
     work.Check();
-    Zel2Report* report = nullptr;
-    for (int i = 0; i < drawing->GetCount() && !report; ++i)
-        report = dynamic_cast<Zel2Report*>((*drawing)[i]);
+    Zel2Report* const report = Zel2Report::FirstIn(*drawing);
     ExportOptions options;
     options.title = file_.Name().toStdString();
     if (!report) {
@@ -434,7 +432,7 @@ void MainWindow::ExportNow(const QString& path, Work& work) {
 }
 
 bool MainWindow::Export(const QString& path) {
-    view_->Viewer()->Selection().RemoveAll();
+    EndTyping(view_->Viewer()->Selection());
     const bool written =
         TryLong("Cannot export to " + Quoted(path) + ".", "Writing " + QFileInfo(path).fileName() + "…",
                 [&](Work& work) { ExportNow(path, work); });

@@ -113,6 +113,7 @@ void MainWindow::MakeEditMenu() {
             });
     }
     AddMoves(menu->addMenu("&Move and Size"));
+    Add(menu, "edit_text", "Edit &Text", "Return", [selection] { EditText(selection()); });
     menu->addSeparator();
     AddCommand(menu, "colours", "C&olours…", {}, ID_ZEL_COLORS);
     AddCommand(menu, "pens", "P&ens…", {}, ID_ZEL_PENS);
@@ -285,12 +286,18 @@ bool MainWindow::AskSaveAs() {
 }
 
 void MainWindow::AskExport() {
-    QFileDialog dialog(this, "Export", Path(),
+    const QFileInfo present(Path());
+    QFileDialog dialog(this, "Export", Path().isEmpty() ? QString() : present.absolutePath(),
                        "PDF (*.pdf);;PNG (*.png);;JPEG (*.jpg);;SVG (*.svg);;Windows metafile (*.wmf)");
     dialog.setAcceptMode(QFileDialog::AcceptSave);
+    // The name follows the format: the document's own stays for the document.
     const auto ending = [&dialog] {
-        dialog.setDefaultSuffix(dialog.selectedNameFilter().section("*.", 1).chopped(1));
+        const QString suffix = dialog.selectedNameFilter().section("*.", 1).chopped(1);
+        const QString chosen = QFileInfo(dialog.selectedFiles().value(0)).completeBaseName();
+        dialog.setDefaultSuffix(suffix);
+        if (!chosen.isEmpty()) dialog.selectFile(chosen + "." + suffix);
     };
+    if (!Path().isEmpty()) dialog.selectFile(present.fileName());
     ending();
     QObject::connect(&dialog, &QFileDialog::filterSelected, &dialog, ending);
     if (dialog.exec() == QDialog::Accepted) Export(dialog.selectedFiles().value(0));

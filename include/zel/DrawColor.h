@@ -23,7 +23,7 @@ class DrawColor : public DrawTool {
     DrawColor& operator=(const DrawColor& other);
     DrawTool& operator=(const DrawTool& other) override;
 
-    DrawTool* ACopy() const override;
+    DrawTool* ACopy() override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
     // Drops the brush: the next OpenOn makes the one of the other variant.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zel/ToolTableOf.h>
+#include <zel/ZelRules.h>
 #include <zel/platform/GdiObjects.h>
 #include <zel/platform/Geometry.h>
 
@@ -25,7 +26,7 @@ class DrawFont : public DrawTool {
     DrawTool& operator=(const DrawTool& other) override;
     ~DrawFont() override;
 
-    DrawTool* ACopy() const override;
+    DrawTool* ACopy() override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
     // Runs the font's editor (zel::ToolEditors), where there is one.
@@ -62,8 +63,13 @@ class DrawFont : public DrawTool {
     // bottom.
     void Print(const char* text, CRect& r, unsigned flags);
     // Formatted into a rectangle by the platform's rules, DT_VCENTER and DT_BOTTOM working for several lines
-    // too.
-    void DrawText(const char* text, RECT* r, unsigned flags);
+    // too. With classic rules the text is measured in the font that was selected before; with exact rules in
+    // this one, and what is too high for the rectangle begins at its top.
+    void DrawText(const char* text, RECT* r, unsigned flags, ZelRules rules = ZelRules::CLASSIC);
+
+    // The size of the lines of `text` before they are turned, as Print writes them at `angle`, in logical
+    // units; nothing in a closed font.
+    CSize Extent(const char* text, int angle);
 
     // The selection that consecutive texts of this thread share.
     static thread_local DrawFont* selected;

@@ -46,7 +46,7 @@ class DrawPen : public DrawTool {
     DrawPen& operator=(const DrawPen& other);
     DrawTool& operator=(const DrawTool& other) override;
 
-    DrawTool* ACopy() const override;
+    DrawTool* ACopy() override;
     void OpenOn(CDC* dc, int scale) override;
     void Close() override;
     // Name, colours, style, width, pattern; the printer flag is not stored.
@@ -126,6 +126,9 @@ class DrawPen : public DrawTool {
 
     bool DrawBlock(DashWalker& walker, const WorldFrame& frame, const double* x, const double* y,
                    std::size_t n);
+
+    // As Clip, to the limits of a frame by its rules.
+    static bool ClipToFrame(const WorldFrame& frame, double& x1, double& y1, double& x2, double& y2);
 
     struct WorldPoint {
         double x = 0;

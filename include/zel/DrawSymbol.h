@@ -35,11 +35,11 @@ class DrawSymbol : public DrawTool {
     DrawSymbol& operator=(const DrawSymbol& other);
     DrawTool& operator=(const DrawTool& other) override;
 
-    DrawTool* ACopy() const override;
+    DrawTool* ACopy() override;
     // Everything but the name and the border flag; the complete dialect stores those too.
     void Serialize(CArchive& ar) override;
 
-    virtual CSize Size() const { return size_; }
+    virtual CSize Size() { return size_; }
     virtual void SetSize(const CSize& size) { size_ = size; }
     SYMBOL GetType() const { return type_; }
     // Types 1 to 15; anything else is ignored. A custom shape needs its vertices: the other form.
@@ -88,8 +88,8 @@ class DrawSymbol : public DrawTool {
     };
 
     void GiveOpacity(DrawTool* registered) const;
-    CRect BoxOfMark(Zel2* obj) const;
-    CRect RectAround(Zel2* obj, const CPoint& pt) const;
+    CRect BoxOfMark(Zel2* obj);
+    CRect RectAround(Zel2* obj, const CPoint& pt);
     std::vector<CPoint> Outline(const CRect& box) const;
     void DrawShape(const Tools& tools, const CRect& box) const;
     static void DrawCross(DrawPen& pen, const std::vector<CPoint>& vertices);

@@ -12,6 +12,7 @@
 #include <vector>
 
 class CDC;
+class DrawToolTable;
 
 // The base of colours, pens, fonts and plotting symbols: a name, a printer flag that chooses between a screen
 // and a printer variant, and the context that the tool is open on.
@@ -27,7 +28,7 @@ class DrawTool : public CObject {
     DrawTool(const DrawTool& other);
 
     // A new copy of the tool's own kind, owned by the caller; null in the base.
-    virtual DrawTool* ACopy() const;
+    virtual DrawTool* ACopy();
     // Attaches to `dc` (borrowed) at an output scale in thousandths.
     virtual void OpenOn(CDC* dc, int scale);
     virtual void Close();
@@ -41,9 +42,9 @@ class DrawTool : public CObject {
     void Serialize(CArchive& ar) override;
 
     CString Name() const { return name_; }
-    void Name(const char* name) { name_ = name; }
+    void Name(const char* name) { SetName(name); }
     CString GetName() const { return name_; }
-    void SetName(const char* name) { name_ = name; }
+    void SetName(const char* name);
     // How much the tool's ink covers, from 0 to 1, opaque; other values are brought within, and what is no
     // number is opaque. Documents keep it, classic archives do not. A tool that is open goes on with it.
     // Metafiles, which know opaque ink only, show it as on white paper.
@@ -66,10 +67,16 @@ class DrawTool : public CObject {
     // Copies name, printer flag, opacity and scale; the own context stays.
     void CopyBase(const DrawTool& other);
 
-    CString name_ = "<Unknown>";
+    // Stores or loads the name.
+    void ExchangeName(CArchive& ar);
+
     int printer_ = 0;
 
   private:
+    friend class DrawToolTable;
+
+    CString name_ = "<Unknown>";
+    DrawToolTable* table_ = nullptr;  // which finds the tool by its name
     CDC* dc_ = nullptr;
     int scale_ = 0;
     double opacity_ = 1;
@@ -84,9 +91,10 @@ class DrawToolTable : public CObject {
     // A deep copy; the copy is closed.
     DrawToolTable(const DrawToolTable& other);
 
-    // Replaces the own tools by copies of those of `other`, unopened.
+    // Replaces the own tools by copies of those of `other`, unopened, in the same places: that of a tool
+    // which does not copy itself stays empty.
     virtual void CopyFrom(const DrawToolTable* other);
-    virtual int Size() const;
+    virtual int Size();
     // Edits the table interactively and answers whether changes were accepted. Tables without an editor
     // answer 0.
     virtual int Edit();
@@ -99,7 +107,7 @@ class DrawToolTable : public CObject {
     // Null when there is no such tool.
     DrawTool* Get(int i) const;
     DrawTool* Get(const char* name) const;
-    // The index of the tool with exactly this name; -1 when there is none.
+    // The index of the first tool with exactly this name, renamed ones included; -1 when there is none.
     int GetIndex(const char* name) const;
 
     // Opens every tool on `dc` (borrowed), with the printer flag that the context has.
@@ -115,10 +123,17 @@ class DrawToolTable : public CObject {
     int OutputScale() const { return scale_; }
 
   private:
+    friend class DrawTool;
+
+    int Count() const { return static_cast<int>(tools_.size()); }
     void Clear();
+    void Append(std::unique_ptr<DrawTool> tool);
+    void NoteName(int index) const;
 
     std::vector<std::unique_ptr<DrawTool>> tools_;
-    std::unordered_map<std::string, int> indexOfName_;  // as registered; tools can be renamed
+    // The first tool of each name; made anew after a tool was renamed.
+    mutable std::unordered_map<std::string, int> indexOfName_;
+    mutable bool renamed_ = false;
     CDC* dc_ = nullptr;
     int scale_ = 0;
 };

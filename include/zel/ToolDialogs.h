@@ -19,7 +19,7 @@ void InstallToolDialogs();
 // samples. Changes are kept in copies until OK.
 class ToolTableDialog : public CDialog {
   public:
-    ToolTableDialog(CWnd* parent, const char* title, const DrawToolTable& tools);
+    ToolTableDialog(CWnd* parent, const char* title, DrawToolTable& tools);
 
   protected:
     static constexpr UINT kList = 1101, kChangeScreen = 1102, kChangePrint = 1103;

@@ -3,6 +3,9 @@
 
 #include <zel/platform/Geometry.h>
 
+#include <algorithm>
+#include <cmath>
+
 // Linear map from graph (world) coordinates to logical ones. A range of width 0 gives NaN or an infinity,
 // which becomes 0 or an end of the integer range.
 struct WorldFrame {
@@ -12,6 +15,9 @@ struct WorldFrame {
     double ymax = 0;
     CPoint lower;  // logical point of (xmin, ymin)
     CPoint upper;  // logical point of (xmax, ymax)
+    // Exact rules: the range may run backwards, and a value beyond a limit by no more than a rounding is on
+    // it.
+    bool exact = false;
 
     // Each coordinate is truncated towards zero.
     CPoint ToLogical(double x, double y) const {
@@ -29,8 +35,22 @@ struct WorldFrame {
                          static_cast<LONG>(lower.y + (y[i] - ymin) / yRange * height)};
         }
     }
+    // The range in ascending order; empty for a backward one with classic rules.
+    double Left() const { return exact ? std::min(xmin, xmax) : xmin; }
+    double Right() const { return exact ? std::max(xmin, xmax) : xmax; }
+    double Bottom() const { return exact ? std::min(ymin, ymax) : ymin; }
+    double Top() const { return exact ? std::max(ymin, ymax) : ymax; }
     // Limits included.
-    bool Contains(double x, double y) const { return x >= xmin && x <= xmax && y >= ymin && y <= ymax; }
+    bool Contains(double x, double y) const {
+        const double dx = exact ? kRounding * std::fabs(xmax - xmin) : 0;
+        const double dy = exact ? kRounding * std::fabs(ymax - ymin) : 0;
+        return x >= Left() - dx && x <= Right() + dx && y >= Bottom() - dy && y <= Top() + dy;
+    }
     // Limits excluded.
-    bool ContainsStrictly(double x, double y) const { return x > xmin && x < xmax && y > ymin && y < ymax; }
+    bool ContainsStrictly(double x, double y) const {
+        return x > Left() && x < Right() && y > Bottom() && y < Top();
+    }
+
+  private:
+    static constexpr double kRounding = 1e-12;  // of the range
 };

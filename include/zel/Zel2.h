@@ -63,7 +63,8 @@ class Zel2 : public CObject {
     // Codes of OnNotify.
     enum Notification : long {
         RESIZED = 1,
-        EDITED = 2  // the user has changed the object's text in place
+        // The user has changed the object's text in place; beyond the codes that hosts give their objects.
+        EDITED = 0x10000
     };
 
     Zel2() = default;
@@ -133,7 +134,7 @@ class Zel2 : public CObject {
     virtual void DrawCPT(int i);
     // The control point whose marker lies within 2 pixels of `pt`; -1 for none or when not selected.
     virtual int CptAt(const CPoint& pt);
-    // The edge at `pt`; -1 in the base. OnMouse asks it only when HasEdges() says so.
+    // The edge at `pt`; -1 in the base.
     virtual int EdgeAt(const CPoint& pt);
     virtual int IsIn(const CPoint& pt);
     virtual MouseAction OnMouse(const MouseStatus& ms);
@@ -192,8 +193,11 @@ class Zel2 : public CObject {
     virtual int BeginningHeight();
     // The height that the object takes on a printed page.
     virtual int PrintedHeight();
-    // Whether EdgeAt is overridden; a class with edges answers true.
-    virtual bool HasEdges();
+    // The area that the object paints, its marks excepted: device pixels, corners ordered. What an object
+    // that paints more than its size tells says in an override. Needs a mapping.
+    virtual CRect PaintedArea();
+    // Lets the user edit the object's text in the window where it stands; false for objects without one.
+    virtual bool EditInPlace();
 
     Zel2* GetParent() const { return parent_; }
     // Sets the link and nothing else; null detaches.
@@ -220,7 +224,7 @@ class Zel2 : public CObject {
     CPoint AbsOrigin() const;
     CRect AbsRect();
 
-    // Invalidates the area that the object covers; 0 when there is no window.
+    // Invalidates the area that the object paints (PaintedArea); 0 when there is no window.
     int UpdateWindow();
     // Kept for host code; without effect. Clipping is SetClipLog and ResetClip.
     void SetClip(CRect&) {}
@@ -232,7 +236,7 @@ class Zel2 : public CObject {
 
     // The parent's absolute origin; (0, 0) at the root.
     CPoint ParentOrigin() const { return parent_ ? parent_->AbsOrigin() : CPoint(); }
-    // The area in device pixels, corners ordered. Needs a mapping.
+    // The area in device pixels, corners ordered; as it is where there is no mapping.
     CRect DeviceRect();
     CSize DragOffset() const { return dragOffset_; }
 

@@ -3,6 +3,7 @@
 
 #include <zel/Zel2.h>
 
+#include <string>
 #include <vector>
 
 // A line with ticks and labels that stands by itself: a range of values mapped onto its width, or onto its
@@ -33,6 +34,9 @@ class Zel2Axis : public Zel2 {
     void OnPrint(CDC* dc, CPrintInfo* info) override;
 
   private:
+    // Which labels have room beside each other.
+    std::vector<bool> LabelsShown(const std::vector<double>& values, const std::vector<std::string>& texts,
+                                  DrawFont& font);
     bool IsUpright() const { return size_.cy > size_.cx; }
     LONG Length() const { return IsUpright() ? size_.cy : size_.cx; }
     LONG Start() { return IsUpright() ? AbsOrigin().y : AbsOrigin().x; }

@@ -24,9 +24,10 @@ class Zel2CoordSys : public Zel2Rect {
     // are as long as the distance of the corners, one unit less than the rectangle, which includes both.
     Zel2CoordSys(double x0, double y0, double x1, double y1, const CRect& r, int xType, int yType, int pen,
                  int color);
-    // The contents are not copied.
-    Zel2CoordSys(const Zel2CoordSys&) = delete;
-    Zel2CoordSys& operator=(const Zel2CoordSys&) = delete;
+    // A copy has axes and contents of its own; contents are copied as zel::DeepCopy does. Throws
+    // CArchiveException* for a content of a class that cannot be stored.
+    Zel2CoordSys(const Zel2CoordSys& other);
+    Zel2CoordSys& operator=(const Zel2CoordSys& other);
     ~Zel2CoordSys() override;
 
     Zel2HAxis* HAxis() { return &hAxis_; }
@@ -35,8 +36,10 @@ class Zel2CoordSys : public Zel2Rect {
     void SetAxisType(int xType, int yType);
     // The content sets 1 to 3 (owned here); null for another number.
     Zel2Set* ContentSet(int number);
-    // Exact rules: whether the axes draw ticks, labels and titles of their own.
+    // Exact rules: whether the axes draw ticks, labels and titles of their own. In a stack the stack does.
     void ShowAxes(bool show) { showAxes_ = show; }
+    // Set by a stack that draws the axes. Not stored.
+    void ShareAxes(bool shared) { axesShared_ = shared; }
 
     CPoint F2L(double x, double y) override;
     // From the rectangle's own origin, in world units.
@@ -54,10 +57,15 @@ class Zel2CoordSys : public Zel2Rect {
   private:
     void Adopt();
     void DrawContent();
+    void CopyContents(const Zel2CoordSys& other);
+    // Calls `draw`, clipped to the rectangle with exact rules.
+    template <class Draw>
+    void Clipped(const CRect& box, Draw draw);
 
     Zel2VAxis vAxis_;
     Zel2HAxis hAxis_;
     std::unique_ptr<Zel2Set> contents_[3];
     bool showAxes_ = false;
+    bool axesShared_ = false;
     WorldFrame frame_;
 };

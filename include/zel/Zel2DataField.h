@@ -48,6 +48,8 @@ class Zel2DataField : public Zel2Rect {
     // While the propagate bit is set only the selection bit follows `on`; else the value is selected, which
     // opens its editor, and with exact rules the field with it, to be moved and sized. Answers 1.
     int Select(int on) override;
+    // The value's text.
+    bool EditInPlace() override { return value_->EditInPlace(); }
 
   private:
     void Adopt(std::unique_ptr<Zel2TRect> value, std::unique_ptr<Zel2TRect> label);

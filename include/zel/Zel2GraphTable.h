@@ -10,15 +10,12 @@
 class Zel2GraphTable : public Zel2Table {
     DECLARE_SERIAL(Zel2GraphTable)
   public:
-    // No graphs.
-    Zel2GraphTable() = default;
+    // Empty cells and no graphs.
+    Zel2GraphTable() : Zel2Table(3, 3) {}
     // One column of graphs of 4000 x 3000.
     explicit Zel2GraphTable(int ngy);
     // The last argument is not used.
     Zel2GraphTable(int ngx, int ngy, CSize graphSize, int = 0);
-    // Two tables cannot own the same graphs.
-    Zel2GraphTable(const Zel2GraphTable&) = delete;
-    Zel2GraphTable& operator=(const Zel2GraphTable&) = delete;
 
     int NGx() const { return nGx_; }
     int NGy() const { return nGy_; }

@@ -6,13 +6,20 @@
 
 #include <vector>
 
+namespace zel {
+struct LabelPlace;
+}
+
 // A scale along one side of a rectangle: a range of values mapped onto its width or height, ticks, labels and
 // a title along it, and grid lines across another object's rectangle. The base of the horizontal and the
 // vertical axis, which differ in direction only. An axis draws nothing before SetCoord.
 //
 // The scale completes itself at every draw: without labels it chooses them, widens the range to the first and
 // last of them, and takes them as ticks and grid lines, each as far as its switch is on. With classic rules
-// labels once chosen stay, and with them the first range; with exact rules they follow a new range.
+// labels once chosen stay, and with them the first range. With exact rules they follow a new range, and
+// choosing them replaces nothing that was set: the range is widened only to labels of one's own and by
+// Adjust, and ticks and lines that were set stay until they are set to none. Labels that would overlap are
+// left out then.
 //
 // Units: tick length, title offset and size in world units of the drawing; angles in tenths of a degree.
 // Classic archives hold an axis as a rectangle.
@@ -52,6 +59,12 @@ class Zel2ScaleAxis : public Zel2Rect {
     void SetFit(bool fit) { fit_ = fit; }
     void SetLinesFromLabels(bool on) { linesFromLabels_ = on; }
     void SetTicksFromLabels(bool on) { ticksFromLabels_ = on; }
+    // Sets the range and chooses labels for it with at most `n` intervals; it is widened to the first and the
+    // last of them.
+    void Adjust(double a, double b, int n);
+    // Exact rules: whether labels stay between the ends of the axis, because others stand beyond the start or
+    // the end. Not stored.
+    void KeepInside(bool atStart, bool atEnd);
     // Takes over range and type, and with `labels` the labels too.
     void CopyScale(const Zel2ScaleAxis& other, bool labels);
 
@@ -71,6 +84,9 @@ class Zel2ScaleAxis : public Zel2Rect {
     void OnDraw() override;
     // Ticks of positive length, and the grid lines across the rectangle of `area`.
     void OnDrawInRectangle(Zel2* area);
+    // Either alone; the scale was prepared.
+    void DrawInnerTicks();
+    void DrawLines(Zel2& area);
 
   protected:
     Zel2ScaleAxis();
@@ -94,6 +110,8 @@ class Zel2ScaleAxis : public Zel2Rect {
     virtual Edge EdgeOf(const CRect& box) const = 0;
     virtual CPoint At(LONG along, LONG across) const = 0;
     virtual unsigned LabelFlags(int gap) = 0;
+    // How much of the axis a label takes whose lines have this extent.
+    virtual double LabelRoom(const CSize& extent) const = 0;
     virtual int TitleAngle() const = 0;
     virtual void LineAcross(DrawPen& pen, LONG along, const CRect& area) const = 0;
     virtual LONG MiddleOf(const CRect& box) const = 0;
@@ -104,6 +122,12 @@ class Zel2ScaleAxis : public Zel2Rect {
   private:
     enum ToolKind { LINES_PEN, TICKS_PEN, LABEL_FONT, TITLE_FONT, TOOL_COUNT };
 
+    // Whether labels take the place of what was there, which exact rules keep if the host has set it.
+    bool Replaces(bool switchedOn, bool wasSet);
+    bool ChooseLabels();
+    void FitToLabels();
+    // Moves a label away from ends that it must not cross.
+    void PutInside(zel::LabelPlace& place) const;
     int AddPen(const char* name, unsigned long color);
     void DrawTicks(const Edge& edge, int length);
     void DrawLabels(const Edge& edge, int tick);
@@ -127,6 +151,10 @@ class Zel2ScaleAxis : public Zel2Rect {
     bool fit_ = true;
     bool linesFromLabels_ = true;
     bool ticksFromLabels_ = true;
+    bool ownLines_ = false;  // set by the host, not taken from labels
+    bool ownTicks_ = false;
+    bool insideAtStart_ = false;
+    bool insideAtEnd_ = false;
     bool labelsChosen_ = false;  // by the axis, for the range it had then
     CString title_;
     CString names_[TOOL_COUNT] = {"Graph Horizontal Lines", "Graph Ticks Pen", "Graph Axis Label",
@@ -150,6 +178,7 @@ class Zel2HAxis : public Zel2ScaleAxis {
     Edge EdgeOf(const CRect& box) const override;
     CPoint At(LONG along, LONG across) const override { return {along, across}; }
     unsigned LabelFlags(int gap) override;
+    double LabelRoom(const CSize& extent) const override;
     int TitleAngle() const override { return 0; }
     void LineAcross(DrawPen& pen, LONG along, const CRect& area) const override;
     LONG MiddleOf(const CRect& box) const override;
@@ -178,6 +207,7 @@ class Zel2VAxis : public Zel2ScaleAxis {
     Edge EdgeOf(const CRect& box) const override;
     CPoint At(LONG along, LONG across) const override { return {across, along}; }
     unsigned LabelFlags(int gap) override;
+    double LabelRoom(const CSize& extent) const override;
     int TitleAngle() const override { return 900; }
     void LineAcross(DrawPen& pen, LONG along, const CRect& area) const override;
     LONG MiddleOf(const CRect& box) const override;

@@ -72,7 +72,11 @@ class Zel2PointSet : public Zel2 {
 
     void Serialize(CArchive& ar) override;
     unsigned int nCpt() override;
+    // Exact rules: places along the line, where a selected series shows marks. They are no handles: nCpt says
+    // 0.
     CPoint Cpt(int i) override;
+    // Exact rules: the enclosing graph.
+    CRect PaintedArea() override;
     // Fill, line, symbols, point symbols. Throws CInvalidArgException* at the first point that has no point
     // symbol when others have.
     void OnDraw() override;
@@ -95,8 +99,13 @@ class Zel2PointSet : public Zel2 {
 
   private:
     void PlotPointSymbols();
-    // How far a symbol reaches from its point, in logical units; -1 when there are none.
-    int SymbolReach();
+    // Widens a range, if it is one, by the finite values of y or x; false when there is none then.
+    bool WidenByPoints(bool vertical, double& from, double& to);
+    void DrawMarks();
+    // The numbers of points that are marked while the series is selected.
+    std::vector<long> MarkedPoints();
+    // How far the symbol with an index reaches from its point, in device units; -1 when there is none.
+    int SymbolReach(int index);
     std::vector<zel::SeriesStretch> StretchesFrom(unsigned int first);
     template <class Function>
     void ForStretches(Function function, unsigned int first = 0);

@@ -73,6 +73,9 @@ class Zel2Report : public Zel2Tools {
     void SelectPage(int k) { selected_ = k; }
     int SelectedPage() const { return selected_; }
 
+    // The drawing itself or the first report that stands in it, at whatever depth; null when there is none.
+    static Zel2Report* FirstIn(Zel2Set& drawing);
+
     void SetPaper(const zel::ReportPaper& paper);
     // Null while there is none.
     const zel::ReportPaper* Paper() const { return paper_.get(); }
@@ -101,6 +104,7 @@ class Zel2Report : public Zel2Tools {
     void ExchangePages(CArchive& ar);
     void ExchangePaper(CArchive& ar);
     void DrawPage();
+    void DrawCut(Zel2Column& page, LONG top);
     void DrawBand(zel::ReportBand& band, LONG outer, LONG inner);
     void DrawBandText(const CString& text, const CPoint& at, int font, unsigned flags);
 

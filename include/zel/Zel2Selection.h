@@ -14,13 +14,17 @@ class Zel2Selection : public CObArray {
     // Throws CInvalidArgException* out of range.
     Zel2* operator[](int i) const { return static_cast<Zel2*>(GetAt(i)); }
 
-    // 0: Add replaces the first element; otherwise it appends.
-    void SetAccumulate(int accumulate) { accumulate_ = accumulate; }
-    int GetAccumulate() const { return accumulate_; }
-    Zel2* GetFocus() const { return focus_; }
+    // The object that has the focus, one of the elements; null for none. See SetFocus.
+    Zel2* focus = nullptr;
+    // What Select was last called with.
+    int selected = 0;
+    // 0: Add replaces the first element; otherwise it appends. Views set it before each gesture that selects.
+    int accumulate = 0;
+
+    Zel2* GetFocus() const { return focus; }
 
     // Null is ignored. Appends (once) or replaces the first element, which is not deselected; see
-    // SetAccumulate.
+    // `accumulate`.
     void Add(Zel2* object);
     // 1 when any element is hit at `pt` (device pixels).
     int IsIn(const CPoint& pt);
@@ -42,8 +46,4 @@ class Zel2Selection : public CObArray {
     void ForEach(Visit visit) {
         for (int i = 0; i < static_cast<int>(GetSize()); ++i) visit((*this)[i]);
     }
-
-    Zel2* focus_ = nullptr;
-    int selected_ = 0;
-    int accumulate_ = 0;
 };

@@ -8,7 +8,7 @@
 // Several coordinate systems one above another in one rectangle, the first at the bottom, each with a share
 // of the height by its weight, on one horizontal axis whose range and type they take over. The first three
 // children are the background rectangle, the set of coordinate systems and the set with the shared axis;
-// children added later are drawn over them.
+// children added later are drawn over them. Copies share these children, as those of sets do.
 //
 // With classic rules the shares are whole numbers divided as such: all origins fall on the bottom margin and
 // a weight below 1 counts nothing, and MoveTo moves the background a second time. With exact rules origins
@@ -22,8 +22,6 @@ class Zel2StackGraph : public Zel2Set {
     Zel2StackGraph();
     // A stack at the rectangle's place and of its size, its background with a pen and a colour (-1 for none).
     Zel2StackGraph(const CRect& r, int pen, int color);
-    Zel2StackGraph(const Zel2StackGraph&) = delete;
-    Zel2StackGraph& operator=(const Zel2StackGraph&) = delete;
 
     // Takes ownership of `cs`. With 100 of them there already nothing happens, and `cs` stays the caller's.
     void AddSubGraph(Zel2CoordSys* cs, float weight);

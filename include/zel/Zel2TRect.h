@@ -6,8 +6,10 @@
 
 #include <memory>
 
-class CFont;
 class CZel2Edit;
+namespace zel {
+class InPlaceEditor;
+}
 
 // A rectangle that holds a text, laid into it within a margin. Text in UTF-8, lines end with "\n". Selecting
 // it in a window opens an editor over the text, deselecting it takes over what was typed.
@@ -30,7 +32,7 @@ class Zel2TRect : public Zel2Rect {
     // What stands in the editor while one is open.
     CString GetText();
     // The open editor; null when there is none.
-    CZel2Edit* Editor() { return editor_.get(); }
+    CZel2Edit* Editor();
 
     // The index of the font, -1 for none: then only the box is drawn.
     virtual void SetFont(int font) { font_ = font; }
@@ -49,6 +51,7 @@ class Zel2TRect : public Zel2Rect {
     // change (EDITED). The selection bit follows `on` while the propagate bit is set, with exact rules
     // always. Answers 1.
     int Select(int on) override;
+    bool EditInPlace() override;
     // An open editor follows, with what is selected in it.
     void OnResize() override;
     // Also stores the answered index as the text's own font, -1 without a parent.
@@ -58,21 +61,16 @@ class Zel2TRect : public Zel2Rect {
   private:
     // The box less the margin, with ordered corners, in device pixels.
     CRect EditorArea();
-    void GiveEditorItsFont();
     // Whether the editor is there and its window too, which the user may have closed.
     bool IsEditing() const;
     void DrawContent();
-    void PlaceEditor();
     void OpenEditor();
-    void CloseEditor();
     void ShowText();
 
     CString text_;
-    CString textBefore_;  // when the editor was opened
     int font_ = -1;
     CSize border_{3, 3};
     int format_ = 0;
     int wrap_ = 1;
-    std::unique_ptr<CFont> editFont_;
-    std::unique_ptr<CZel2Edit> editor_;  // goes first: it writes into the text
+    std::unique_ptr<zel::InPlaceEditor> editor_;  // goes first: it writes into the text
 };

@@ -49,6 +49,7 @@ class Zel2Table : public Zel2Set {
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
     void OnPrintGraph(CDC* dc, CPrintInfo* info) override;
+    // Returns 1 for every code.
     int OnNotify(Zel2* sender, long code) override;
     // Between rows that no cell spans.
     std::vector<std::unique_ptr<Zel2>> SplitPages(const PageRoom& room) override;

@@ -4,7 +4,13 @@
 #include <zel/Zel2.h>
 #include <zel/platform/String.h>
 
+#include <memory>
 #include <utility>
+
+class CZel2Edit;
+namespace zel {
+class InPlaceEditor;
+}
 
 // A text at a point, rotated about it, or laid into a box; over a filled and framed background, and crossed
 // by a horizontal rule, where wanted. World units; UTF-8; lines end with "\n".
@@ -26,12 +32,16 @@ class Zel2Text : public Zel2 {
     Zel2Text(const Zel2Text& other);
     Zel2Text& operator=(const Zel2Text& other);
     Zel2Text& operator=(const char* text);
+    ~Zel2Text() override;
 
     // Replaces the text by a message with inserts (%1, %2, ...: see CString::FormatMessage) and redraws.
     void SetText(const char* format, ...);
     // Replaces the text as it is and redraws.
     void SetPlainText(const char* text);
-    CString GetText() const { return text_; }
+    // What stands in the editor while one is open.
+    CString GetText();
+    // The open editor; null when there is none.
+    CZel2Edit* Editor();
 
     void Serialize(CArchive& ar) override;
     CSize Size() override { return size_; }
@@ -43,17 +53,22 @@ class Zel2Text : public Zel2 {
     // Exact rules: the corners of the text as it stands, where a selected text shows marks. They are no
     // handles: nCpt says 0.
     CPoint Cpt(int i) override;
+    // Deselecting closes the editor.
     int Select(int on) override;
-    void MoveTo(const CRect& r) override;
-    using Zel2::MoveTo;
+    CRect PaintedArea() override;
+    // Exact rules: opens an editor over the text, level also where the text is turned.
+    bool EditInPlace() override;
 
   private:
     struct Lines;
-    void MeasureLines();
+    void MeasureForWindow();
+    bool IsEditing() const;
+    int Angle() const;
+    CPoint Anchor();
     bool StandsAtPoint();
     Lines LinesAsDrawn() const;
     CPoint Corner(int i);
-    void Repaint();
+    CRect EditorArea();
     void DrawBackground();
     void DrawRule(CRect box);
 
@@ -65,5 +80,6 @@ class Zel2Text : public Zel2 {
     int frame_ = -1;
     int angle_ = 0;
     Rule rule_{-1, 0.0F};
-    CSize drawn_;  // the lines of a text at a point, in logical units before they are turned
+    CSize drawn_;  // the lines as they were drawn last, in logical units before they are turned
+    std::unique_ptr<zel::InPlaceEditor> editor_;  // goes before the text, into which it writes
 };

@@ -81,6 +81,7 @@ class CZelView : public CScrollView {
     void OnLButtonUp(UINT flags, CPoint point);
     void OnMouseMove(UINT flags, CPoint point);
     void OnRButtonUp(UINT flags, CPoint point);
+    void OnLButtonDblClk(UINT flags, CPoint point);
     // The wheel zooms about the pointer while the control key is held, and scrolls otherwise.
     BOOL OnMouseWheel(UINT flags, short delta, CPoint screen);
     // The middle button drags the drawing along.

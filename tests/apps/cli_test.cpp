@@ -95,6 +95,23 @@ TEST_F(Program, ConvertsAndDescribesDocuments) {
     ASSERT_EQ(Run("plot " + Data("global-temp.csv") + " --x year --y temp -o " + document).code, 0);
     EXPECT_EQ(Run("convert " + document + " " + (folder_ / "a.svg")).code, 0);
     EXPECT_EQ(Run("convert " + document + " " + (folder_ / "a.pdf") + " --paper a4 --landscape").code, 0);
+    Zel2Main pages;
+    pages.SetRules(ZelRules::EXACT);
+    auto* const report = new Zel2Report;
+    pages.Add(report);
+    report->SetPaper({});
+    for (int page = 0; page < 3; ++page) {
+        report->Append(new Zel2Rect(CRect(0, 0, 999, 999), -1, -1, Zel2Rect::RECTANGLE, -1));
+        report->BreakPage();
+    }
+    EXPECT_EQ(report->MakePages(), 3);
+    const std::string paged = folder_ / "pages.zel";
+    zel::SaveDocument(pages, paged.c_str());
+    EXPECT_EQ(Run("convert " + paged + " " + (folder_ / "p.pdf")).code, 0);
+    EXPECT_THAT(zel::test::RunProgram("pdfinfo " + (folder_ / "p.pdf")).text,
+                HasSubstr("Pages:           3"));
+    EXPECT_EQ(Run("convert " + paged + " " + (folder_ / "p.svg")).code, 0);
+    EXPECT_FALSE(zel::test::Content(folder_ / "p-3.svg").empty());
     const auto info = Run("info " + document);
     EXPECT_THAT(info.text,
                 testing::AllOf(HasSubstr("Zel2Chart"), HasSubstr("144 rows"), HasSubstr("exact rules"),

@@ -35,7 +35,7 @@ class Menus : public Program {
         QTest::keyClick(focus ? focus : &window_, key, modifiers);
         Settle();
     }
-    // Chooses a path in the file dialog that is about to open.
+    // Chooses a path in the file dialog that is about to open; none takes what it proposes.
     void Choose(const std::string& path, const char* filter = nullptr) {
         Soon([=] {
             auto* const dialog = qobject_cast<QFileDialog*>(Modal());
@@ -44,9 +44,9 @@ class Menus : public Program {
             auto* const name = dialog->findChild<QLineEdit*>("fileNameEdit");
             const bool saves = dialog->acceptMode() == QFileDialog::AcceptSave;
             const QString chosen = QString::fromStdString(path);
-            saves ? dialog->selectFile(chosen) : name->setText(chosen);
+            if (!path.empty()) saves ? dialog->selectFile(chosen) : name->setText(chosen);
             // While the folder is being read, the name that the dialog began with may come back.
-            if (saves && name->text() != QFileInfo(chosen).fileName()) name->setText(chosen);
+            if (saves && !path.empty() && name->text() != QFileInfo(chosen).fileName()) name->setText(chosen);
             QPushButton* const accept = dialog->findChild<QDialogButtonBox*>()->button(
                 saves ? QDialogButtonBox::Save : QDialogButtonBox::Open);
             if (!accept->isEnabled()) return false;  // the folder is still being read
@@ -74,6 +74,10 @@ TEST_F(Menus, FilesAreOpenedSavedAndExported) {
     ASSERT_TRUE(window_.isWindowModified());
     Press(Qt::Key_S, Qt::ControlModifier);
     EXPECT_FALSE(window_.isWindowModified());
+    EXPECT_EQ(Selected(), 1) << "what is selected stays so";
+    Choose({}, "SVG (*.svg)");
+    Press(Qt::Key_E, Qt::ControlModifier);
+    EXPECT_TRUE(fs::exists(fs::path(path_).replace_extension("svg"))) << "by the document's name";
     Choose(folder_ / "copy");
     Press(Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
     EXPECT_EQ(window_.Path().toStdString(), folder_ / "copy.zel") << "with the ending of a drawing";

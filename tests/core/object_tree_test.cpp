@@ -119,6 +119,27 @@ TEST(Zel2, IsHitOnlyWhenSelectedButFoundBySelecting) {
     EXPECT_EQ(selection.GetSize(), 1) << "wholly inside";
 }
 
+TEST(Zel2, ListensToWhatHostsOverride) {
+    class Edged : public Block {
+      public:
+        Edged() : Block(CSize(100, 100)) {}
+        Mapping* Map() override { return nullptr; }
+        int EdgeAt(const CPoint& pt) override { return pt.x; }
+    } object;
+    MouseStatus mouse;
+    mouse.point = CPoint(7, 0);
+    EXPECT_EQ(object.OnMouse(mouse).action, MouseAction::EDGE);
+    EXPECT_EQ(object.OnMouse(mouse).index, 7);
+    FakeWindow peer;
+    CWnd window(&peer);
+    Zel2Main root;
+    root.SetWindow(&window);
+    object.SetParent(&root);
+    object.MoveTo(CRect(10, 20, 29, 39));
+    EXPECT_EQ(peer.invalidated, (std::vector<CRect>{CRect(-3, -3, 103, 103), CRect(7, 17, 33, 43)}))
+        << "without a mapping as it stands";
+}
+
 TEST(Zel2, DrawsItsHandlesOnTheWindow) {
     FakeWindow peer;
     CWnd window(&peer);
@@ -190,11 +211,11 @@ TEST(Zel2Selection, ReplacesOrAccumulates) {
     selection.Add(&b);
     ASSERT_EQ(selection.GetSize(), 1);
     EXPECT_EQ(selection[0], &b);
-    selection.SetAccumulate(1);
+    selection.accumulate = 1;
     selection.Add(&a);
     selection.Add(&b);
     EXPECT_EQ(selection.GetSize(), 2);
-    selection.SetAccumulate(0);
+    selection.accumulate = 0;
     selection.Add(&c);
     EXPECT_EQ(selection[0], &c) << "only the first gives way";
     EXPECT_EQ(selection.GetSize(), 2);

@@ -6,6 +6,8 @@
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
+#include <sstream>
 
 namespace {
 
@@ -169,7 +171,10 @@ TEST_P(CoordSystems, DrawTheirContentAroundFrameAndGrid) {
     const std::string text = Drawn();
     const auto at = [&](const char* part, std::size_t from = 0) { return text.find(part, from); };
     EXPECT_LT(at("#020000"), at("#010000")) << "the second set first";
-    EXPECT_LT(at("#010000"), at("polyline 200,")) << "grid above the first two";
+    const bool exact = GetParam() == ZelRules::EXACT;
+    EXPECT_EQ(at("polyline 200,") < at("#020000"), exact) << "the grid under all contents";
+    EXPECT_EQ(at("#010000") < at("polyline 200,"), !exact) << "or above the first two";
+    EXPECT_EQ(at("polyline 200,") < text.rfind("polyline 0,1000 0,499"), exact) << "and under the frame";
     EXPECT_LT(at("polyline 200,"), at("#030000")) << "and the third above the grid";
 }
 
@@ -210,7 +215,53 @@ TEST_P(ExactCoordSystem, TakesSeriesAndFollowsItsSize) {
     const std::string text = Drawn();
     EXPECT_THAT(text, HasSubstr("polyline 0,1000 400,800 800,600\n")) << "clipped to the ranges";
     EXPECT_THAT(text, HasSubstr("clip"));
-    EXPECT_EQ(Letters(text), "020406080100050100") << "labels of its own";
+    EXPECT_EQ(Letters(text), "04080050100") << "labels of its own, as far as they fit";
+}
+
+TEST_P(ExactCoordSystem, AdjustsToItsSeries) {
+    auto* cs = new Zel2CoordSys(0, 0, 0, 0, CRect(0, 0, 1000, 150), 1, 1, -1, -1);
+    root_.Add(cs);
+    auto* series = new Zel2PointArray;
+    series->SetPoints({0, 1, 2}, {-3, 12, 0});
+    series->SetPen(root_.RegisterPen("s", DrawPen::SOLID, 0, RGB(7, 7, 7), 0, nullptr));
+    cs->ContentSet(1)->Add(series);
+    series->AdjustXAxis(8);
+    series->AdjustYAxis(8);
+    double low = 0, high = 0;
+    cs->VAxis()->GetCoord(low, high);
+    EXPECT_EQ(std::pair(low, high), std::pair(-4.0, 12.0));
+    EXPECT_THAT(Drawn(), HasSubstr("polyline 0,")) << "however low it is";
+    cs->SetCoord(0, -5, 2, 17);
+    cs->ShowAxes(true);
+    const std::string text = Drawn();
+    EXPECT_THAT(Letters(text), HasSubstr("0"));
+    cs->VAxis()->GetCoord(low, high);
+    EXPECT_EQ(std::pair(low, high), std::pair(-5.0, 17.0)) << "what was set stays";
+    EXPECT_FALSE(cs->VAxis()->Labels().empty());
+}
+
+TEST_P(CoordSystems, AreCopiedWithTheirContents) {
+    auto* cs = new Zel2CoordSys(1, 2, 3, 4, CRect(0, 0, 1000, 500), 1, 1, -1, -1);
+    root_.Add(cs);
+    cs->ContentSet(2)->Add(new Zel2Rect(CRect(1, 2, 10, 20), -1, 5, Zel2Rect::RECTANGLE, -1));
+    Zel2CoordSys copy(*cs);
+    Zel2CoordSys assigned;
+    assigned = copy;
+    for (Zel2CoordSys* made : {&copy, &assigned}) {
+        double low = 0, high = 0;
+        made->VAxis()->GetCoord(low, high);
+        EXPECT_EQ(std::pair(low, high), std::pair(2.0, 4.0));
+        EXPECT_EQ(made->HAxis()->GetParent(), made);
+        ASSERT_EQ(made->ContentSet(2)->GetCount(), 1);
+        Zel2* const content = (*made->ContentSet(2))[0];
+        EXPECT_NE(content, (*cs->ContentSet(2))[0]);
+        EXPECT_EQ(content->Origin(), CPoint(1, 2));
+        EXPECT_EQ(content->GetParent()->GetParent(), made);
+    }
+    Zel2StackGraph stack(CRect(0, 0, 99, 99), -1, -1);
+    Zel2StackGraph shared(stack);
+    EXPECT_EQ(shared.Background(), stack.Background());
+    shared.DetachChildren();
 }
 
 class Stacks : public Plane {
@@ -250,6 +301,37 @@ TEST_P(Stacks, ShareTheHeight) {
     }
     EXPECT_EQ(axis_->Size(), CSize(3400, 700));
     EXPECT_THAT(Letters(text), HasSubstr("05101520"));
+}
+
+// Panels of 90 units with labels of 155 at their ends, beside panels that have room.
+TEST_P(Stacks, KeepTheirLabelsApartByExactRules) {
+    AddAxis();
+    stack_->AddSubGraph(graphs_.emplace_back(new Zel2CoordSys), 0.15F);
+    for (Zel2CoordSys* graph : graphs_) graph->ShowAxes(true);
+    const std::string text = Drawn();
+    const bool exact = GetParam() == ZelRules::EXACT;
+    // Each label left of the panels begins a line of its own: its height and its first character.
+    std::multiset<int> lines;
+    std::istringstream rows(text);
+    int before = -1;
+    for (std::string row; std::getline(rows, row);) {
+        int x = 0, y = 0;
+        if (std::sscanf(row.c_str(), "text %d,%d", &x, &y) == 2 && x < 700 && y != before) lines.insert(y);
+        before = row.starts_with("text ") ? y : -1;
+    }
+    int least = 100000;
+    for (auto line = lines.begin(); line != lines.end() && std::next(line) != lines.end(); ++line)
+        least = std::min(least, *std::next(line) - *line);
+    if (exact) {
+        EXPECT_GE(lines.size(), 8U);
+        EXPECT_GE(least, 150) << "no label on another";
+        EXPECT_EQ(Letters(text).find("05101520"), Letters(text).rfind("05101520")) << "the shared axis once";
+    }
+    if (exact) {
+        double low = 0, high = 0;
+        graphs_[3]->VAxis()->GetCoord(low, high);
+        EXPECT_EQ(std::pair(low, high), std::pair(0.0, 100.0)) << "the data of a low panel stay";
+    }
 }
 
 TEST_P(Stacks, CountFractionsOnlyByExactRules) {

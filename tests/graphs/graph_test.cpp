@@ -1,8 +1,13 @@
+#include "Support.h"
+#include "graphs/Labels.h"
+
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <random>
+#include <set>
 
 namespace {
 
@@ -88,6 +93,91 @@ TEST(Zel2Graph, AnchorsLabelsByTheirAngle) {
     // A label of 77 x 155 units: rising text ends at the tick (500), falling text begins there.
     EXPECT_EQ(labelAt(ZelRules::EXACT, 300), "434,1013");
     EXPECT_EQ(labelAt(ZelRules::EXACT, -300), "500,975");
+}
+
+TEST(Labels, SayEnoughToBeToldApart) {
+    using List = std::vector<std::string>;
+    const std::vector<double> years{2000.5, 2001, 2001.5}, tens{10000, 10002, 10004};
+    EXPECT_EQ(zel::LabelTexts(years, 4, ZelRules::CLASSIC), (List{"2000", "2001", "2002"}));
+    EXPECT_EQ(zel::LabelTexts(years, 4, ZelRules::EXACT), (List{"2000.5", "2001", "2001.5"}));
+    EXPECT_EQ(zel::LabelTexts(tens, 4, ZelRules::CLASSIC), (List{"1e+04", "1e+04", "1e+04"}));
+    EXPECT_EQ(zel::LabelTexts(tens, 4, ZelRules::EXACT), (List{"10000", "10002", "10004"}));
+    EXPECT_EQ(zel::LabelTexts({1000.00001, 1000.00002}, 7, ZelRules::EXACT),
+              (List{"1000.00001", "1000.00002"}));
+    EXPECT_EQ(zel::LabelTexts({0, 0.1 + 0.2}, 7, ZelRules::EXACT), (List{"0", "0.3"})) << "no noise";
+    EXPECT_EQ(zel::PercentTexts({12.5, 100}, ZelRules::EXACT), (List{"12.5%", "100.0%"}));
+    EXPECT_EQ(zel::PercentTexts({99.92, 99.96, 100}, ZelRules::CLASSIC), (List{"99.9%", "100.0%", "100.0%"}));
+    EXPECT_EQ(zel::PercentTexts({99.92, 99.96, 100}, ZelRules::EXACT), (List{"99.92%", "99.96%", "100.00%"}));
+}
+
+TEST(Labels, LeaveOutWhatWouldOverlap) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 2000; ++round) {
+        const int first = static_cast<int>(random() % 41) - 20, count = 1 + static_cast<int>(random() % 30);
+        const double step = static_cast<double>(1 + random() % 90);
+        const int sign = random() % 2 ? 1 : -1;
+        std::vector<double> values;
+        std::vector<zel::LabelPlace> places;
+        for (int i = 0; i < count; ++i) {
+            values.push_back((first + i) * 0.5);
+            places.push_back({sign * i * step, static_cast<double>(random() % 200)});
+        }
+        const std::vector<std::size_t> shown = zel::LabelsWithRoom(values, places);
+        ASSERT_FALSE(shown.empty());
+        double widest = 0;
+        for (const zel::LabelPlace& place : places) widest = std::max(widest, place.room);
+        ASSERT_TRUE(widest > step || shown.size() == values.size()) << "all that fit are there";
+        for (std::size_t k = 1; k < shown.size(); ++k) {
+            const zel::LabelPlace &a = places[shown[k - 1]], &b = places[shown[k]];
+            ASSERT_GE(std::fabs(b.middle - a.middle), (a.room + b.room) / 2);
+            ASSERT_EQ(shown[k] - shown[k - 1], shown[1] - shown[0]) << "evenly";
+        }
+    }
+    std::vector<zel::LabelPlace> crowded;
+    for (int i = 0; i < 9; ++i) crowded.push_back({10.0 * i, 15});
+    EXPECT_EQ(zel::LabelsWithRoom({1, 2, 3, 4, 5, 6, 7, 8, 9}, crowded),
+              (std::vector<std::size_t>{1, 3, 5, 7}))
+        << "at 2, 4, 6, 8";
+    EXPECT_NEAR(zel::RoomAlong(CSize(100, 20), 900), 20, 1e-9);
+    EXPECT_NEAR(zel::RoomAlong(CSize(100, 20), 300), 43, 1e-9) << "slanted: by the height and a gap";
+}
+
+TEST(Zel2Graph, KeepsByExactRulesWhatWasSet) {
+    for (const ZelRules rules : {ZelRules::CLASSIC, ZelRules::EXACT}) {
+        Drawing drawing(rules);
+        drawing.graph->SetXLabels({});
+        drawing.graph->SetXTicks({0.5, 6.5});
+        drawing.graph->SetXLines({});
+        drawing.graph->SetCoord(0.3, 0, 7.1, 10);
+        drawing.Draw();
+        const bool exact = rules == ZelRules::EXACT;
+        double x0, y0, x1, y1;
+        drawing.graph->GetFloatRect(x0, y0, x1, y1);
+        EXPECT_EQ(std::pair(x0, x1), exact ? std::pair(0.3, 7.1) : std::pair(0.0, 8.0));
+        EXPECT_EQ(drawing.graph->XTicks() == (std::vector<double>{0.5, 6.5}), exact);
+        EXPECT_EQ(drawing.graph->XLabels().front(), exact ? 1 : 0);
+        EXPECT_EQ(drawing.graph->XLabels().back(), exact ? 7 : 8);
+    }
+}
+
+TEST(Zel2Graph, KeepsTheGridUnderCurvesByExactRules) {
+    for (const ZelRules rules : {ZelRules::CLASSIC, ZelRules::EXACT}) {
+        Drawing drawing(rules);
+        drawing.graph->SetCoord(0, 0, 10, 10);
+        drawing.graph->SetYTicks({0, 10});
+        drawing.graph->SetYLabels({0, 10});
+        drawing.graph->SetYRLabels(0, 100);
+        auto* points = new Zel2PointArray;
+        points->SetPoints({1, 9}, {1, 9});
+        points->SetPen(drawing.root.RegisterPen("curve", DrawPen::SOLID, 0, 0, 0, nullptr));
+        drawing.graph->AddIn(points);
+        const std::string text = drawing.Draw();
+        const bool exact = rules == ZelRules::EXACT;
+        EXPECT_EQ(text.find("polyline 500,900 500,100") < text.find("polyline 180,820 820,180"), exact);
+        // The tick of a label on the right reaches from 900 to 960.
+        const std::size_t begin = text.rfind("\ntext ", text.rfind("\"1\""));  // of 100.0%
+        EXPECT_EQ(std::stoi(text.substr(begin + 6)) >= 960, exact);
+    }
 }
 
 TEST(Zel2Graph, ConvertsBothWays) {

@@ -128,6 +128,52 @@ TEST_F(Series, WidensTheGraphsRange) {
     EXPECT_EQ(std::pair(x0, x1), std::pair(0.0, 0.0)) << "nothing to go by";
 }
 
+TEST_F(Series, ReachesTheLimitsByExactRules) {
+    points_->SetPen(pen_);
+    points_->SetPoints({0, 1, 2, 3, 4, 5, 6}, {0, 0, 0, 10, 10, 10, 0});
+    EXPECT_EQ(Drawn(), "200,1000 300,0;500,0 600,1000;") << "both flat parts are missing";
+    root_.SetRules(ZelRules::EXACT);
+    const std::string whole = "0,1000 100,1000 200,1000 300,0 400,0 500,0 600,1000;";
+    EXPECT_EQ(Drawn(), whole);
+    const double above = std::nextafter(10.0, 11.0);
+    points_->SetPoints({0, 1, 2, 3, 4, 5, 6}, {0, -5e-324, 0, above, above, 10, 0});
+    EXPECT_EQ(Drawn(), whole) << "a rounding beyond";
+    points_->SetPoints({-5, 0, 5, 10, 15}, {10, 15, 10, 15, 5});
+    EXPECT_EQ(Drawn(), "") << "what only touches";
+    points_->SetPoints({2, 4, 12}, {2, 8, 8});
+    graph_->SetCoord(10, 10, 0, 0);
+    const int square = root_.RegisterSymbol("s", CSize(20, 20), zel::SYMBOL_SQUARE, "", 0, 0, 0, 0, 0, 0,
+                                            "Arial", 80, 0, 0, nullptr, nullptr, 0);
+    EXPECT_EQ(Drawn(), "800,200 600,800 0,800;") << "both ranges run backwards";
+    points_->SetPen(-1);
+    points_->SetSymbol(square, true);
+    EXPECT_EQ(std::ranges::count(Drawn(), ';'), 2);
+    // The labels of -2.96 to -2.8 end a rounding below -2.8.
+    points_->SetPoints({0, 1}, {-2.96, -2.8});
+    graph_->SetCoord(0, 0, 0, 0);
+    points_->AdjustXAxis(8);
+    points_->AdjustYAxis(8);
+    EXPECT_EQ(std::ranges::count(Drawn(), ';'), 2);
+}
+
+TEST_F(Series, WidensBackwardsAndEmptyRangesByExactRules) {
+    root_.SetRules(ZelRules::EXACT);
+    double x0, y0, x1, y1;
+    graph_->AdjustXAxis(9.5, 0.5, 8, 1);
+    graph_->AdjustYAxis(9.5, 0.5, 8, 0);
+    graph_->GetFloatRect(x0, y0, x1, y1);
+    EXPECT_EQ(std::pair(x0, x1), std::pair(10.0, 0.0));
+    EXPECT_EQ(std::pair(y0, y1), std::pair(9.5, 0.5));
+    EXPECT_EQ(graph_->YLabels(), (std::vector<double>{2, 4, 6, 8}));
+    points_->SetPoints({1, 2, 3}, {5, 5, 5});
+    graph_->SetCoord(0, 0, 0, 0);
+    points_->AdjustYAxis(8);
+    graph_->GetFloatRect(x0, y0, x1, y1);
+    EXPECT_LT(y0, 5);
+    EXPECT_GT(y1, 5);
+    EXPECT_LT(y1 - y0, 2);
+}
+
 TEST_F(Series, NeedsNoArraysForItsLine) {
     class Computed : public Zel2PointSet {
       public:

@@ -216,6 +216,23 @@ TEST_F(Reports, DrawWholePagesOnPaper) {
     EXPECT_EQ(report_->SelectedPage(), 1);
 }
 
+TEST_F(Reports, CutOffWhatIsHigherThanAPage) {
+    zel::ReportPaper paper;
+    paper.size = CSize(1000, 1000);
+    paper.left = paper.right = paper.top = paper.bottom = 100;
+    paper.footer.middle = "footer";
+    paper.footer.height = 300;
+    report_->SetPaper(paper);
+    report_->Append(Box(400));
+    Zel2Rect* const high = Box(700);
+    high->SetColor(report_->RegisterColor("c", RGB(3, 3, 3), 0));
+    report_->Append(high);
+    ASSERT_EQ(report_->MakePages(), 2) << "room for 500";
+    EXPECT_THAT(Drawn(), testing::Not(HasSubstr("clip")));
+    report_->SelectPage(1);
+    EXPECT_THAT(Drawn(), HasSubstr("clip 0,100 1000,600"));
+}
+
 // Its own tools hide those of the drawing around it, so it must open them itself.
 TEST_F(ClassicReports, OpenTheirOwnTools) {
     const int color = report_->RegisterColor("c", RGB(3, 3, 3), 0);

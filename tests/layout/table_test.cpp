@@ -246,6 +246,12 @@ TEST_P(Grid, GraphTablesKeepTheirSize) {
     table->SetXCoord(0, 1, 2);
     Draw();
     EXPECT_EQ(table->GetGraph(0, 2)->AbsOrigin(), CPoint(200, 0));
+    Zel2GraphTable empty;
+    EXPECT_EQ(empty.Columns() * empty.Rows(), 9U) << "room for the margins";
+    empty.SetMargins(200, -1, -1, 0);
+    EXPECT_EQ(empty.Size(), CSize(0, 0));
+    for (const long code : {1L, 2L, 7L, static_cast<long>(Zel2::EDITED)})
+        EXPECT_EQ(Zel2Table(1, 1).OnNotify(nullptr, code), 1);
     const auto classic = Reloaded(*table, CArchive::Dialect::CLASSIC);
     EXPECT_EQ(classic->GetGraph(1, 1), nullptr);
     EXPECT_EQ(classic->NGy(), 3);

@@ -76,4 +76,32 @@ TEST(DrawColorTable, AnswersBlackForUnknownColours) {
     EXPECT_EQ(table.Register(nullptr), -1);
 }
 
+// Overrides as the class interface has them: without const.
+class Hatched : public DrawColor {
+  public:
+    using DrawColor::DrawColor;
+    DrawTool* ACopy() override { return new Hatched(*this); }
+};
+
+TEST(DrawToolTable, KeepsHostsToolsAndFindsRenamedOnes) {
+    DrawColorTable table;
+    EXPECT_EQ(table.Register(new Hatched("a", 1, 2)), 0);
+    EXPECT_EQ(table.Register(new DrawTool("no copy of itself")), 1);
+    EXPECT_EQ(table.RegisterColor("c", 3, 4), 2);
+    DrawColorTable copy(table);
+    EXPECT_NE(dynamic_cast<Hatched*>(copy.Get(0)), nullptr);
+    EXPECT_EQ(copy.Get(1), nullptr);
+    EXPECT_EQ(copy[2], 3U) << "in its place, whatever became of the others";
+    copy.OpenOn(nullptr, 1000);
+    copy.Close();
+    table.Get(2)->SetName("a");
+    EXPECT_EQ(table.GetIndex("a"), 0) << "the first of the name";
+    EXPECT_EQ(table.GetIndex("c"), -1);
+    table.Get(0)->Name("b");
+    EXPECT_EQ(table.GetIndex("a"), 2);
+    *table(0) = *copy(2);
+    EXPECT_EQ(table.GetIndex("c"), 0);
+    EXPECT_EQ(table.RegisterColor("a", 0, 0), 2);
+}
+
 }  // namespace

@@ -64,6 +64,28 @@ TEST_F(Fonts, PlaceLinesAndBlocks) {
     EXPECT_NE(device_.Text().find("text 10,80 \"i\""), std::string::npos) << "left and bottom without flags";
 }
 
+// A line of Arial takes 17 units at 12 points and 35 at 24, with external leading.
+TEST_F(Fonts, MeasureTextInBoxesByTheRules) {
+    DrawFont large("large", "Arial", 240, 0, 0, 0, 0, 0, 0);
+    large.OpenOn(&dc_, 1000);
+    const auto topOf = [&](int height, unsigned flags, ZelRules rules) {
+        Printed("a", 0, 0);
+        device_.Clear();
+        RECT box{0, 0, 200, height};
+        large.DrawText("i", &box, flags, rules);
+        const std::string text = device_.Text();
+        return std::stoi(text.substr(text.find("\ntext ") + 8));
+    };
+    const int line = static_cast<int>(large.Extent("i", 0).cy),
+              small = static_cast<int>(font_.Extent("i", 0).cy);
+    EXPECT_GT(line, small);
+    EXPECT_EQ(topOf(100, DT_VCENTER, ZelRules::EXACT), (100 - line) / 2);
+    EXPECT_EQ(topOf(100, DT_VCENTER, ZelRules::CLASSIC), (100 - small) / 2) << "by the font before";
+    EXPECT_EQ(topOf(100, DT_BOTTOM, ZelRules::CLASSIC), 100 - small);
+    EXPECT_EQ(topOf(10, DT_VCENTER, ZelRules::EXACT), 0) << "too high for the box";
+    EXPECT_EQ(topOf(10, DT_VCENTER, ZelRules::CLASSIC), (10 - small) / 2);
+}
+
 TEST_F(Fonts, SurviveEachOther) {
     DrawFont other("g", "Courier New", 90, 1, 0, 0, 0, 0, 0);
     other.OpenOn(&dc_, 1000);

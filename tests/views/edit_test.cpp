@@ -1,4 +1,5 @@
 #include "FakeWindows.h"
+#include "Support.h"
 
 #include <zel/Zel2Edit.h>
 #include <zel/platform/FrameWnd.h>
@@ -188,6 +189,89 @@ TEST_F(Editing, ClicksFindSeriesGraphsAndTurnedTexts) {
     EXPECT_NEAR(graph->Size().cy, 2400, 12);
 }
 
+// What can be seen of a series is hit, as wide as it is drawn, and shows marks once it is selected.
+TEST_F(Editing, SeriesAreHitAndMarkedWhereTheyAreSeen) {
+    drawing_->SetRules(ZelRules::EXACT);
+    auto* graph = new Zel2Graph;
+    graph->SetGraphSize(CSize(3000, 2000));
+    graph->SetMargins(500, 500, 500, 500);
+    graph->SetCoord(0, 0, 10, 10);
+    auto* series = new Zel2PointArray;
+    series->SetPoints({2, 5, 5, 20}, {5, 5, 10.1, 10.1});
+    series->SetPen(drawing_->RegisterPen("wide", DrawPen::SOLID, 50, 0, 0, nullptr));
+    series->SetExtension(Zel2PointSet::LEFT, 0);
+    graph->AddIn(series);
+    drawing_->Add(graph);
+    view_->Invalidate();
+    Of(view_).Paint();
+    Mapping& map = *view_->Viewer()->Root().Map();
+    const auto hit = [&](double x, double y, CSize beside = {}) {
+        return series->IsIn(map.ToDevice(graph->F2R(x, y)) + beside);
+    };
+    EXPECT_TRUE(hit(1, 5)) << "the extension";
+    EXPECT_TRUE(hit(3, 5, CSize(0, 11))) << "half of 5 mm and the reach: 12 pixels";
+    EXPECT_FALSE(hit(3, 5, CSize(0, 15)));
+    EXPECT_FALSE(hit(8, 10)) << "what lies beyond the limit is not seen";
+    series->SetPen(drawing_->RegisterPen("none", DrawPen::NONE, 1, 0, 0, nullptr));
+    EXPECT_FALSE(hit(3, 5));
+    const auto symbol = [&](const char* name, int size) {
+        return drawing_->RegisterSymbol(name, CSize(size, size), zel::SYMBOL_SQUARE, "", 0, 0, 0, 0, 0, 0,
+                                        "Arial", 80, 0, 0, nullptr, nullptr, 0);
+    };
+    for (const int size : {100, 400, 100, 100}) series->AddSymbol(symbol(std::to_string(size).c_str(), size));
+    EXPECT_TRUE(hit(5, 5, CSize(20, 0))) << "a large symbol: 19 pixels and the reach";
+    EXPECT_FALSE(hit(2, 5, CSize(-20, 0))) << "a small one";
+    Of(view_).invalid.clear();
+    series->Select(1);
+    ASSERT_FALSE(Of(view_).invalid.empty());
+    EXPECT_TRUE(Of(view_).invalid.back().PtInRect(map.ToDevice(graph->F2R(9, 1))))
+        << "its graph is repainted";
+    EXPECT_EQ(map.ToDevice(series->Cpt(0)), map.ToDevice(graph->F2R(2, 5)));
+    EXPECT_EQ(series->nCpt(), 0U);
+}
+
+// A text of two lines of 10 points, turned upwards: 15 pixels a line.
+TEST_F(Editing, TextsAreRepaintedWhereTheyStandAndEditedInPlace) {
+    drawing_->SetRules(ZelRules::EXACT);
+    auto* text = new Zel2Text("first line\nsecond", CPoint(3000, 1000), 0, DT_CENTER, 900, -1, -1, {-1, 0});
+    drawing_->Add(text);
+    view_->Invalidate();
+    Of(view_).Paint();
+    const Mapping& map = *view_->Viewer()->Root().Map();
+    const CPoint at = map.ToDevice(CPoint(3000, 1000));
+    const auto invalidated = [&](CSize from) {
+        return std::any_of(Of(view_).invalid.begin(), Of(view_).invalid.end(),
+                           [&](const CRect& part) { return part.PtInRect(at + from) != 0; });
+    };
+    text->MoveTo(CPoint(3000, 1100));
+    for (const CSize end : {CSize(1, -22), CSize(28, -22), CSize(1, 22), CSize(28, 22)})
+        EXPECT_TRUE(invalidated(end)) << end.cx << ',' << end.cy << ": upwards, centred on its point";
+    EXPECT_FALSE(invalidated(CSize(-10, 0)));
+    EXPECT_FALSE(invalidated(CSize(10, 60)));
+    Of(view_).Paint();
+    text->SetPlainText("now of one line that is a good deal longer");
+    EXPECT_TRUE(invalidated(CSize(5, -100))) << "where the new text will stand";
+    // A click on the selected text opens an editor, level over the middle.
+    Of(view_).Paint();
+    const CPoint middle = map.ToDevice(CPoint(3070, 1100));
+    view_->Viewer()->OnLButtonDown(MK_LBUTTON, middle);
+    view_->Viewer()->OnLButtonUp(0, middle);
+    EXPECT_EQ(Field(), nullptr) << "the first click selects";
+    view_->Viewer()->OnLButtonDown(MK_LBUTTON, middle);
+    view_->Viewer()->OnLButtonUp(0, middle);
+    ASSERT_TRUE(Field());
+    EXPECT_TRUE(Field()->area.PtInRect(middle));
+    EXPECT_GT(Field()->area.Width(), Field()->area.Height());
+    Field()->Type("typed");
+    view_->Invalidate();
+    EXPECT_EQ(zel::test::Letters(Of(view_).Paint()).find("now of"), std::string::npos)
+        << "no old text behind it";
+    view_->Viewer()->Selection().RemoveAll();
+    EXPECT_EQ(Field(), nullptr);
+    EXPECT_STREQ(text->GetText(), "typed");
+    EXPECT_EQ(edits_, (std::vector<zel::ViewerEdit>{zel::ViewerEdit::TEXT}));
+}
+
 // Texts at a point show where they end, and are repainted whole; pages of reports are open to the mouse.
 TEST_F(Editing, SelectsTextsAtAPointAndWhatStandsOnPages) {
     drawing_->SetRules(ZelRules::EXACT);
@@ -212,7 +296,7 @@ TEST_F(Editing, SelectsTextsAtAPointAndWhatStandsOnPages) {
     EXPECT_EQ(found(1500, 200), field);
     EXPECT_EQ(found(500, 200), (*row)[0]);
     Zel2Selection band;
-    band.SetAccumulate(1);
+    band.accumulate = 1;
     viewer.Root().SelectAt(CRect(0, 0, 400, 300), &band);
     bool inBand = false;
     for (int i = 0; i < band.GetSize(); ++i) inBand |= band[i] == field;

@@ -1,4 +1,5 @@
 #include "FakeWindows.h"
+#include "Support.h"
 
 #include <zel/platform/FrameWnd.h>
 #include <zel/zel.h>
@@ -327,6 +328,25 @@ TEST_F(Viewer, PrintsAtNaturalSizeWithoutHandles) {
     EXPECT_EQ(viewer_->GetScale(), 1500);
     EXPECT_EQ(viewer_->Root().Window(), view_);
     EXPECT_NEAR(Zoom(), 1500, 1) << "the mouse finds what is shown";
+}
+
+TEST_F(Viewer, PrintsAllPagesOfAReport) {
+    drawing_->SetRules(ZelRules::EXACT);
+    auto* report = new Zel2Report;
+    drawing_->Add(report);
+    zel::ReportPaper paper;
+    paper.footer.middle = "{page}/{pages};";
+    report->SetPaper(paper);
+    for (int page = 0; page < 3; ++page) {
+        report->Append(new Zel2Rect(CRect(0, 0, 999, 999), -1, -1, Zel2Rect::RECTANGLE, -1));
+        report->BreakPage();
+    }
+    report->MakePages();
+    for (const UINT command : {ID_FILE_PRINT_PREVIEW, ID_FILE_PRINT_DIRECT}) {
+        screen_->pages.clear();
+        Command(command);
+        EXPECT_EQ(zel::test::Letters(screen_->pages), "1/3;2/3;3/3;");
+    }
 }
 
 TEST(IdentFilter, CutsNumbersInBrackets) {

@@ -100,6 +100,20 @@ TEST_F(Files, ImagesHaveTheirSizeAndResolution) {
     image.load(QString::fromStdString(Written("d.png", options)));
     EXPECT_EQ(image.size(), QSize(295, 295));
     EXPECT_EQ(image.pixel(2, 2), 0xFFFFFFFF);
+    // Within a margin of a fifth of the paper on each side.
+    options.margin = 10;
+    options.dotsPerInch = 254;
+    image.load(QString::fromStdString(Written("e.png", options)));
+    ASSERT_EQ(image.size(), QSize(500, 500));
+    QRect inked;
+    for (int y = 0; y < 500; ++y) {
+        for (int x = 0; x < 500; ++x) {
+            if (image.pixel(x, y) != 0xFFFFFFFF) inked |= QRect(x, y, 1, 1);
+        }
+    }
+    EXPECT_NEAR(inked.left(), 100, 2);
+    EXPECT_NEAR(inked.right(), 400, 2);
+    EXPECT_NEAR(inked.center().y(), 250, 2);
 }
 
 TEST_F(Files, PrinterToolsComeFromPrinting) {
