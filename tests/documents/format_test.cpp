@@ -68,7 +68,8 @@ TEST_F(Format, HoldsForAnyTree) {
     for (unsigned seed = 0; seed < 60; ++seed)
         Write(*RandomDrawing(seed).Make(), "random" + std::to_string(seed));
     for (unsigned seed = 0; seed < 60; ++seed)
-        WriteDocument(*RandomDrawing(seed, RandomDrawing::Charts::WITH).Make(), "chart" + std::to_string(seed));
+        WriteDocument(*RandomDrawing(seed, RandomDrawing::Charts::WITH).Make(),
+                      "chart" + std::to_string(seed));
     ExpectThatAllIsRead();
 }
 
