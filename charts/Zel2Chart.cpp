@@ -444,6 +444,7 @@ int Zel2Chart::OnClick(const CPoint& pt) {
     if (!layer) return 0;
     layer->SetVisible(!layer->IsVisible());
     UpdateWindow();
+    OnNotify(this, EDITED);
     return 1;
 }
 

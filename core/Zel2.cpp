@@ -302,6 +302,10 @@ int Zel2::CptAt(const CPoint& pt) {
     return -1;
 }
 
+int Zel2::OnClick(const CPoint&) {
+    return 0;
+}
+
 int Zel2::EdgeAt(const CPoint&) {
     return -1;
 }

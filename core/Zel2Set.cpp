@@ -184,6 +184,14 @@ MouseAction Zel2Set::OnMouse(const MouseStatus& ms) {
     return answer;
 }
 
+int Zel2Set::OnClick(const CPoint& pt) {
+    for (int i = GetCount() - 1; i >= 0; --i) {
+        Zel2* const child = SlotAt(i);
+        if (child && child->OnClick(pt)) return 1;
+    }
+    return 0;
+}
+
 void Zel2Set::Serialize(CArchive& ar) {
     Zel2::Serialize(ar);
     if (ar.IsStoring()) {

@@ -145,6 +145,7 @@ void ZelViewer::PressInSelectMode(unsigned flags, const CPoint& pt) {
         selection_.accumulate = 1;
         root_.SelectAt(area, &selection_);
     } else {
+        if (root_.OnClick(pt)) return;
         rubberBand_ = flags & MK_SHIFT ? 1 : 0;
         if (!rubberBand_) selection_.RemoveAll();
         selection_.accumulate = rubberBand_;

@@ -29,6 +29,13 @@ Position::Values ValuesAt(const WorldFrame& frame, const CPoint& logical) {
             value(logical.y, frame.lower.y, frame.upper.y, frame.ymin, frame.ymax)};
 }
 
+bool IsInPlotArea(Zel2Chart& chart, const CPoint& world) {
+    CRect area = chart.PlotArea();
+    const CPoint origin = chart.AbsOrigin();
+    area.OffsetRect(origin.x, origin.y);
+    return world.x >= area.left && world.x <= area.right && world.y >= area.bottom && world.y <= area.top;
+}
+
 }  // namespace
 
 Zel2Main* DrawingView::Drawing() const {
@@ -70,7 +77,7 @@ void DrawingView::OnDraw(CDC* dc) {
 
 Position DrawingView::At(const CPoint& pixel) const {
     Mapping& map = *Viewer()->Root().Map();
-    Position position{map.FromDevice(pixel), {}};
+    Position position{map.FromDevice(pixel), {}, {}};
     CPoint origin;
     CSize extent;
     map.GetDevice(origin, extent);
@@ -80,6 +87,9 @@ Position DrawingView::At(const CPoint& pixel) const {
         Walk(*drawing, [&](Zel2& object) {
             const WorldFrame* const frame = object.Frame();
             if (frame && IsIn(*frame, logical)) position.graph = ValuesAt(*frame, logical);
+            auto* const chart = dynamic_cast<Zel2Chart*>(&object);
+            if (chart && IsInPlotArea(*chart, position.world))
+                position.chart = "x = " + chart->TextAt(0, pixel) + ", y = " + chart->TextAt(1, pixel);
         });
     }
     return position;

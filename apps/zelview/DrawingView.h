@@ -17,6 +17,7 @@ struct Position {
         double y;
     };
     std::optional<Values> graph;
+    std::string chart;  // the values of a chart's axes, as texts
 };
 
 // A document view that tells where the pointer is, can show the drawing with its printer tools, and prints

@@ -471,10 +471,11 @@ void MainWindow::ShowPosition(const Position& position) {
     lastPosition_ = position;
     position_->setText(Formatted(position.world.x) + ", " + Formatted(position.world.y) +
                        (millimetres_ ? " mm" : " in"));
-    values_->setText(
-        position.graph
-            ? QString("x = %1, y = %2").arg(position.graph->x, 0, 'g', 6).arg(position.graph->y, 0, 'g', 6)
-            : QString());
+    QString values = QString::fromStdString(position.chart);
+    if (position.graph)
+        values =
+            QString("x = %1, y = %2").arg(position.graph->x, 0, 'g', 6).arg(position.graph->y, 0, 'g', 6);
+    values_->setText(values);
 }
 
 }  // namespace zel::view

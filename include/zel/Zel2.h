@@ -138,6 +138,9 @@ class Zel2 : public CObject {
     virtual int EdgeAt(const CPoint& pt);
     virtual int IsIn(const CPoint& pt);
     virtual MouseAction OnMouse(const MouseStatus& ms);
+    // A click at a point that is not the beginning of a drag: what reacts to it by itself, such as a legend,
+    // returns 1, and nothing is selected.
+    virtual int OnClick(const CPoint& pt);
     // Selects (1) or deselects (0) and redraws; answers 1.
     virtual int Select(int on);
     // Adds the object to `sel` when it lies wholly within the device rectangle, or when it covers the point.

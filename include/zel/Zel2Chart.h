@@ -115,7 +115,7 @@ class Zel2Chart : public Zel2Set {
     void Drag(int cpt, CPoint pt) override;
     int IsIn(const CPoint& pt) override;
     // A click on an entry of the legend shows or hides its layer; 1 when there is one.
-    int OnClick(const CPoint& pt);
+    int OnClick(const CPoint& pt) override;
     void OnDraw() override;
     void OnPrint(CDC* dc, CPrintInfo* info) override;
     void OnLeave(Zel2* object) override;

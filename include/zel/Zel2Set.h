@@ -66,6 +66,8 @@ class Zel2Set : public Zel2 {
     void OnPrintGraph(CDC* dc, CPrintInfo* info) override;
     // The topmost child that is hit answers.
     MouseAction OnMouse(const MouseStatus& ms) override;
+    // The topmost child that reacts does.
+    int OnClick(const CPoint& pt) override;
     void SelectAt(const CRect& r, Zel2Selection* sel) override;
     void SelectAt(const CPoint& pt, Zel2Selection* sel) override;
 
