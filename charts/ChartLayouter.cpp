@@ -73,6 +73,12 @@ void ChartLayouter::LayOut(int level, const PlotMargins& least) {
     if (layout_.legendInside) MoveLegendInside();
 }
 
+// From an axis to its labels. Where two axes meet, the last labels of both reach around the corner: half a
+// line keeps them apart.
+int ChartLayouter::LabelDistance() const {
+    return std::max(UnitsOfPoints(kTick + kLabelGap), text_.LineHeight() / 2 + UnitsOfPoints(1));
+}
+
 bool ChartLayouter::IsTooSmall() const {
     const int least = UnitsOfPoints(kLeastPlot);
     const CSize& size = layout_.size;
@@ -288,7 +294,7 @@ void ChartLayouter::MeasureAxis(std::size_t i, int level) {
         measured_[i].titleLines = axisTitle_.Wrapped(title, std::max(length, 1.0), 2);
     }
     const Measured& m = measured_[i];
-    axis.thickness = UnitsOfPoints(kTick + kLabelGap) + m.labels + m.contexts;
+    axis.thickness = LabelDistance() + m.labels + m.contexts;
     // A factor of a horizontal axis stands in the line of the title, that of a vertical one above the axis.
     const bool hasLine = !m.titleLines.empty() || (source.IsHorizontal() && !axis.ticks.factor.empty());
     if (hasLine)
@@ -414,7 +420,7 @@ PlotMargins ChartLayouter::MarginsOfAxes() {
 
 void ChartLayouter::PlaceLabels(PlacedAxis& axis, const Measured& measured) {
     const Box& plot = layout_.plot;
-    const int away = UnitsOfPoints(kTick + kLabelGap);
+    const int away = LabelDistance();
     for (Tick& tick : axis.ticks.major) {
         const auto place = axis.scale.PlaceOf(tick.value);
         if (!place || *place < -1e-9 || *place > 1 + 1e-9) continue;
@@ -466,8 +472,8 @@ void ChartLayouter::PlaceLabels(PlacedAxis& axis, const Measured& measured) {
 // In the middle of the axis, outside its labels; a factor at its end.
 void ChartLayouter::PlaceAxisTitle(PlacedAxis& axis, const Measured& measured) {
     const Box& plot = layout_.plot;
-    const int outer = axis.offset + UnitsOfPoints(kTick + kLabelGap) + measured.labels + measured.contexts +
-                      UnitsOfPoints(kLabelGap);
+    const int outer =
+        axis.offset + LabelDistance() + measured.labels + measured.contexts + UnitsOfPoints(kLabelGap);
     const int line = axisTitle_.LineHeight();
     const bool horizontal = axis.side == Side::BOTTOM || axis.side == Side::TOP;
     const auto count = static_cast<int>(measured.titleLines.size());
@@ -494,19 +500,26 @@ void ChartLayouter::PlaceAxisTitle(PlacedAxis& axis, const Measured& measured) {
                                     horizontal ? 0 : 900));
     }
     if (axis.ticks.factor.empty()) return;
-    const int high = plot.top + text_.LineHeight() * 3 / 5;
-    if (axis.side == Side::BOTTOM)
-        axis.texts.push_back(
-            Placed(text_, fonts_.text, axis.ticks.factor, {plot.right, plot.bottom - outer}, DT_RIGHT));
-    if (axis.side == Side::TOP)
-        axis.texts.push_back(Placed(text_, fonts_.text, axis.ticks.factor, {plot.right, plot.top + outer},
-                                    DT_RIGHT | DT_BOTTOM));
-    if (axis.side == Side::LEFT)
-        axis.texts.push_back(Placed(text_, fonts_.text, axis.ticks.factor, {plot.left - axis.offset, high},
-                                    DT_BOTTOM | DT_RIGHT));
-    if (axis.side == Side::RIGHT)
-        axis.texts.push_back(
-            Placed(text_, fonts_.text, axis.ticks.factor, {plot.right + axis.offset, high}, DT_BOTTOM));
+    const int high = plot.top + text_.LineHeight() * 3 / 5, width = Up(text_.WidthOf(axis.ticks.factor));
+    CPoint at;
+    unsigned flags = DT_BOTTOM;
+    switch (axis.side) {
+        case Side::BOTTOM:
+            at = {plot.right, plot.bottom - outer};
+            flags = DT_RIGHT;
+            break;
+        case Side::TOP:
+            at = {plot.right, plot.top + outer};
+            flags = DT_RIGHT | DT_BOTTOM;
+            break;
+        case Side::LEFT:
+            at = {std::max(plot.left - axis.offset, inner_.left + width), high};
+            flags = DT_RIGHT | DT_BOTTOM;
+            break;
+        default:
+            at = {std::min(plot.right + axis.offset, inner_.right - width), high};
+    }
+    axis.texts.push_back(Placed(text_, fonts_.text, axis.ticks.factor, at, flags));
 }
 
 }  // namespace zel

@@ -59,6 +59,7 @@ class ChartLayouter {
     void PlaceAxisTitle(PlacedAxis& axis, const Measured& measured);
     PlacedText Placed(const TextRuler& ruler, int font, const std::string& text, CPoint at, unsigned flags,
                       int angle = 0) const;
+    int LabelDistance() const;
     bool IsTooSmall() const;
 
     Zel2Chart& chart_;

@@ -93,8 +93,8 @@ void Zel2LineLayer::SetDefaults() {
         return;
     }
     constexpr double kTenthsOfMillimetrePerPoint = 254.0 / 72;
-    pen_ = RegisterOwnPen(StyleOf(dash_),
-                          std::max(0, static_cast<int>(std::lround(width_ * kTenthsOfMillimetrePerPoint))));
+    pen_ = RegisterOwnPen(StyleOf(dash_), static_cast<int>(std::lround(std::clamp(width_, 0.0, 1000.0) *
+                                                                       kTenthsOfMillimetrePerPoint)));
 }
 
 void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {

@@ -8,12 +8,19 @@ class DrawFont;
 
 namespace zel {
 
-// World units: thousandths of an inch.
+// World units: thousandths of an inch. Lengths that no chart has are cut to a kilometre.
+inline int UnitsOfInches(double inches) {
+    constexpr double kMost = 4e7;
+    const double units = inches * 1000;
+    return static_cast<int>(units >= -kMost && units <= kMost ? units + (units < 0 ? -0.5 : 0.5)
+                            : units > 0                       ? kMost
+                                                              : 0);
+}
 inline int UnitsOfPoints(double points) {
-    return static_cast<int>(points * 1000 / 72 + (points < 0 ? -0.5 : 0.5));
+    return UnitsOfInches(points / 72);
 }
 inline int UnitsOfMillimetres(double mm) {
-    return static_cast<int>(mm * 1000 / 25.4 + (mm < 0 ? -0.5 : 0.5));
+    return UnitsOfInches(mm / 25.4);
 }
 
 // Measures texts in one font, by the design of its letters: the same for every output. World units.

@@ -77,8 +77,11 @@ void Zel2Chart::CheckAxes(const Zel2Layer& layer) {
 
 int Zel2Chart::Add(Zel2* child) {
     std::unique_ptr<Zel2> owned(child);
-    if (const auto* layer = dynamic_cast<Zel2Layer*>(child)) CheckAxes(*layer);
+    auto* const layer = dynamic_cast<Zel2Layer*>(child);
+    if (layer) CheckAxes(*layer);
     const int index = Zel2Set::Add(owned.release());
+    // A layer keeps the colour of its place, also when one before it goes.
+    if (layer && Pens() && Colors() && Symbols()) layer->SetDefaults();
     Changed();
     return index;
 }

@@ -203,17 +203,12 @@ std::vector<std::pair<double, double>> Zel2XYLayer::Sample(const zel::Scale& x, 
 
 void Zel2XYLayer::Serialize(CArchive& ar) {
     Zel2Layer::Serialize(ar);
-    if (ar.IsStoring() && source_) {
-        // What a series shows now; where it came from stays with the host.
-        std::vector<double> xs, ys;
-        for (long i = 0; i < static_cast<long>(source_->NPoints()); ++i) {
-            xs.push_back(source_->X(i));
-            ys.push_back(source_->Y(i));
-        }
-        zel::Column x(std::move(xs)), y(std::move(ys));
-        x.Serialize(ar);
-        y.Serialize(ar);
-        return;
+    bool hasSource = source_ != nullptr;
+    zel::ExchangeFlag(ar, hasSource);
+    if (ar.IsLoading()) {
+        source_ = hasSource ? zel::ReadOwned<Zel2PointSet>(ar) : nullptr;
+    } else if (hasSource) {
+        ar.WriteObject(source_.get());
     }
     x_.Serialize(ar);
     y_.Serialize(ar);

@@ -74,7 +74,12 @@ void Zel2DaoPointSet::ReadPoints(CDaoRecordset& records, const char* xVar, const
     const bool gaps = nulls_ == Nulls::GAP;
     const DBField xField = FieldOf(records, xVar, 0, gaps);
     const DBField yField = FieldOf(records, yVar, 1, gaps);
-    const bool years = dates_ == Dates::YEARS && xField.Type() == dbDate;
+    hasDates_ = xField.Type() == dbDate;
+    const auto valueOf = [this](double days) {
+        if (!hasDates_ || !std::isfinite(days) || dates_ == Dates::DAYS) return days;
+        constexpr double kDaysFrom1970To1990 = 7305, kSecondsPerDay = 86'400;
+        return dates_ == Dates::YEARS ? YearOf(days) : (days + kDaysFrom1970To1990) * kSecondsPerDay;
+    };
     std::vector<double>& xs = *GetXVec();
     std::vector<double>& ys = *GetYVec();
     PointsChanged();  // nothing is drawn before all is read
@@ -84,7 +89,7 @@ void Zel2DaoPointSet::ReadPoints(CDaoRecordset& records, const char* xVar, const
         if (records.IsEOF()) break;
         const double x = xField;
         const double y = yField;
-        Append(years && std::isfinite(x) ? YearOf(x) : x, y);
+        Append(valueOf(x), y);
         records.MoveNext();
     }
 }
@@ -108,10 +113,10 @@ void Zel2DaoPointSet::Serialize(CArchive& ar) {
     Zel2PointArray::Serialize(ar);
     if (!zel::IsComplete(ar)) return;
     bool gaps = nulls_ == Nulls::GAP;
-    bool years = dates_ == Dates::YEARS;
+    BYTE dates = static_cast<BYTE>(dates_);
     zel::ExchangeFlag(ar, gaps);
-    zel::ExchangeFlag(ar, years);
+    zel::Exchange(ar, dates);
     nulls_ = gaps ? Nulls::GAP : Nulls::ZERO;
-    dates_ = years ? Dates::YEARS : Dates::DAYS;
+    dates_ = dates <= static_cast<BYTE>(Dates::SECONDS) ? static_cast<Dates>(dates) : Dates::DAYS;
     zel::Exchange(ar, source_.database, source_.connect, source_.table, source_.x, source_.y, source_.where);
 }

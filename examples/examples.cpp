@@ -1,6 +1,9 @@
 #include "apps/zel/Csv.h"
 #include "examples/gallery.h"
 
+#include <chrono>
+#include <cmath>
+
 namespace {
 
 std::unique_ptr<Zel2Main> MakeReport(const std::string& folder) {
@@ -20,10 +23,29 @@ std::vector<Example> GalleryExamples() {
 std::vector<Example> AllExamples() {
     std::vector<Example> all = GalleryExamples();
     for (const Example& picture : DocumentationPictures()) all.push_back(picture);
+    for (const Example& chart : ChartPictures()) all.push_back(chart);
     all.push_back({"report", MakeReport});
     return all;
 }
 
+std::vector<double> ValuesOf(const zel::Column& column) {
+    using namespace std::chrono;
+    std::vector<double> values;
+    for (std::size_t i = 0; i < column.Size(); ++i) {
+        double value = column.At(i);
+        if (column.GetKind() == zel::Column::Kind::TIMES && std::isfinite(value)) {
+            const auto time = sys_seconds(seconds(std::llround(column.Origin() + value)));
+            const year_month_day date(floor<days>(time));
+            const auto begin = sys_days(date.year() / January / 1),
+                       end = sys_days((date.year() + years(1)) / January / 1);
+            value = static_cast<int>(date.year()) +
+                    duration<double>(time - begin) / duration<double>(end - begin);
+        }
+        values.push_back(value);
+    }
+    return values;
+}
+
 std::vector<double> ReadColumn(const std::string& path, const std::string& name) {
-    return zel::cli::CsvTable::Read(path).Column(name);
+    return ValuesOf(zel::cli::CsvTable::Read(path).Column(name));
 }

@@ -67,12 +67,14 @@ void DrawReport(const std::string& data, const fs::path& out) {
 }
 
 // The pictures of the documentation, as PNG files.
-void DrawPictures(const fs::path& out) {
+void DrawPictures(const std::string& data, const fs::path& out) {
     fs::create_directories(out);
     zel::ExportOptions options;
     options.dotsPerInch = 80;
-    for (const Example& picture : DocumentationPictures()) {
-        const std::unique_ptr<Zel2Main> drawing = picture.make("");
+    std::vector<Example> pictures = DocumentationPictures();
+    for (const Example& chart : ChartPictures()) pictures.push_back(chart);
+    for (const Example& picture : pictures) {
+        const std::unique_ptr<Zel2Main> drawing = picture.make(data);
         const std::string path = out / (picture.name + ".png");
         // With classic rules the second draw is the one that shows what was meant.
         zel::Export(*drawing, path.c_str(), options);
@@ -86,7 +88,7 @@ int DrawGallery(const std::string& data, const fs::path& out) {
     int equal = 0;
     for (const Example& example : examples) equal += DrawExample(example, data, out) ? 1 : 0;
     DrawReport(data, out);
-    DrawPictures(out / "pictures");
+    DrawPictures(data, out / "pictures");
     const int count = static_cast<int>(examples.size());
     std::printf("%d of %d drawings came back from their documents with the same picture.\n", equal, count);
     return equal == count ? 0 : 1;

@@ -15,9 +15,12 @@ struct Example {
 // The drawings of the gallery; the pictures that the documentation shows; these, those and the report.
 std::vector<Example> GalleryExamples();
 std::vector<Example> DocumentationPictures();
+std::vector<Example> ChartPictures();
 std::vector<Example> AllExamples();
 
-// A column of a CSV file; dates become decimal years.
+// The numbers of a column; times become decimal years.
+std::vector<double> ValuesOf(const zel::Column& column);
+// The same of a column of a CSV file.
 std::vector<double> ReadColumn(const std::string& path, const std::string& name);
 
 std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder);

@@ -32,8 +32,9 @@ struct Weather {
 
 Weather ReadWeather(const std::string& folder) {
     const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
-    return {table.Column("date"),     table.Column("precipitation"), table.Column("temp_max"),
-            table.Column("temp_min"), table.Column("wind"),          table.Rows()};
+    const auto values = [&table](const char* name) { return ValuesOf(table.Column(name)); };
+    return {values("date"),     values("precipitation"), values("temp_max"),
+            values("temp_min"), values("wind"),          table.Rows()};
 }
 
 std::string Fixed(double value) {

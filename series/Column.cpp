@@ -1,6 +1,7 @@
 #include "core/ArchiveFields.h"
 
 #include <zel/Column.h>
+#include <zel/Error.h>
 #include <zel/platform/Exception.h>
 
 #include <algorithm>
@@ -12,6 +13,13 @@ namespace zel {
 namespace {
 
 constexpr std::int64_t kAbsent = std::numeric_limits<std::int64_t>::min();
+
+std::int64_t TickAt(const std::int64_t* first, std::ptrdiff_t stride, std::size_t i) {
+    std::int64_t tick;
+    std::memcpy(&tick, reinterpret_cast<const char*>(first) + static_cast<std::ptrdiff_t>(i) * stride,
+                sizeof tick);
+    return tick;
+}
 
 }  // namespace
 
@@ -69,18 +77,15 @@ Column Column::TimesView(std::span<const std::int64_t> ticks, std::int64_t perSe
 // Counted from the whole second of the first time there is.
 void Column::SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t stride,
                       std::int64_t perSecond) {
-    if (perSecond < 1) AfxThrowInvalidArgException("Cannot read times of less than one tick a second.");
+    if (perSecond < 1) throw Error("Cannot read times: there must be at least one tick to a second");
     kind_ = Kind::TIMES;
     size_ = n;
     perSecond_ = perSecond;
     std::int64_t second = 0;
     for (std::size_t i = 0; i < n; ++i) {
-        const auto* const tick = reinterpret_cast<const std::int64_t*>(
-            reinterpret_cast<const char*>(first) + static_cast<std::ptrdiff_t>(i) * stride);
-        std::int64_t value;
-        std::memcpy(&value, tick, sizeof value);
-        if (value == kAbsent) continue;
-        second = value / perSecond;
+        const std::int64_t tick = TickAt(first, stride, i);
+        if (tick == kAbsent) continue;
+        second = tick / perSecond;
         break;
     }
     origin_ = static_cast<double>(second);
@@ -91,8 +96,13 @@ void Column::SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t s
 
 SeriesValues Column::ValuesFrom(double origin) const {
     if (kind_ != Kind::TIMES) return values_;
-    return SeriesValues(ticks_, stride_, static_cast<std::int64_t>(origin) * perSecond_,
-                        static_cast<double>(perSecond_));
+    constexpr double kMost = 9.2e18;  // below the end of 64 bits
+    std::int64_t ticks = static_cast<std::int64_t>(std::clamp(origin, -kMost, kMost));
+    // So far away no digit is left to keep.
+    if (__builtin_mul_overflow(ticks, perSecond_, &ticks))
+        ticks =
+            static_cast<std::int64_t>(std::clamp(origin * static_cast<double>(perSecond_), -kMost, kMost));
+    return SeriesValues(ticks_, stride_, ticks, static_cast<double>(perSecond_));
 }
 
 const std::vector<std::string>& Column::Names() const {
@@ -100,39 +110,34 @@ const std::vector<std::string>& Column::Names() const {
     return names_ ? *names_ : none;
 }
 
+// Every kind has the same fields; those that are not its own are empty.
 void Column::Serialize(CArchive& ar) {
     int kind = static_cast<int>(kind_);
+    std::vector<std::int64_t> ticks;
+    std::vector<double> numbers;
+    std::vector<std::string> names = Names();
+    for (std::size_t i = 0; ar.IsStoring() && i < size_; ++i) {
+        if (kind_ == Kind::TIMES) {
+            ticks.push_back(TickAt(ticks_, stride_, i));
+        } else {
+            numbers.push_back(values_.At(i));
+        }
+    }
     ExchangeText(ar, name_);
     ExchangeText(ar, unit_);
-    Exchange(ar, kind);
+    Exchange(ar, kind, perSecond_);
+    ExchangeList(ar, ticks);
+    ExchangeList(ar, numbers);
+    ExchangeTexts(ar, names);
+    if (ar.IsLoading()) Take(ar, kind, std::move(ticks), std::move(numbers), std::move(names));
+}
+
+void Column::Take(CArchive& ar, int kind, std::vector<std::int64_t> ticks, std::vector<double> numbers,
+                  std::vector<std::string> names) {
     if (kind == static_cast<int>(Kind::TIMES)) {
-        std::vector<std::int64_t> ticks;
-        Exchange(ar, perSecond_);
-        if (ar.IsStoring()) {
-            ticks.reserve(size_);
-            const auto base = static_cast<std::int64_t>(origin_) * perSecond_;
-            const SeriesValues& values = values_;
-            for (std::size_t i = 0; i < size_; ++i) {
-                const double value = values.At(i) * static_cast<double>(perSecond_);
-                ticks.push_back(std::isfinite(value) ? base + std::llround(value) : kAbsent);
-            }
-        }
-        ExchangeList(ar, ticks);
-        if (ar.IsStoring()) return;
         if (perSecond_ < 1) ar.Fail(CArchiveException::genericException, "times have no ticks to a second");
         *this = Times(std::move(ticks), perSecond_).SetName(name_).SetUnit(unit_);
-        return;
-    }
-    std::vector<double> numbers;
-    if (ar.IsStoring()) {
-        numbers.resize(size_);
-        for (std::size_t i = 0; i < size_; ++i) numbers[i] = values_.At(i);
-    }
-    ExchangeList(ar, numbers);
-    std::vector<std::string> names = Names();
-    if (kind == static_cast<int>(Kind::TEXTS)) ExchangeTexts(ar, names);
-    if (ar.IsStoring()) return;
-    if (kind == static_cast<int>(Kind::TEXTS)) {
+    } else if (kind == static_cast<int>(Kind::TEXTS)) {
         std::vector<std::int32_t> codes;
         codes.reserve(numbers.size());
         for (const double number : numbers) {
@@ -140,9 +145,9 @@ void Column::Serialize(CArchive& ar) {
             codes.push_back(known ? static_cast<std::int32_t>(number) : -1);
         }
         SetCodes(std::move(codes), std::move(names));
-        return;
+    } else {
+        *this = Column(std::move(numbers)).SetName(name_).SetUnit(unit_);
     }
-    *this = Column(std::move(numbers)).SetName(name_).SetUnit(unit_);
 }
 
 }  // namespace zel

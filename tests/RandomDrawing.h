@@ -13,7 +13,9 @@ namespace zel::test {
 // A tree of random depth, classes and state.
 class RandomDrawing {
   public:
-    explicit RandomDrawing(unsigned seed) : random_(seed) {}
+    // Classic archives cannot hold charts.
+    enum class Charts { WITHOUT, WITH };
+    explicit RandomDrawing(unsigned seed, Charts charts = Charts::WITHOUT) : random_(seed), charts_(charts) {}
     std::unique_ptr<Zel2Main> Make() {
         auto root = std::make_unique<Zel2Main>();
         root->SetRules(Below(2) ? ZelRules::EXACT : ZelRules::CLASSIC);
@@ -38,6 +40,7 @@ class RandomDrawing {
                              0, 0, xs, ys, 3);
         if (Below(4) == 0) root->Map()->SetAbsoluteZoom(1 + Below(4), 1 + Below(4));
         Fill(*root, 3);
+        if (charts_ == Charts::WITH) AddChart(*root);
         return root;
     }
 
@@ -139,6 +142,78 @@ class RandomDrawing {
             default:
                 AddGraph(set, depth);
                 break;
+        }
+    }
+    std::vector<double> Numbers() {
+        std::vector<double> numbers;
+        for (int i = Below(9); i >= 0; --i)
+            numbers.push_back(Below(9) ? Below(2000) / 10.0 - 50 : std::nan(""));
+        return numbers;
+    }
+    zel::Column Data() {
+        zel::Column column;
+        switch (Below(3)) {
+            case 0:
+                column = Numbers();
+                break;
+            case 1:
+                column = zel::Column::Times({1'600'000'000'000 + Below(1 << 30), 1'600'000'000'000}, 1000);
+                break;
+            default:
+                column = std::vector<std::string>{"one", "", "two", "one"};
+        }
+        return column.SetName(Below(2) ? "column" : "").SetUnit("m");
+    }
+    void SetAxis(zel::ChartAxis& axis) {
+        if (Below(3) == 0) axis.SetRange(Below(100) + 1, Below(100) + 200);
+        if (Below(4) == 0) axis.SetLogarithm(Below(2) ? 2 : 10);
+        if (Below(6) == 0) axis.SetTime("Europe/Berlin");
+        if (Below(6) == 0) axis.SetCategories({"two", "one"});
+        if (Below(4) == 0) axis.SetTicks({{5, "five", "a context"}});
+        if (Below(4) == 0) axis.SetIncluded(0);
+        axis.SetTitle(Below(2) ? "title" : "").SetUnit(Below(2) ? "kg" : "").SetReversed(Below(4) == 0);
+        axis.Show(Below(5) != 0).ShowGrid(Below(3) != 0).ShowMinorGrid(Below(3) == 0);
+        zel::NumberFormat format;
+        format.decimals = Below(4) - 1;
+        format.percent = Below(5) == 0;
+        axis.SetFormat(format);
+    }
+    void AddChart(Zel2Set& set) {
+        zel::ChartOptions options{
+            .title = Below(2) ? "Title" : "", .subtitle = "below it", .caption = Below(2) ? "source" : ""};
+        options.size = {20.0 + Below(150), 20.0 + Below(100)};
+        options.legend = static_cast<zel::LegendPlace>(Below(6));
+        auto* chart = set.Add(std::make_unique<Zel2Chart>(options));
+        chart->Origin(CPoint(Below(900), Below(900)));
+        if (Below(3) == 0) chart->Y2().SetTitle("second");
+        SetAxis(chart->X());
+        SetAxis(chart->Y());
+        for (int i = Below(5); i >= 0; --i) {
+            zel::LayerOptions layer{.name = Below(2) ? "layer " + std::to_string(i) : "",
+                                    .opacity = Below(5) / 4.0};
+            if (Below(2)) layer.color = zel::Color(static_cast<COLORREF>(Below(1 << 24)));
+            switch (Below(5)) {
+                case 0:
+                    chart->AddLine(Data(), Data(),
+                                   {layer, Below(30) / 10.0, static_cast<zel::Dash>(Below(5)),
+                                    static_cast<zel::Step>(Below(4))});
+                    break;
+                case 1:
+                    chart->AddArea(Data(), Data(), {layer, Below(3) - 1.0, Below(2) != 0});
+                    break;
+                case 2:
+                    chart->AddArea(Data(), Data(), Data(), {layer});
+                    break;
+                case 3:
+                    chart->AddPoints(Data(), Data(), {layer, Below(9) + 1.0});
+                    break;
+                default: {
+                    auto series = std::make_unique<Zel2PointArray>();
+                    series->SetPoints(Numbers(), Numbers());
+                    chart->AddLine(std::move(series), {layer});
+                }
+            }
+            if (Below(6) == 0) chart->Layers().back()->SetVisible(false);
         }
     }
     // What drawings seldom hold by itself.
@@ -268,6 +343,7 @@ class RandomDrawing {
         Fill(*graph, depth - 1);
     }
     std::mt19937 random_;
+    Charts charts_;
 };
 
 }  // namespace zel::test

@@ -3,9 +3,9 @@
 #include <zel/platform/Warning.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstring>
 #include <csv.h>
@@ -59,10 +59,6 @@ class Parser {
     csv_parser parser_{};
 };
 
-bool IsLeap(int year) {
-    return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-}
-
 // Reads `digits` digits; false when they are not there.
 bool TakeNumber(std::string_view& text, std::size_t digits, int& number) {
     if (text.size() < digits) return false;
@@ -78,37 +74,40 @@ bool TakeCharacter(std::string_view& text, std::string_view allowed) {
     return true;
 }
 
-// The year, and how much of it has passed; NaN for what is no date.
-double DecimalYear(std::string_view text) {
-    static constexpr std::array kDaysBefore = {0, 31, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334};
-    static constexpr std::array kDays = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-    if (!TakeNumber(text, 4, year) || !TakeCharacter(text, "-/") || !TakeNumber(text, 2, month) ||
-        !TakeCharacter(text, "-/") || !TakeNumber(text, 2, day) || month < 1 || month > 12)
-        return kNoValue;
-    const auto m = static_cast<std::size_t>(month - 1);
-    if (day < 1 || day > kDays[m] + (month == 2 && IsLeap(year) ? 1 : 0)) return kNoValue;
-    if (TakeCharacter(text, "T ")) {
-        if (!TakeNumber(text, 2, hour) || !TakeCharacter(text, ":") || !TakeNumber(text, 2, minute))
-            return kNoValue;
-        if (TakeCharacter(text, ":") && !TakeNumber(text, 2, second)) return kNoValue;
-    }
-    const int dayOfYear = kDaysBefore[m] + day - 1 + (month > 2 && IsLeap(year) ? 1 : 0);
-    const double days = dayOfYear + (hour + (minute + second / 60.0) / 60.0) / 24.0;
-    return year + days / (IsLeap(year) ? 366 : 365);
+std::string_view Trimmed(std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    return text;
 }
 
 }  // namespace
 
 double CellValue(const std::string& cell) {
-    std::string_view text(cell);
-    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    std::string_view text = Trimmed(cell);
     if (!text.empty() && text.front() == '+') text.remove_prefix(1);
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (!text.empty() && error == std::errc() && end == text.data() + text.size()) return value;
-    return DecimalYear(text);
+    return !text.empty() && error == std::errc() && end == text.data() + text.size() ? value : kNoValue;
+}
+
+std::optional<std::int64_t> CellTime(const std::string& cell) {
+    std::string_view text = Trimmed(cell);
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    if (!TakeNumber(text, 4, year) || !TakeCharacter(text, "-/") || !TakeNumber(text, 2, month) ||
+        !TakeCharacter(text, "-/") || !TakeNumber(text, 2, day))
+        return std::nullopt;
+    const std::chrono::year_month_day date(std::chrono::year(year),
+                                           std::chrono::month(static_cast<unsigned>(month)),
+                                           std::chrono::day(static_cast<unsigned>(day)));
+    if (!date.ok()) return std::nullopt;
+    if (TakeCharacter(text, "T ")) {
+        if (!TakeNumber(text, 2, hour) || !TakeCharacter(text, ":") || !TakeNumber(text, 2, minute))
+            return std::nullopt;
+        if (TakeCharacter(text, ":") && !TakeNumber(text, 2, second)) return std::nullopt;
+    }
+    const auto time = std::chrono::sys_days(date) + std::chrono::hours(hour) + std::chrono::minutes(minute) +
+                      std::chrono::seconds(second);
+    return std::chrono::duration_cast<std::chrono::seconds>(time.time_since_epoch()).count();
 }
 
 CsvTable CsvTable::Read(const std::string& path) {
@@ -150,27 +149,51 @@ std::size_t CsvTable::IndexOf(const std::string& name) const {
     throw Error("Cannot find the column \"" + name + "\" in \"" + path_ + "\"; it has: " + known);
 }
 
-std::vector<double> CsvTable::Column(const std::string& name) const {
+bool CsvTable::IsOfTimes(std::size_t column) const {
+    std::size_t times = 0, numbers = 0;
+    for (const auto& row : rows_) {
+        if (column >= row.size() || row[column].empty()) continue;
+        if (CellTime(row[column])) {
+            ++times;
+        } else if (std::isfinite(CellValue(row[column]))) {
+            ++numbers;
+        }
+    }
+    return times > numbers;
+}
+
+zel::Column CsvTable::Column(const std::string& name) const {
     const std::size_t index = IndexOf(name);
+    const bool ofTimes = IsOfTimes(index);
     std::vector<double> values;
-    values.reserve(rows_.size());
+    std::vector<std::int64_t> times;
     bool any = false;
     for (const auto& row : rows_) {
-        values.push_back(index < row.size() ? CellValue(row[index]) : kNoValue);
-        any = any || std::isfinite(values.back());
+        const std::string cell = index < row.size() ? row[index] : "";
+        if (ofTimes) {
+            const auto time = CellTime(cell);
+            times.push_back(time.value_or(std::numeric_limits<std::int64_t>::min()));
+            any = any || time;
+        } else {
+            values.push_back(CellValue(cell));
+            any = any || std::isfinite(values.back());
+        }
     }
     if (!any)
         throw Error("Cannot use the column \"" + name + "\" of \"" + path_ +
                     "\": it holds no numbers or dates");
     WarnOfWords(index);
-    return values;
+    zel::Column column = ofTimes ? zel::Column::Times(std::move(times), 1) : zel::Column(std::move(values));
+    return column.SetName(names_[index]);
 }
 
 void CsvTable::WarnOfWords(std::size_t column) const {
     std::size_t count = 0;
     std::string first;
+    const bool ofTimes = IsOfTimes(column);
     for (const auto& row : rows_) {
-        if (column >= row.size() || row[column].empty() || std::isfinite(CellValue(row[column]))) continue;
+        if (column >= row.size() || row[column].empty()) continue;
+        if (ofTimes ? CellTime(row[column]).has_value() : std::isfinite(CellValue(row[column]))) continue;
         if (count++ == 0) first = row[column];
     }
     if (count > 0)

@@ -1,6 +1,10 @@
 // Tables of values from CSV files.
 #pragma once
 
+#include <zel/Column.h>
+
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -27,15 +31,18 @@ class CsvTable {
     // The cells of a row; there may be fewer or more than names.
     const std::vector<std::string>& Row(std::size_t i) const { return rows_[i]; }
 
-    // The values of a column, by its name or its number from 1. Empty cells and cells that are no number are
-    // NaN; dates ("2012-01-31", with a time after "T" or a blank) are decimal years. Throws Error for a
-    // column that does not exist or holds no value at all, and warns of cells that hold none.
-    std::vector<double> Column(const std::string& name) const;
+    // A column by its name or its number from 1: times where most of its cells are dates ("2012-01-31", with
+    // a time after "T" or a blank), else numbers; its name is that of the table. Empty cells and cells of
+    // another kind are absent. Throws Error for a column that does not exist or holds no value at all, and
+    // warns of cells that hold none.
+    zel::Column Column(const std::string& name) const;
     // Says how many cells of a column, from 0, are neither empty nor a value, and what the first of them is.
     void WarnOfWords(std::size_t column) const;
 
   private:
     std::size_t IndexOf(const std::string& name) const;
+    // Whether more cells are dates than numbers.
+    bool IsOfTimes(std::size_t column) const;
     void WarnOfFieldsBeyondNames() const;
 
     std::string path_;
@@ -43,7 +50,9 @@ class CsvTable {
     std::vector<std::vector<std::string>> rows_;
 };
 
-// The value of a cell as CsvTable::Column takes it.
+// The number in a cell; NaN for anything else.
 double CellValue(const std::string& cell);
+// The seconds since 1970 of a date in a cell; none for anything else.
+std::optional<std::int64_t> CellTime(const std::string& cell);
 
 }  // namespace zel::cli

@@ -51,7 +51,7 @@ Series ReadOne(CDaoDatabase& database, const DatabaseChoice& choice, const std::
                const std::string& y) {
     const auto points = std::make_shared<Zel2DaoPointSet>();
     points->SetNulls(Zel2DaoPointSet::Nulls::GAP);
-    points->SetDates(Zel2DaoPointSet::Dates::YEARS);
+    points->SetDates(Zel2DaoPointSet::Dates::SECONDS);
     const CaughtMessage message;
     const int created =
         points->Create(&database, choice.table.c_str(), x.c_str(), y.c_str(), ConditionOf(choice).c_str());

@@ -28,7 +28,7 @@ bool IsDatabaseFile(const std::string& name);
 
 // A column's name for titles, without the quotes that SQL wants.
 std::string ColumnTitle(const std::string& column);
-// A series of each of `ys`. Dates on x become decimal years, nulls are gaps. Throws Error.
+// A series of each of `ys`. Dates on x are seconds since 1970, nulls are gaps. Throws Error.
 std::vector<Series> ReadSeries(const DatabaseChoice& choice, const std::string& x,
                                const std::vector<std::string>& ys);
 

@@ -1,4 +1,4 @@
-// A figure of one graph with titles and a legend.
+// A figure of one chart.
 #pragma once
 
 #include <zel/zel.h>
@@ -13,13 +13,9 @@ namespace zel::cli {
 
 struct Series {
     std::string name;
-    std::vector<double> x;
-    std::vector<double> y;
+    zel::Column x, y;
     // Has the points instead of `x` and `y` when they come from a database.
     std::shared_ptr<Zel2DaoPointSet> source;
-
-    const std::vector<double>& X() const { return source ? source->XValues() : x; }
-    const std::vector<double>& Y() const { return source ? source->YValues() : y; }
 };
 
 struct FigureOptions {

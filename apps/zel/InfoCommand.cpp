@@ -76,6 +76,11 @@ void PrintObject(Zel2& object, const std::string& indent) {
     if (auto* points = dynamic_cast<Zel2PointSet*>(&object))
         std::cout << "  " << points->NPoints() << " points";
     if (auto* series = dynamic_cast<Zel2DaoPointSet*>(&object)) PrintSource(*series);
+    if (auto* layer = dynamic_cast<Zel2Layer*>(&object))
+        std::cout << "  \"" << layer->Name() << "\"  " << layer->Rows() << " rows";
+    auto* const xy = dynamic_cast<Zel2XYLayer*>(&object);
+    if (auto* series = xy ? dynamic_cast<Zel2DaoPointSet*>(xy->Source()) : nullptr) PrintSource(*series);
+    if (auto* chart = dynamic_cast<Zel2Chart*>(&object)) std::cout << "  \"" << chart->Title() << "\"";
     if (auto* text = dynamic_cast<Zel2Text*>(&object)) std::cout << "  \"" << text->GetText() << "\"";
     if (auto* graph = dynamic_cast<Zel2Graph*>(&object)) {
         double x0, y0, x1, y1;

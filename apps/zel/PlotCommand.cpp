@@ -31,7 +31,7 @@ std::vector<Series> ReadSeries(const PlotChoice& choice) {
         throw Error("Cannot plot: either a CSV file or --db must say where the data is");
     if (choice.input.empty()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
     const CsvTable table = CsvTable::Read(choice.input);
-    const std::vector<double> x = table.Column(choice.x);
+    const zel::Column x = table.Column(choice.x);
     std::vector<Series> series;
     for (const std::string& y : choice.ys) series.push_back({y, x, table.Column(y), nullptr});
     return series;
@@ -44,7 +44,12 @@ void Plot(PlotChoice& choice) {
     figure.symbols = figure.symbols || (choice.noLine && !figure.fill);
     figure.xRange = RangeOf(choice.xRange, "--x-range");
     figure.yRange = RangeOf(choice.yRange, "--y-range");
-    if (figure.xTitle.empty()) figure.xTitle = choice.input.empty() ? ColumnTitle(choice.x) : choice.x;
+    // A date says by itself what it is.
+    const bool ofDates =
+        !series.empty() && (series.front().source ? series.front().source->HasDates()
+                                                  : series.front().x.GetKind() == zel::Column::Kind::TIMES);
+    if (figure.xTitle.empty() && !ofDates)
+        figure.xTitle = choice.input.empty() ? ColumnTitle(choice.x) : series.front().x.Name();
     if (figure.yTitle.empty() && choice.ys.size() == 1) figure.yTitle = series.front().name;
     if (!choice.size.empty()) {
         figure.width = choice.size[0];
@@ -75,7 +80,7 @@ void AddPlotCommand(CLI::App& app) {
     AddDatabaseOptions(*command, choice->database);
     command
         ->add_option("--x", choice->x,
-                     "Column of the x values, by name or number; dates become decimal years")
+                     "Column of the x values, by name or number; a column of dates makes a time axis")
         ->required();
     command->add_option("--y", choice->ys, "Column of y values; repeat it for several series")
         ->required()

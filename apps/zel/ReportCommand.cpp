@@ -48,8 +48,7 @@ struct ColumnSummary {
 };
 
 bool IsPlainNumber(const std::string& cell) {
-    // Dates have values too, but are set as text.
-    return std::isfinite(CellValue(cell)) && cell.find_first_of("-/:", 1) == std::string::npos;
+    return std::isfinite(CellValue(cell));
 }
 
 ColumnSummary Summarize(const CsvTable& table, std::size_t k) {
@@ -151,27 +150,27 @@ class ReportMaker {
 
     // What the figures are drawn against: the column asked for, else the first if it is of dates, else the
     // numbers of the rows.
-    std::pair<std::string, std::vector<double>> Across() const {
-        if (!choice_.x.empty()) return {choice_.x, table_.Column(choice_.x)};
-        const ColumnSummary& first = columns_.front();
-        const auto dated = std::count_if(first.values.begin(), first.values.end(),
-                                         [](double v) { return std::isfinite(v); });
-        if (!first.isNumber && 2 * static_cast<std::size_t>(dated) > table_.RowCount() && dated > 0)
-            return {first.name, first.values};
+    Column Across() const {
+        if (!choice_.x.empty()) return table_.Column(choice_.x);
+        const auto isDated = [this](const auto& row) { return !row.empty() && CellTime(row.front()); };
+        const auto dated = std::count_if(table_.Rows().begin(), table_.Rows().end(), isDated);
+        if (2 * static_cast<std::size_t>(dated) > table_.RowCount())
+            return table_.Column(columns_.front().name);
         std::vector<double> numbers(table_.RowCount());
         std::iota(numbers.begin(), numbers.end(), 1.0);
-        return {"row", numbers};
+        return Column(std::move(numbers)).SetName("row");
     }
 
     void AddFigures() {
         if (table_.RowCount() < 2) return;
-        const auto [name, x] = Across();
+        const Column x = Across();
         std::size_t count = 0;
         for (const ColumnSummary& column : columns_) {
-            if (!column.isNumber || column.name == name || column.min == column.max || count == kMostFigures)
+            if (!column.isNumber || column.name == x.Name() || column.min == column.max ||
+                count == kMostFigures)
                 continue;
             FigureOptions options;
-            options.xTitle = name;
+            if (x.GetKind() != Column::Kind::TIMES) options.xTitle = x.Name();
             options.yTitle = column.name;
             options.width = std::clamp(parts_->Width() / kUnitsPerMillimetre, 30.0, 2000.0);
             options.height = kFigureHeight;

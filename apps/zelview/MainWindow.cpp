@@ -58,10 +58,9 @@ std::unique_ptr<Zel2Main> FigureOf(const QString& path) {
     const std::vector<std::string>& names = table.Names();
     cli::FigureOptions options;
     options.title = QFileInfo(path).completeBaseName().toStdString();
-    options.xTitle = names.front();
     std::vector<cli::Series> series;
     QString refused;
-    const std::vector<double> x = table.Column(names.front());
+    const Column x = table.Column(names.front());
     for (std::size_t i = 1; i < names.size(); ++i) {
         try {
             series.push_back({names[i], x, table.Column(names[i]), nullptr});
@@ -69,6 +68,7 @@ std::unique_ptr<Zel2Main> FigureOf(const QString& path) {
             refused = e.what();  // a column of words
         }
     }
+    if (x.GetKind() != Column::Kind::TIMES) options.xTitle = names.front();
     if (series.empty())
         throw cli::Error(refused.isEmpty() ? "it has only one column" : refused.toStdString());
     return cli::MakeFigure(series, options);

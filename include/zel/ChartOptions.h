@@ -58,8 +58,8 @@ struct SizeMm {
 };
 
 struct ChartOptions {
-    std::string title, subtitle, caption;
-    SizeMm size;
+    std::string title{}, subtitle{}, caption{};
+    SizeMm size{};
     LegendPlace legend = LegendPlace::AUTOMATIC;
     // The base size of the letters, in points; titles are larger.
     double fontSize = 9;
@@ -68,10 +68,10 @@ struct ChartOptions {
 
 // What layers have in common.
 struct LayerOptions {
-    std::string name;            // in the legend; empty: the name of the y column, if it has one
-    std::optional<Color> color;  // the next entry of the palette without
-    double opacity = 1;          // from 0, nothing is seen, to 1
-    int xAxis = 0;               // indexes into the chart's axes: see Zel2Chart::AddAxis
+    std::string name{};            // in the legend; empty: the name of the y column, if it has one
+    std::optional<Color> color{};  // the next entry of the palette without
+    double opacity = 1;            // from 0, nothing is seen, to 1
+    int xAxis = 0;                 // indexes into the chart's axes: see Zel2Chart::AddAxis
     int yAxis = 1;
 };
 
@@ -89,8 +89,8 @@ struct AreaOptions : LayerOptions {
 };
 
 struct PointOptions : LayerOptions {
-    double size = 5;                  // points
-    std::optional<SymbolKind> shape;  // that of the palette entry without
+    double size = 5;                    // points
+    std::optional<SymbolKind> shape{};  // that of the palette entry without
 };
 
 }  // namespace zel

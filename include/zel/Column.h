@@ -58,6 +58,7 @@ class Column {
     }
     // Times as whole numbers of `perSecond` to a second since 1970-01-01 00:00 UTC: 1, 10^3, 10^6 or 10^9.
     // Differences within the column keep every digit.
+    // Throws zel::Error for less than one tick.
     static Column Times(std::vector<std::int64_t> ticks, std::int64_t perSecond);
     static Column TimesView(std::span<const std::int64_t> ticks, std::int64_t perSecond,
                             std::ptrdiff_t stride = sizeof(std::int64_t));
@@ -92,6 +93,8 @@ class Column {
 
   private:
     void SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t stride, std::int64_t perSecond);
+    void Take(CArchive& ar, int kind, std::vector<std::int64_t> ticks, std::vector<double> numbers,
+              std::vector<std::string> names);
     void SetCodes(std::vector<std::int32_t> codes, std::vector<std::string> names);
 
     Kind kind_ = Kind::NUMBERS;

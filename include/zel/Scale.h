@@ -21,22 +21,22 @@ struct NumberFormat {
         NONE     // every digit is written
     };
     Factor factor = Factor::POWERS;
-    int decimals = -1;     // -1: as many as tell neighbours apart
-    bool percent = false;  // 0.25 is written 25 %
-    std::string grouping;  // between groups of three digits, such as "," or a thin space
-    std::string prefix;    // before each number, such as "$"
-    std::string suffix;    // behind each number, such as " °C"
+    int decimals = -1;       // -1: as many as tell neighbours apart
+    bool percent = false;    // 0.25 is written 25 %
+    std::string grouping{};  // between groups of three digits, such as "," or a thin space
+    std::string prefix{};    // before each number, such as "$"
+    std::string suffix{};    // behind each number, such as " °C"
     // Writes a value instead of all of the above. Documents do not store it.
-    std::function<std::string(double)> function;
+    std::function<std::string(double)> function{};
 };
 
 // A labelled position.
 struct Tick {
     double value = 0;
-    std::string label;
+    std::string label{};
     // What several neighbours have in common, such as the month of days, written below where it begins;
     // mostly empty.
-    std::string context;
+    std::string context{};
 
     bool operator==(const Tick&) const = default;
 };
@@ -51,7 +51,7 @@ struct Ticks {
 struct TickRoom {
     double length = 0;  // of the axis
     // How much of the axis a label takes, along the axis.
-    std::function<double(const std::string&)> extent;
+    std::function<double(const std::string&)> extent{};
     double gap = 0;       // kept free between two labels, at least
     double distance = 0;  // wanted between two ticks
     // Whether the ends are to stay as they are, or may lie between two labels as the data has it.

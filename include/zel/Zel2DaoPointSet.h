@@ -13,8 +13,10 @@ class Zel2DaoPointSet : public Zel2PointArray {
   public:
     // The argument that was not given.
     static const char kNone[1];
-    enum class Nulls { ZERO, GAP };    // how a null is drawn
-    enum class Dates { DAYS, YEARS };  // dates on x: days since 1 January 1990, or years with their fraction
+    enum class Nulls { ZERO, GAP };  // how a null is drawn
+    // Dates on x: days since 1 January 1990, years with their fraction, or seconds since 1 January 1970, as
+    // the time axes of charts take them.
+    enum class Dates { DAYS, YEARS, SECONDS };
 
     // Replaces the points by those of "SELECT <xVar>,<yVar> FROM <table>", with " WHERE <where>" when there
     // is a condition. Names and condition go to the database as they are: an expression or a quoted name may
@@ -29,6 +31,8 @@ class Zel2DaoPointSet : public Zel2PointArray {
     // For the next reading; the first of each is the default.
     void SetNulls(Nulls nulls) { nulls_ = nulls; }
     void SetDates(Dates dates) { dates_ = dates; }
+    // Whether x was a column of dates when the points were read last; not stored.
+    bool HasDates() const { return hasDates_; }
 
     // Where the points were read from; all empty before Create.
     struct Source {
@@ -51,5 +55,6 @@ class Zel2DaoPointSet : public Zel2PointArray {
 
     Nulls nulls_ = Nulls::ZERO;
     Dates dates_ = Dates::DAYS;
+    bool hasDates_ = false;
     Source source_;
 };

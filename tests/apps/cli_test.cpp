@@ -22,11 +22,10 @@ class Program : public testing::Test {
         std::ofstream(folder_ / "data.csv", std::ios::binary) << content;
         return folder_ / "data.csv";
     }
-    // The points of the last series of a document.
-    Zel2PointArray* Points(const std::string& path) {
+    // The last layer of the chart of a document.
+    Zel2XYLayer* LastLayer(const std::string& path) {
         drawing_ = zel::LoadDocument(path.c_str());
-        Zel2Set& inner = dynamic_cast<Zel2Graph*>((*drawing_)[0])->Inner();
-        return dynamic_cast<Zel2PointArray*>(inner[inner.GetCount() - 1]);
+        return dynamic_cast<Zel2XYLayer*>(dynamic_cast<Zel2Chart*>((*drawing_)[0])->Layers().back());
     }
     TemporaryFolder folder_;
     std::unique_ptr<Zel2Main> drawing_;
@@ -73,22 +72,22 @@ TEST_F(Program, ReadsAwkwardCsv) {
             "1,2.5,\"one, two\"\r\n2,,\"line\r\nend\"\r\n3,n/a,\r\n\r\n4,-1e3,last");
     const auto output = Run("plot " + csv + " --x 'the \"x\"' --y 'y, in mm' -o " + (folder_ / "a.zel"));
     ASSERT_EQ(output.code, 0) << output.text;
-    Zel2PointArray* points = Points(folder_ / "a.zel");
-    ASSERT_EQ(points->NPoints(), 4U);
-    EXPECT_EQ(points->Y(0), 2.5);
-    EXPECT_TRUE(std::isnan(points->Y(1)) && std::isnan(points->Y(2)));
-    EXPECT_EQ(points->Y(3), -1000);
+    const zel::Column y = LastLayer(folder_ / "a.zel")->Y();
+    ASSERT_EQ(y.Size(), 4U);
+    EXPECT_EQ(y.At(0), 2.5);
+    EXPECT_TRUE(std::isnan(y.At(1)) && std::isnan(y.At(2)));
+    EXPECT_EQ(y.At(3), -1000);
 }
 
-TEST_F(Program, ReadsDatesAsDecimalYears) {
+TEST_F(Program, ReadsDatesAsTimes) {
     const std::string csv =
         Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");
     ASSERT_EQ(Run("plot " + csv + " --x when --y v -o " + (folder_ / "a.zel")).code, 0);
-    Zel2PointArray* points = Points(folder_ / "a.zel");
-    EXPECT_EQ(points->X(0), 2012);
-    EXPECT_NEAR(points->X(1), 2012.5, 1e-9);
-    EXPECT_NEAR(points->X(2), 2013 + 364.5 / 365, 1e-9);
-    EXPECT_TRUE(std::isnan(points->X(3))) << "no such day";
+    const zel::Column x = LastLayer(folder_ / "a.zel")->X();
+    EXPECT_EQ(x.Origin(), 1'325'376'000) << "1 January 2012 in seconds since 1970";
+    EXPECT_EQ(x.At(1), 183 * 86'400);
+    EXPECT_EQ(x.At(2), 730.5 * 86'400);
+    EXPECT_TRUE(std::isnan(x.At(3))) << "no such day";
 }
 
 TEST_F(Program, ConvertsAndDescribesDocuments) {
@@ -115,7 +114,7 @@ TEST_F(Program, ConvertsAndDescribesDocuments) {
     EXPECT_FALSE(zel::test::Content(folder_ / "p-3.svg").empty());
     const auto info = Run("info " + document);
     EXPECT_THAT(info.text,
-                testing::AllOf(HasSubstr("Zel2Graph"), HasSubstr("144 points"), HasSubstr("exact rules"),
+                testing::AllOf(HasSubstr("Zel2Chart"), HasSubstr("144 rows"), HasSubstr("exact rules"),
                                HasSubstr("\"temp line\"  Solid  0.4 mm")));
 }
 
@@ -141,7 +140,8 @@ TEST_F(Program, PlotsTheSameFromDatabases) {
                       (folder_ / "a.zel"))
                       .code,
                   0);
-        Zel2PointArray* points = Points(folder_ / "a.zel");
+        Zel2PointSet* const points = LastLayer(folder_ / "a.zel")->Source();
+        ASSERT_TRUE(points);
         ASSERT_EQ(points->NPoints(), 2U);
         EXPECT_EQ(points->X(0), 2013);
         EXPECT_EQ(points->Y(0), 3);

@@ -88,7 +88,7 @@ TEST(Export, IsTheDrawingForAnyTree) {
     int drawn = 0;
     for (unsigned seed = 0; drawn < 100; ++seed) {
         SCOPED_TRACE(seed);
-        const auto drawing = zel::test::RandomDrawing(seed).Make();
+        const auto drawing = zel::test::RandomDrawing(seed, zel::test::RandomDrawing::Charts::WITH).Make();
         const CSize size = drawing->Size();
         if (size.cx < 100 || size.cy < 100 || size.cy > 4 * size.cx) continue;
         ExpectExportIsTheDrawing(*drawing, folder / "a.png");

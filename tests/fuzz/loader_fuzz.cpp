@@ -4,7 +4,6 @@
 
 #include <zel/platform/Archive.h>
 #include <zel/platform/File.h>
-#include <zel/platform/Metafile.h>
 #include <zel/platform/MetricsDevice.h>
 #include <zel/zel.h>
 
@@ -26,7 +25,6 @@ void Draw(Zel2Main& root) {
     CDC dc(device);
     root.PrepareMappingFor(&dc, nullptr, 0, 0);
     root.Draw(&dc);
-    DeleteMetaFile(root.CreateMF(nullptr));  // comes by what a device need not do
 }
 
 Bytes Stored(Zel2Main& root, CArchive::Dialect dialect) {

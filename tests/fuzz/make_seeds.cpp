@@ -2,8 +2,9 @@
 // first lines of its data.
 //
 //     zel_make_seeds FOLDER DATA_FOLDER
-#include "Examples.h"
 #include "RandomDrawing.h"
+#include "Support.h"
+#include "examples/gallery.h"
 #include "tests/fuzz/LoaderFuzz.h"
 
 #include <zel/platform/Archive.h>
@@ -33,8 +34,10 @@ void WriteSeed(const std::string& path, unsigned mode, const void* bytes, std::s
     seed.write(static_cast<const char*>(bytes), static_cast<std::streamsize>(size));
 }
 
-void WriteSeeds(Zel2Main& drawing, const std::string& path) {
-    for (const auto dialect : {CArchive::Dialect::CLASSIC, CArchive::Dialect::COMPLETE}) {
+void WriteSeeds(Zel2Main& drawing, const std::string& path,
+                const std::vector<CArchive::Dialect>& dialects = {CArchive::Dialect::CLASSIC,
+                                                                  CArchive::Dialect::COMPLETE}) {
+    for (const auto dialect : dialects) {
         CMemFile file;
         CArchive ar(&file, CArchive::store);
         ar.SetDialect(dialect);
@@ -54,13 +57,24 @@ void WriteSeeds(Zel2Main& drawing, const std::string& path) {
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    const std::string folder(argv[1]);
+    const std::string folder = std::filesystem::absolute(argv[1]), data = std::filesystem::absolute(argv[2]);
     std::filesystem::create_directories(folder);
     for (unsigned seed = 0; seed < kDrawings; ++seed)
         WriteSeeds(*zel::test::RandomDrawing(seed).Make(), folder + "/random" + std::to_string(seed));
-    const zel::test::TemporaryFolder data;
-    CutData(argv[2], data / "data");
-    for (const Example& example : AllExamples())
-        WriteSeeds(*zel::test::MakeExample(example, data / "data"), folder + "/" + example.name);
+    for (unsigned seed = 0; seed < kDrawings; ++seed) {
+        const auto drawing = zel::test::RandomDrawing(seed, zel::test::RandomDrawing::Charts::WITH).Make();
+        WriteSeeds(*drawing, folder + "/chart" + std::to_string(seed), {CArchive::Dialect::COMPLETE});
+    }
+    // Drawings keep where their data came from: under names that are the same every time.
+    const zel::test::TemporaryFolder own;
+    std::filesystem::current_path(own / "");
+    setenv("TMPDIR", ".", 1);
+    CutData(data, "data");
+    for (const Example& example : AllExamples()) {
+        const auto drawing = example.make("data");
+        const bool isChart = drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0]);
+        isChart ? WriteSeeds(*drawing, folder + "/" + example.name, {CArchive::Dialect::COMPLETE})
+                : WriteSeeds(*drawing, folder + "/" + example.name);
+    }
     return 0;
 }
