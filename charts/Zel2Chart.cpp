@@ -496,6 +496,19 @@ int Zel2Chart::IsIn(const CPoint& pt) {
     return Map() && DeviceRect().PtInRect(pt) ? 1 : 0;
 }
 
+Zel2* Zel2Chart::GetSelectableAt(const CPoint& pt) {
+    Zel2* const hit = Zel2Set::GetSelectableAt(pt);
+    return hit ? hit : Zel2::GetSelectableAt(pt);
+}
+
+void Zel2Chart::SelectAt(const CRect& r, Zel2Selection* sel) {
+    Zel2::SelectAt(r, sel);
+}
+
+MouseAction Zel2Chart::OnMouse(const MouseStatus& ms) {
+    return Zel2::OnMouse(ms);
+}
+
 void Zel2Chart::OnDraw() {
     if (!Ready()) return;
     // Pens, fonts or the data behind a series may have changed since the last pass.

@@ -103,7 +103,10 @@ std::vector<Column> DescribeColumns(const Handle& statement, const std::string& 
             SQLDescribeColW(statement.Get(), at, name.data(), static_cast<SQLSMALLINT>(name.size()), &length,
                             &type, &size, &scale, &nullable),
             "run", subject);
-        const Kind kind = KindOf(type, size, scale);
+        // A server's own type for money is described as a floating-point number, and read as one: as a text
+        // it has the signs of a currency.
+        const bool money = ColumnText(statement.Get(), at, SQL_DESC_TYPE_NAME) == "money";
+        const Kind kind = money ? Kind{dbCurrency, Form::NUMBER, 8} : KindOf(type, size, scale);
         ColumnInfo& info = columns[i].info;
         columns[i].form = kind.form;
         info.name = FromWide(name.data(), std::min(static_cast<std::size_t>(length), name.size() - 1));

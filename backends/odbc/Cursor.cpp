@@ -160,6 +160,7 @@ void Cursor::ReadBound(std::size_t column, COleVariant& value) const {
                 value = COleVariant(static_cast<float>(bound.numbers[row_]));
             } else {
                 value.SetDouble(bound.numbers[row_]);
+                if (type == dbCurrency) value.ChangeType(VT_CY);
             }
             break;
         case Form::INTEGER:

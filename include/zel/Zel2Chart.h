@@ -121,11 +121,18 @@ class Zel2Chart : public Zel2Set {
     void OnLeave(Zel2* object) override;
     void Serialize(CArchive& ar) override;
 
+    void SelectAt(const CRect& r, Zel2Selection* sel) override;
+    MouseAction OnMouse(const MouseStatus& ms) override;
+
     // The entry of the palette for a layer: that of its place among the layers.
     int PaletteEntryOf(const Zel2Layer& layer);
     // The tools of a palette entry, registered under "Palette 1" and so on.
     int PalettePen(int entry);
     int PaletteColor(int entry);
+
+  protected:
+    // A layer at the place, else the chart itself.
+    Zel2* GetSelectableAt(const CPoint& pt) override;
 
   private:
     void CheckAxes(const Zel2Layer& layer);

@@ -143,7 +143,7 @@ TEST_F(Program, PlotsTheSameFromDatabases) {
         Zel2PointSet* const points = LastLayer(folder_ / "a.zel")->Source();
         ASSERT_TRUE(points);
         ASSERT_EQ(points->NPoints(), 2U);
-        EXPECT_EQ(points->X(0), 2013);
+        EXPECT_EQ(points->X(0), 1'356'998'400) << "1 January 2013 in seconds since 1970";
         EXPECT_EQ(points->Y(0), 3);
         const auto info = Run("info " + (folder_ / "a.zel"));
         EXPECT_THAT(info.text, HasSubstr("\"order\" of t where (code <> 'x') ORDER BY small desc"));

@@ -108,6 +108,15 @@ TEST_P(Records, DescribeTheirFields) {
     records.GetFieldInfo("twice", info, AFX_DAO_SECONDARY_INFO);
     EXPECT_FALSE(info.m_lAttributes & dbUpdatableField);
     EXPECT_EQ(info.m_strSourceField, "");
+    Run("CREATE TABLE prices (p MONEY)");
+    Run("INSERT INTO prices VALUES (-1234567.89)");
+    CDaoRecordset prices(&database_);
+    prices.Open(AFX_DAO_USE_DEFAULT_TYPE, "SELECT p FROM prices");
+    prices.GetFieldInfo(0, info);
+    EXPECT_EQ(info.m_nType, dbCurrency);
+    const COleVariant price = prices.GetFieldValue(0);
+    EXPECT_EQ(price.vt, VT_CY);
+    EXPECT_EQ(price.cyVal.int64, -12345678900);
     EXPECT_EQ(CodeOf([&] { records.GetFieldInfo(10, info); }), CDaoException::itemNotFound);
     EXPECT_THAT(MessageOf<CDaoException>([&] { records.GetFieldInfo("dd", info); }),
                 HasSubstr("\"dd\" does not exist; there are: n, b, i"));

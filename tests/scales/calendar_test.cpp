@@ -47,7 +47,9 @@ void CheckTick(const date::time_zone& zone, const Tick& tick, double step) {
         const auto before = zone.to_local(whole - seconds(1));
         ASSERT_LT(date::floor<date::days>(before), day)
             << tick.label << " at " << date::format("%F %T", local);
-        if (step >= 27 * kDay) ASSERT_EQ(unsigned(ymd.day()), 1U) << tick.label;
+        if (step >= 27 * kDay) {
+            ASSERT_EQ(unsigned(ymd.day()), 1U) << tick.label;
+        }
         if (step >= 360 * kDay) {
             ASSERT_EQ(tick.label, std::to_string(int(ymd.year())));
             ASSERT_EQ(unsigned(ymd.month()), 1U);

@@ -108,17 +108,16 @@ TEST_P(EveryKind, ticks_lie_inside_ascend_differ_and_do_not_overlap) {
         };
         std::set<std::string> seen;
         double before = -1e308, end = -1e308;
-        std::string context;
         for (const Tick& tick : ticks.major) {
             ASSERT_GE(tick.value, scale.Low()) << what();
             ASSERT_LE(tick.value, scale.High()) << what();
             ASSERT_GT(tick.value, before) << what();
             before = tick.value;
-            if (!tick.context.empty()) context = tick.context;
             // Categories may share a name, and times do so under different days; "4" may stand twice in a
             // month of which the beginning is far away.
-            if (GetParam() != Scale::Kind::CATEGORIES && GetParam() != Scale::Kind::TIME)
+            if (GetParam() != Scale::Kind::CATEGORIES && GetParam() != Scale::Kind::TIME) {
                 ASSERT_TRUE(seen.insert(tick.label).second) << what() << ": " << tick.label << " twice";
+            }
         }
         std::vector<Tick> ordered = ticks.major;
         if (scale.IsReversed()) std::reverse(ordered.begin(), ordered.end());
