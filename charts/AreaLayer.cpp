@@ -49,7 +49,7 @@ void Zel2AreaLayer::SetColor(int index) {
 }
 
 void Zel2AreaLayer::SetDefaults() {
-    if (colorIndex_ < 0) colorIndex_ = RegisterOwnColor(Opacity());
+    if (colorIndex_ < 0) colorIndex_ = RegisterOwnColor();
 }
 
 std::optional<double> Zel2AreaLayer::IncludedY() const {

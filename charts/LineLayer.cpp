@@ -1,4 +1,3 @@
-#include "charts/TextRuler.h"
 #include "core/ArchiveFields.h"
 
 #include <zel/ChartLayers.h>
@@ -13,21 +12,6 @@ IMPLEMENT_SERIAL(Zel2LineLayer, Zel2XYLayer, 1)
 namespace {
 
 constexpr std::size_t kBlock = 1024;
-
-int StyleOf(zel::Dash dash) {
-    switch (dash) {
-        case zel::Dash::DASHED:
-            return DrawPen::DASH;
-        case zel::Dash::DOTTED:
-            return DrawPen::DOT;
-        case zel::Dash::DASH_DOT:
-            return DrawPen::DASH_DOT;
-        case zel::Dash::DASH_DOT_DOT:
-            return DrawPen::DASH_DOT_DOT;
-        default:
-            return DrawPen::SOLID;
-    }
-}
 
 // The corners of a stepped line, a block of points at a time.
 class Steps {
@@ -92,9 +76,7 @@ void Zel2LineLayer::SetDefaults() {
         pen_ = Chart()->PalettePen(PaletteEntry());
         return;
     }
-    constexpr double kTenthsOfMillimetrePerPoint = 254.0 / 72;
-    pen_ = RegisterOwnPen(StyleOf(dash_), static_cast<int>(std::lround(std::clamp(width_, 0.0, 1000.0) *
-                                                                       kTenthsOfMillimetrePerPoint)));
+    pen_ = RegisterOwnPen(width_, dash_);
 }
 
 void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {

@@ -1,4 +1,3 @@
-#include "charts/TextRuler.h"
 #include "core/ArchiveFields.h"
 #include "tools/SeriesMarks.h"
 
@@ -17,7 +16,7 @@ void Zel2PointLayer::SetSymbol(int index) {
 }
 
 void Zel2PointLayer::SetDefaults() {
-    if (symbol_ < 0) symbol_ = RegisterOwnSymbol(zel::UnitsOfPoints(size_), shape_);
+    if (symbol_ < 0) symbol_ = RegisterOwnSymbol(size_, shape_);
 }
 
 void Zel2PointLayer::DrawIn(const zel::LayerFrame& frame) {

@@ -1,5 +1,4 @@
 #include "charts/Palette.h"
-#include "charts/TextRuler.h"
 #include "core/ArchiveFields.h"
 #include "series/SeriesIndex.h"
 
@@ -154,33 +153,25 @@ std::string FreeName(const std::string& wanted, Find find) {
 
 }  // namespace
 
-int Zel2Layer::RegisterOwnPen(int style, int width) {
-    const COLORREF color = OwnColor();
+int Zel2Layer::RegisterOwnPen(double width, zel::Dash dash) {
     const std::string name = FreeName((name_.empty() ? "Layer" : name_) + " line",
                                       [this](const char* n) { return GetPenIndex(n); });
-    const int index = RegisterPen(name.c_str(), style, width, color, color, nullptr);
-    if (DrawPen* pen = Pen(index)) pen->Opacity(opacity_);
-    return index;
+    return zel::RegisterPen(*this, name, {OwnColor(), width, dash, opacity_});
 }
 
-int Zel2Layer::RegisterOwnColor(double opacity) {
-    const COLORREF color = OwnColor();
+int Zel2Layer::RegisterOwnColor() {
     const std::string name = FreeName((name_.empty() ? "Layer" : name_) + " area",
                                       [this](const char* n) { return GetColorIndex(n); });
-    const int index = RegisterColor(name.c_str(), color, color);
-    if (DrawColor* tool = Color(index)) tool->Opacity(opacity);
-    return index;
+    return zel::RegisterColor(*this, name, {OwnColor(), opacity_});
 }
 
-int Zel2Layer::RegisterOwnSymbol(int side, std::optional<zel::SymbolKind> shape) {
-    const COLORREF color = OwnColor();
+int Zel2Layer::RegisterOwnSymbol(double size, std::optional<zel::SymbolKind> shape) {
     const std::string name = FreeName((name_.empty() ? "Layer" : name_) + " mark",
                                       [this](const char* n) { return GetSymbolIndex(n); });
-    const int index =
-        RegisterSymbol(name.c_str(), CSize(side, side), shape.value_or(zel::PaletteShape(PaletteEntry())), "",
-                       0, color, color, color, color, 0, "Arial", 80, 0, 0, nullptr, nullptr, 0);
-    if (DrawSymbol* symbol = Symbol(index)) symbol->Opacity(opacity_);
-    return index;
+    zel::SymbolOptions options{.shape = shape.value_or(zel::PaletteShape(PaletteEntry())), .size = size};
+    options.color = OwnColor();
+    options.opacity = opacity_;
+    return zel::RegisterSymbol(*this, name, options);
 }
 
 void Zel2Layer::Serialize(CArchive& ar) {

@@ -13,7 +13,7 @@ OWNED = {
     "core": "DrawSymbolKind Error Mapping Mouse WorldFrame Zel2 Zel2Selection Zel2Set ZelRules",
     "scales": "Scale SeriesPoints",
     "series": "Column",
-    "tools": "DrawColor DrawFont DrawPen DrawSymbol DrawTool ToolEditors ToolTableOf",
+    "tools": "DrawColor DrawFont DrawPen DrawSymbol DrawTool ToolEditors ToolOptions ToolTableOf",
     "drawing": "Zel2Main Zel2Tools ZelDocument ZelExport",
     "layout": "Zel2Column Zel2DataField Zel2Edit Zel2Rect Zel2Report Zel2Row Zel2TRect Zel2Table Zel2Text Zel2TextColumn Zel2TextTable ZelReportExport",
     "graphs": "Zel2Axis Zel2CoordSys Zel2Graph Zel2GraphTable Zel2HAxis Zel2PointRing Zel2PointSet Zel2PointView Zel2Pol Zel2StackGraph",

@@ -2,10 +2,9 @@
 // are of the page, points (1/72 inch) where they are of lines, marks and letters.
 #pragma once
 
-#include <zel/DrawSymbolKind.h>
 #include <zel/Scale.h>
+#include <zel/ToolOptions.h>
 #include <zel/platform/Geometry.h>
-#include <zel/platform/WinTypes.h>
 
 #include <optional>
 #include <string>
@@ -13,28 +12,6 @@
 
 namespace zel {
 
-// A colour: RGB(r, g, b), "#0072B2", or an entry of the chart's palette.
-class Color {
-  public:
-    Color(COLORREF rgb) : rgb_(rgb & 0xFFFFFF) {}
-    // "#rgb" or "#rrggbb". Throws zel::Error for anything else.
-    Color(const char* hex);
-    Color(const std::string& hex) : Color(hex.c_str()) {}
-    // From 0; entries repeat after the last.
-    static Color Palette(int entry);
-
-    COLORREF Rgb() const { return rgb_; }
-    bool operator==(const Color&) const = default;
-
-  private:
-    COLORREF rgb_;
-};
-
-// Colours for series that people with any colour vision tell apart (M. Okabe and K. Ito, "Color Universal
-// Design", 2008; the yellow, too light for lines on white, is left out, the grey and the olive are added).
-inline constexpr int kPaletteSize = 8;
-
-enum class Dash { SOLID, DASHED, DOTTED, DASH_DOT, DASH_DOT_DOT };
 enum class Side : int { BOTTOM = 0, LEFT = 1, TOP = 2, RIGHT = 3 };
 enum class Step : int {
     NONE = 0,

@@ -141,10 +141,10 @@ class Zel2Layer : public Zel2 {
     bool HasOwnColor() const { return color_.has_value(); }
     double Opacity() const { return opacity_; }
     // The indexes of tools for the layer: those of the palette, or ones of its own, registered under names
-    // made from the layer's. Width in tenths of a millimetre.
-    int RegisterOwnPen(int style, int width);
-    int RegisterOwnColor(double opacity);
-    int RegisterOwnSymbol(int side, std::optional<zel::SymbolKind> shape);
+    // made from the layer's. Lengths in points.
+    int RegisterOwnPen(double width, zel::Dash dash);
+    int RegisterOwnColor();
+    int RegisterOwnSymbol(double size, std::optional<zel::SymbolKind> shape);
     // Tells the chart that ranges and layout are to be made anew.
     void Changed();
 

@@ -15,6 +15,7 @@
 #include <zel/Scale.h>
 #include <zel/ToolDialogs.h>
 #include <zel/ToolEditors.h>
+#include <zel/ToolOptions.h>
 #include <zel/XColorDialog.h>
 #include <zel/Zel2.h>
 #include <zel/Zel2Axis.h>

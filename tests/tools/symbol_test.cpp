@@ -128,4 +128,36 @@ TEST(DrawTool, DrawsWithItsOpacity) {
     root.Close();
 }
 
+// Named options in the place of long lists of arguments.
+TEST(ToolOptions, AreKeptByTheTools) {
+    Zel2Main root;
+    const int pen = zel::RegisterPen(root, "p",
+                                     {.color = "#0a1b2c",
+                                      .width = 2,
+                                      .dash = zel::Dash::DOTTED,
+                                      .opacity = 0.5,
+                                      .printerColor = zel::Color("#fff")});
+    EXPECT_EQ(root.Pen(pen)->ScrColor(), RGB(0x0A, 0x1B, 0x2C));
+    EXPECT_EQ(root.Pen(pen)->PrnColor(), RGB(255, 255, 255));
+    EXPECT_EQ(root.Pen(pen)->Width(), 7) << "2 points are 0.7 mm";
+    EXPECT_EQ(root.Pen(pen)->Style(), DrawPen::DOT);
+    EXPECT_EQ(root.Pen(pen)->Opacity(), 0.5);
+    EXPECT_EQ(zel::RegisterPen(root, "p", {.opacity = 1}), pen);
+    EXPECT_EQ(root.Pen(pen)->Opacity(), 0.5) << "the first of a name keeps its looks";
+    const int font = zel::RegisterFont(root, "f", {.size = 10.5, .bold = true});
+    EXPECT_EQ(root.Font(font)->PtSize10(), 105);
+    EXPECT_EQ(root.Font(font)->Bold(), 1);
+    const int symbol =
+        zel::RegisterSymbol(root, "s", {.shape = zel::SYMBOL_DIAMOND, .size = 7.2, .color = "#f80"});
+    EXPECT_EQ(root.Symbol(symbol)->Size().cx, 100) << "7.2 points are a tenth of an inch";
+    COLORREF screen = 0, printer = 0;
+    root.Symbol(symbol)->GetBrushData(screen, printer);
+    EXPECT_EQ(screen, RGB(0xFF, 0x88, 0x00));
+    EXPECT_EQ(root.Color(zel::RegisterColor(root, "c", {.color = zel::Color::Palette(1)}))->ScrColor(),
+              RGB(213, 94, 0));
+    EXPECT_THROW(zel::Color("blue"), zel::Error);
+    Zel2 alone;
+    EXPECT_THROW(zel::RegisterPen(alone, "p", {}), zel::Error);
+}
+
 }  // namespace
