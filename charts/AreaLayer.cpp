@@ -12,7 +12,7 @@
 #include <cmath>
 #include <optional>
 
-IMPLEMENT_SERIAL(Zel2AreaLayer, Zel2XYLayer, 1)
+IMPLEMENT_SERIAL(Zel2AreaLayer, Zel2XYLayer, 0)
 
 // The edges of an area that are not the points themselves.
 struct Zel2AreaLayer::Edges {

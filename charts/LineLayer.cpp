@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
-IMPLEMENT_SERIAL(Zel2LineLayer, Zel2XYLayer, 1)
+IMPLEMENT_SERIAL(Zel2LineLayer, Zel2XYLayer, 0)
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <zel/DrawSymbol.h>
 #include <zel/Zel2Chart.h>
 
-IMPLEMENT_SERIAL(Zel2PointLayer, Zel2XYLayer, 1)
+IMPLEMENT_SERIAL(Zel2PointLayer, Zel2XYLayer, 0)
 
 Zel2PointLayer::Zel2PointLayer(zel::Column x, zel::Column y, const zel::PointOptions& options)
     : Zel2XYLayer(options, std::move(x), std::move(y)), size_(options.size), shape_(options.shape) {}

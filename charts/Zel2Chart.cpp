@@ -19,7 +19,7 @@
 #include <algorithm>
 #include <cmath>
 
-IMPLEMENT_SERIAL(Zel2Chart, Zel2Set, 1)
+IMPLEMENT_SERIAL(Zel2Chart, Zel2Set, 0)
 
 namespace {
 

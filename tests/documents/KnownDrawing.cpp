@@ -148,7 +148,7 @@ class Maker {
         series->SetNulls(Zel2DaoPointSet::Nulls::GAP);
         graph->AddIn(series);
         Know(PlaceOf(graph->Inner(), place + ".inner."),
-             "nullsAreGaps 1, datesAreYears 0, x.count 0, condition \"\"");
+             "nullsAreGaps 1, dates 0, x.count 0, condition \"\"");
         graph->AddIn(new Zel2Pol(nullptr, 5, 6));
         Know(PlaceOf(graph->Inner(), place + ".inner."), "pen 5, color 6");
     }

@@ -38,6 +38,12 @@ TEST_P(Examples, DrawTheSameFromTheirDocuments) {
 
 // An archive keeps what it can keep in the first round and then loses nothing more.
 TEST_P(Examples, SettleInClassicArchives) {
+    if (drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0])) {
+        EXPECT_NE(zel::test::MessageOf<CArchiveException>([&] { ClassicBytes(*drawing); }).find("Zel2Chart"),
+                  std::string::npos)
+            << "charts are refused by name";
+        return;
+    }
     const std::string once = ClassicBytes(*FromClassicBytes(ClassicBytes(*drawing)));
     const auto loaded = FromClassicBytes(once);
     EXPECT_EQ(ClassicBytes(*loaded), once);
