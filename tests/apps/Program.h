@@ -22,9 +22,11 @@ using view::MainWindow;
 class Program : public OnWidgets {
   protected:
     static void SetUpTestSuite() {
+        // Tests that run at the same time must not find each other's unsaved work.
+        static const TemporaryFolder kSettings;
+        qputenv("HOME", QByteArray::fromStdString(kSettings / "home"));
         QStandardPaths::setTestModeEnabled(true);
         QCoreApplication::setApplicationName("zelview-test");
-        static const TemporaryFolder kSettings;
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope,
                            QString::fromStdString(kSettings / ""));
         OnWidgets::SetUpTestSuite();
