@@ -112,7 +112,9 @@ std::vector<std::string> TextRuler::Wrapped(const std::string& text, double widt
         }
         const std::size_t end = std::min(text.find_first_of(" \n", at), text.size());
         const std::string word = text.substr(at, end - at);
-        const std::string longer = line.empty() ? word : line + " " + word;
+        std::string longer = line;
+        if (!longer.empty()) longer += ' ';
+        longer += word;
         const bool breaks = end < text.size() && text[end] == '\n';
         if (!line.empty() && WidthOf(longer) > width) {
             lines.push_back(Shortened(line, width));

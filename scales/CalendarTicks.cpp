@@ -305,7 +305,7 @@ std::string CalendarText(const Scale& scale, double value, double resolution) {
         CivilOf(TimeZone::Find(scale.Zone()).ToLocal(static_cast<std::int64_t>(scale.Origin()) + whole));
     if (resolution >= 0.9 * kDay) return DateText(t);
     if (resolution >= kMinute) return DateText(t) + " " + ClockText(t, false);
-    const std::string text = DateText(t) + " " + ClockText(t, true);
+    std::string text = DateText(t) + " " + ClockText(t, true);
     if (resolution >= 1 || resolution <= 0) return text;
     const int decimals = std::min(9, static_cast<int>(std::ceil(-std::log10(resolution))));
     const double part = std::min(value - static_cast<double>(whole), 1 - std::pow(10.0, -decimals));

@@ -51,7 +51,8 @@ std::string Grouped(const std::string& text, const std::string& separator) {
 const char* PrefixOf(int exponent) {
     static constexpr std::array kPrefixes = {"q", "r", "y", "z", "a", "f", "p", "n", "\u00B5", "m", "",
                                              "k", "M", "G", "T", "P", "E", "Z", "Y", "R",      "Q"};
-    return kPrefixes[static_cast<std::size_t>(std::clamp(exponent / 3, -10, 10) + 10)];
+    const int place = std::clamp(exponent / 3, -10, 10) + 10;
+    return kPrefixes[static_cast<std::size_t>(place)];
 }
 
 // What all values are divided by: a power of ten, where that makes the texts shorter.
@@ -128,8 +129,10 @@ NumberTexts TextsOf(std::span<const double> values, double step, const NumberFor
         std::string text = Grouped(FixedText(value, decimals), format.grouping);
         const bool negative = text.starts_with(kMinusSign);
         if (negative && !format.prefix.empty()) text.erase(0, std::char_traits<char>::length(kMinusSign));
-        result.texts.push_back((negative && !format.prefix.empty() ? kMinusSign : "") + format.prefix + text +
-                               suffix);
+        text.insert(0, format.prefix);
+        if (negative && !format.prefix.empty()) text.insert(0, kMinusSign);
+        text += suffix;
+        result.texts.push_back(std::move(text));
     }
     return result;
 }

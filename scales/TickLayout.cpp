@@ -21,6 +21,7 @@ bool LabelsFit(const Scale& scale, const std::vector<Tick>& ticks, const TickRoo
     double lastEnd = 0;
     bool first = true;
     std::vector<const Tick*> ordered;
+    ordered.reserve(ticks.size());
     for (const Tick& tick : ticks) ordered.push_back(&tick);
     if (scale.IsReversed()) std::reverse(ordered.begin(), ordered.end());
     for (const Tick* tick : ordered) {

@@ -37,7 +37,7 @@ Column::Column(const std::vector<std::string>& texts) {
         if (isNew) names.push_back(text);
         codes.push_back(place->second);
     }
-    SetCodes(std::move(codes), std::move(names));
+    SetCodes(codes, std::move(names));
 }
 
 Column::Column(const std::vector<std::chrono::sys_time<std::chrono::nanoseconds>>& times) {
@@ -47,7 +47,7 @@ Column::Column(const std::vector<std::chrono::sys_time<std::chrono::nanoseconds>
     *this = Times(std::move(ticks), 1'000'000'000);
 }
 
-void Column::SetCodes(std::vector<std::int32_t> codes, std::vector<std::string> names) {
+void Column::SetCodes(const std::vector<std::int32_t>& codes, std::vector<std::string> names) {
     kind_ = Kind::TEXTS;
     std::vector<double> values;
     values.reserve(codes.size());
@@ -144,7 +144,7 @@ void Column::Take(CArchive& ar, int kind, std::vector<std::int64_t> ticks, std::
             const bool known = number >= 0 && number < static_cast<double>(names.size());
             codes.push_back(known ? static_cast<std::int32_t>(number) : -1);
         }
-        SetCodes(std::move(codes), std::move(names));
+        SetCodes(codes, std::move(names));
     } else {
         *this = Column(std::move(numbers)).SetName(name_).SetUnit(unit_);
     }

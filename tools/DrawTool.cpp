@@ -3,6 +3,9 @@
 #include <zel/DrawTool.h>
 #include <zel/platform/DC.h>
 
+#include <algorithm>
+#include <cmath>
+
 IMPLEMENT_SERIAL(DrawTool, CObject, 0)
 IMPLEMENT_SERIAL(DrawToolTable, CObject, 0)
 
@@ -69,6 +72,10 @@ void DrawTool::ExchangeOpacity(CArchive& ar) {
     if (ar.IsLoading()) opacity_ = 1;
     if (zel::HasSince(ar, 2)) zel::Exchange(ar, opacity_);
     opacity_ = WithinOpacities(opacity_);
+}
+
+BYTE DrawTool::InkOpacity() const {
+    return static_cast<BYTE>(std::lround(opacity_ * 255));
 }
 
 void DrawTool::ExchangeName(CArchive& ar) {

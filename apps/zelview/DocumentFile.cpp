@@ -147,7 +147,7 @@ void DocumentFile::DropCopy() {
 
 QString DocumentFile::TakeLeft() {
     for (int slot = 0; slot < kMostCopies; ++slot) {
-        const QString copy = CopyPath(path_, slot);
+        QString copy = CopyPath(path_, slot);
         if (slot == slot_ || later_.contains(slot) || !IsOwnFile(copy) || !Hold(slot)) continue;
         ours_ = true;
         copied_ = 0;

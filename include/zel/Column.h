@@ -95,7 +95,7 @@ class Column {
     void SetTimes(const std::int64_t* first, std::size_t n, std::ptrdiff_t stride, std::int64_t perSecond);
     void Take(CArchive& ar, int kind, std::vector<std::int64_t> ticks, std::vector<double> numbers,
               std::vector<std::string> names);
-    void SetCodes(std::vector<std::int32_t> codes, std::vector<std::string> names);
+    void SetCodes(const std::vector<std::int32_t>& codes, std::vector<std::string> names);
 
     Kind kind_ = Kind::NUMBERS;
     SeriesValues values_;

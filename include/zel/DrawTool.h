@@ -60,7 +60,7 @@ class DrawTool : public CObject {
     void StoreScale(int scale) { scale_ = scale; }
     int OutputScale() const { return scale_; }
     // The opacity as devices take it, 0 to 255.
-    BYTE InkOpacity() const { return static_cast<BYTE>(opacity_ * 255 + 0.5); }
+    BYTE InkOpacity() const;
     // The field of the opacity in documents; loading from where there is none makes the tool opaque.
     void ExchangeOpacity(CArchive& ar);
     void CopyOpacity(const DrawTool& other) { opacity_ = other.opacity_; }

@@ -4,6 +4,7 @@
 #include <zel/Zel2Rect.h>
 #include <zel/platform/String.h>
 
+#include <array>
 #include <vector>
 
 namespace zel {
@@ -142,7 +143,7 @@ class Zel2ScaleAxis : public Zel2Rect {
     int tickLength_ = -60;
     int titleOffset_ = 0;
     Ends ends_;
-    int tools_[TOOL_COUNT] = {-1, -1, -1, -1};
+    std::array<int, TOOL_COUNT> tools_ = {-1, -1, -1, -1};
     std::vector<double> labels_;
     std::vector<double> ticks_;
     std::vector<double> lines_;
@@ -157,8 +158,8 @@ class Zel2ScaleAxis : public Zel2Rect {
     bool insideAtEnd_ = false;
     bool labelsChosen_ = false;  // by the axis, for the range it had then
     CString title_;
-    CString names_[TOOL_COUNT] = {"Graph Horizontal Lines", "Graph Ticks Pen", "Graph Axis Label",
-                                  "Graph Axis Title"};
+    std::array<CString, TOOL_COUNT> names_ = {"Graph Horizontal Lines", "Graph Ticks Pen", "Graph Axis Label",
+                                              "Graph Axis Title"};
 };
 
 class Zel2HAxis : public Zel2ScaleAxis {

@@ -61,7 +61,9 @@ std::string Resolve(const std::string& target) {
         const std::string to = LinkAt(path);
         if (errno != 0 || to.empty()) return path;
         const std::size_t slash = path.rfind('/');
-        path = to.starts_with('/') || slash == std::string::npos ? to : path.substr(0, slash + 1) + to;
+        // A link says where to go from its own folder.
+        path.erase(to.starts_with('/') || slash == std::string::npos ? 0 : slash + 1);
+        path += to;
     }
     errno = ELOOP;
     return path;
