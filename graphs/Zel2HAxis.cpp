@@ -148,8 +148,8 @@ int Zel2ScaleAxis::AddPen(const char* name, unsigned long color) {
 
 int Zel2ScaleAxis::SetTools() {
     for (int kind = 0; kind < TOOL_COUNT; ++kind) {
-        int& tool = tools_[kind];
-        const char* name = names_[kind];
+        int& tool = tools_[static_cast<std::size_t>(kind)];
+        const char* name = names_[static_cast<std::size_t>(kind)];
         tool = GetPenIndex(name);
         if (tool >= 0) continue;
         switch (kind) {
