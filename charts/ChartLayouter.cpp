@@ -16,7 +16,7 @@ constexpr std::size_t kMostNameLines = 3;
 constexpr std::size_t kLongestLabel = 300;  // bytes of a label that are looked at
 
 int Up(double units) {
-    return static_cast<int>(std::ceil(units));
+    return Truncate(std::ceil(units));
 }
 
 std::string Beginning(const std::string& text) {

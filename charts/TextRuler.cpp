@@ -17,7 +17,8 @@
 namespace zel {
 namespace {
 
-constexpr int kEm = 2048;  // device units in which letters are measured
+constexpr int kLargestFont = 100'000;  // tenths of a point; larger ones are laid out like it
+constexpr int kEm = 2048;              // device units in which letters are measured
 constexpr const char* kEllipsis = "\u2026";
 
 }  // namespace
@@ -76,7 +77,7 @@ TextRuler::Face& TextRuler::FaceOf(const DrawFont& font) {
 
 TextRuler::TextRuler(const DrawFont& font)
     : face_(FaceOf(font)),
-      unitsPerEm_(font.PtSize10() * 1000.0 / 720),
+      unitsPerEm_(std::clamp(font.PtSize10(), 0, kLargestFont) * 1000.0 / 720),
       lineHeight_(static_cast<int>(std::ceil(face_.height * unitsPerEm_ / kEm))) {}
 
 double TextRuler::WidthOf(const std::string& text) const {

@@ -28,6 +28,7 @@ constexpr COLORREF kAxisLine = RGB(120, 120, 120), kGridLine = RGB(226, 226, 226
                    kMinorLine = RGB(240, 240, 240);
 constexpr int kCorners = 4;
 constexpr CSize kLeastSize(500, 400);
+constexpr LONG kLargestSide = 10'000'000;  // 254 metres
 
 }  // namespace
 
@@ -37,10 +38,11 @@ Zel2Chart::Zel2Chart(const zel::ChartOptions& options)
     : title_(options.title),
       subtitle_(options.subtitle),
       caption_(options.caption),
-      size_(zel::UnitsOfMillimetres(options.size.width), zel::UnitsOfMillimetres(options.size.height)),
       legend_(options.legend),
       fontSize_(options.fontSize),
       fontFace_(options.fontFace) {
+    Zel2Chart::SetSize(
+        CSize(zel::UnitsOfMillimetres(options.size.width), zel::UnitsOfMillimetres(options.size.height)));
     AddAxis(zel::Side::BOTTOM);
     AddAxis(zel::Side::LEFT);
 }
@@ -459,7 +461,8 @@ CSize Zel2Chart::MinSize() {
 }
 
 void Zel2Chart::SetSize(const CSize& size) {
-    const CSize bounded(std::max(size.cx, kLeastSize.cx), std::max(size.cy, kLeastSize.cy));
+    const CSize bounded(std::clamp<LONG>(size.cx, kLeastSize.cx, kLargestSide),
+                        std::clamp<LONG>(size.cy, kLeastSize.cy, kLargestSide));
     if (bounded == size_) return;
     size_ = bounded;
     Changed();
@@ -547,6 +550,8 @@ void Zel2Chart::Serialize(CArchive& ar) {
             ar.Fail(CArchiveException::genericException,
                     "a chart lacks axes or has settings that do not exist");
         legend_ = static_cast<zel::LegendPlace>(legend);
+        size_ = CSize(std::clamp<LONG>(size_.cx, kLeastSize.cx, kLargestSide),
+                      std::clamp<LONG>(size_.cy, kLeastSize.cy, kLargestSide));
         for (int i = 0; i < axes; ++i)
             axes_.push_back(std::make_unique<zel::ChartAxis>(*this, zel::Side::BOTTOM));
     }
