@@ -8,7 +8,7 @@
 
 namespace zel {
 
-// An unchanged value changes nothing.
+// Each setting makes ranges and layout anew.
 template <class Value>
 ChartAxis& ChartAxis::Set(Value Fields::*field, Value value) {
     fields_.*field = std::move(value);
