@@ -38,6 +38,8 @@ struct OutputChoice {
     std::vector<std::pair<CLI::Option*, std::string>> endings_;  // the formats that each option is about
 };
 
+// The endings of all formats that drawings are exported in, each with its dot.
+std::string ExportEndings();
 // Whether a file of that name is made of pixels.
 bool IsImage(const std::string& path);
 

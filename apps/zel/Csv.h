@@ -2,20 +2,14 @@
 #pragma once
 
 #include <zel/Column.h>
+#include <zel/Error.h>
 
 #include <cstdint>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace zel::cli {
-
-// Says what was attempted, on what, and why it failed.
-class Error : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
 
 // A CSV file (RFC 4180): the first row names the columns. Quoted fields, commas and line ends within them,
 // CRLF line ends and a byte-order mark are understood.

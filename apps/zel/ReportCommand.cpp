@@ -238,7 +238,8 @@ void AddReportCommand(CLI::App& app) {
     command->add_option("data", choice->input, "CSV file; its first row names the columns")->required();
     command
         ->add_option("-o,--output", choice->output,
-                     "File to write: .pdf for all pages in one, .png, .jpg, .svg or .wmf for one file a page")
+                     "File to write, in the format of its ending: .pdf for all pages in one; of " +
+                         ExportEndings() + " the others make a file a page")
         ->required();
     command->add_option("--title", choice->title, "Title of the report (default: the file's name)");
     command->add_option("--x", choice->x,

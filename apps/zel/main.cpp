@@ -28,6 +28,7 @@ std::string CommandOf(const CLI::App& app) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    zel::qt::Install();  // before the options, which name its formats
     CLI::App app("Graphs from data, and drawings in other formats.", "zel");
     app.set_version_flag("--version", ZEL_VERSION);
     app.require_subcommand(1);
@@ -48,7 +49,6 @@ int main(int argc, char** argv) {
     zel::SetWarningHandler(
         [](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });
     std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is told like any other failure
-    zel::qt::Install();
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

@@ -64,13 +64,12 @@ std::unique_ptr<Zel2Main> FigureOf(const QString& path) {
     for (std::size_t i = 1; i < names.size(); ++i) {
         try {
             series.push_back({names[i], x, table.Column(names[i]), nullptr});
-        } catch (const cli::Error& e) {
+        } catch (const Error& e) {
             refused = e.what();  // a column of words
         }
     }
     if (x.GetKind() != Column::Kind::TIMES) options.xTitle = names.front();
-    if (series.empty())
-        throw cli::Error(refused.isEmpty() ? "it has only one column" : refused.toStdString());
+    if (series.empty()) throw Error(refused.isEmpty() ? "it has only one column" : refused.toStdString());
     return cli::MakeFigure(series, options);
 }
 
