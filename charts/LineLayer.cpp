@@ -1,4 +1,5 @@
 #include "core/ArchiveFields.h"
+#include "series/LonePoints.h"
 
 #include <zel/ChartLayers.h>
 #include <zel/DrawPen.h>
@@ -85,6 +86,13 @@ void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {
     const std::vector<zel::SeriesStretch> stretches = Stretches(frame);
     // The first point follows a gap.
     pen->SetWorldPoint(nullptr, std::nan(""), 0);
+    // A line needs two points; one without a neighbour is a dot as thick as the line.
+    zel::ForLonePoints(stretches, [&](double x, double y) {
+        if (!frame.world.Contains(x, y)) return;
+        const CPoint at = frame.world.ToLogical(x, y);
+        pen->MoveTo(at.x, at.y);
+        pen->LineTo(at.x + 1, at.y);
+    });
     if (step_ == zel::Step::NONE) {
         pen->LineTo(frame.world, stretches);
         return;
