@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zel/ChartOptions.h>
+#include <zel/ColorKey.h>
 #include <zel/Scale.h>
 #include <zel/platform/Geometry.h>
 
@@ -31,7 +32,7 @@ struct PlacedText {
 };
 
 struct PlacedAxis {
-    int index = 0;
+    int index = -1;  // among those of the chart; -1 for one of a bar of colours
     Side side = Side::BOTTOM;
     Scale scale;
     Ticks ticks;
@@ -39,6 +40,13 @@ struct PlacedAxis {
     int thickness = 0;  // from its line to the outer end of its texts
     bool drawn = true;
     std::vector<PlacedText> texts;
+};
+
+// The colours of a layer, with an axis at their right.
+struct PlacedColorBar {
+    const ColorKey* key = nullptr;
+    PlacedAxis axis;
+    Box box;
 };
 
 struct LegendEntry {
@@ -57,7 +65,8 @@ struct PlotMargins {
 struct ChartLayout {
     CSize size;
     Box plot;
-    std::vector<PlacedAxis> axes;   // as many as the chart has, in its order
+    std::vector<PlacedAxis> axes;  // as many as the chart has, in its order
+    std::vector<PlacedColorBar> colorBars;
     std::vector<PlacedText> texts;  // titles and caption
     std::vector<LegendEntry> legend;
     Box legendBox;

@@ -115,7 +115,10 @@ std::unique_ptr<Zel2Main> MakeCategoryChart(const std::string& folder) {
 }
 
 std::vector<Example> ChartPictures() {
-    return {{"chart-time", MakeTimeChart},           {"chart-summer-time", MakeSummerTimeChart},
-            {"chart-logarithm", MakeLogarithmChart}, {"chart-axes", MakeAxesChart},
-            {"chart-stack", MakeStackChart},         {"chart-categories", MakeCategoryChart}};
+    std::vector<Example> pictures{
+        {"chart-time", MakeTimeChart},           {"chart-summer-time", MakeSummerTimeChart},
+        {"chart-logarithm", MakeLogarithmChart}, {"chart-axes", MakeAxesChart},
+        {"chart-stack", MakeStackChart},         {"chart-categories", MakeCategoryChart}};
+    for (const Example& look : LookPictures()) pictures.push_back(look);
+    return pictures;
 }

@@ -16,6 +16,7 @@ struct Example {
 std::vector<Example> GalleryExamples();
 std::vector<Example> DocumentationPictures();
 std::vector<Example> ChartPictures();
+std::vector<Example> LookPictures();  // part of those
 std::vector<Example> AllExamples();
 
 // The numbers of a column; times become decimal years.

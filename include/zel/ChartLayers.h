@@ -7,6 +7,10 @@
 
 #include <memory>
 
+namespace zel {
+class ScaleValues;
+}
+
 // A layer over x and y, from two columns or from a series (Zel2PointArray, Zel2PointView, Zel2PointRing,
 // Zel2DaoPointSet). Long data keep an index (see Zel2PointArray), made when they are first drawn.
 class Zel2XYLayer : public Zel2Layer {
@@ -47,14 +51,10 @@ class Zel2XYLayer : public Zel2Layer {
     static void Transform(std::vector<zel::SeriesStretch>& stretches, const zel::LayerFrame& frame);
 
   private:
-    class Coded;
-    const zel::SeriesValues& ValuesOn(const zel::Column& column, const zel::Scale& scale,
-                                      std::unique_ptr<Coded>& coded);
-
     zel::Column x_, y_;
     std::unique_ptr<Zel2PointSet> source_;
     std::unique_ptr<zel::SeriesIndex> index_;
-    std::unique_ptr<Coded> codedX_, codedY_;  // values that are not those of the column
+    std::unique_ptr<zel::ScaleValues> onX_, onY_;
 };
 
 // A line from point to point, or in steps.
@@ -100,7 +100,7 @@ class Zel2AreaLayer : public Zel2XYLayer {
 
     void DrawIn(const zel::LayerFrame& frame) override;
     void TakeRange(zel::AxisRange& x, zel::AxisRange& y) override;
-    std::optional<double> IncludedY() const override;
+    std::optional<double> Included(Coordinate coordinate) const override;
     void SetDefaults() override;
     void DrawKey(const CRect& box) override;
     void Serialize(CArchive& ar) override;

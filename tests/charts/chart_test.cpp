@@ -1,3 +1,4 @@
+#include "ChartDrawing.h"
 #include "RandomDrawing.h"
 #include "Support.h"
 #include "charts/ChartLayout.h"
@@ -12,32 +13,8 @@ using zel::Box;
 using zel::Column;
 using zel::Scale;
 
-std::vector<double> Count(int n) {
-    std::vector<double> numbers;
-    for (int i = 0; i < n; ++i) numbers.push_back(i);
-    return numbers;
-}
-
-class Chart : public testing::Test {
-  protected:
-    explicit Chart(const zel::ChartOptions& options = {}) {
-        chart = root.Add(std::make_unique<Zel2Chart>(options));
-    }
-    std::string Draw() {
-        zel::RecordingDevice device;
-        CDC dc(device);
-        root.PrepareMappingFor(&dc, nullptr, 0, 0);
-        root.Draw(&dc);
-        return device.Text();
-    }
-    std::string Notes() {
-        std::string all;
-        for (const std::string& note : chart->Notes()) all += note + "\n";
-        return all;
-    }
-    Zel2Main root;
-    Zel2Chart* chart = nullptr;  // the root's
-};
+using zel::test::Count;
+using Chart = zel::test::ChartDrawing;
 
 TEST_F(Chart, ranges_follow_the_data_until_they_are_set) {
     chart->AddLine(Count(8), std::vector<double>{1, 17.3, -2.96, std::nan(""), 3, 3, 3, 3});

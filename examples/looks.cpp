@@ -1,0 +1,151 @@
+// The other looks of charts, as docs/charts.md shows them.
+#include "apps/zel/Csv.h"
+#include "examples/gallery.h"
+
+#include <cmath>
+#include <map>
+
+namespace {
+
+using zel::ChartOptions;
+using zel::Column;
+
+// A drawing of one chart.
+struct Drawing {
+    explicit Drawing(const ChartOptions& options) {
+        root->SetRules(ZelRules::EXACT);
+        chart = root->Add(std::make_unique<Zel2Chart>(options));
+    }
+    std::unique_ptr<Zel2Main> root = std::make_unique<Zel2Main>();
+    Zel2Chart* chart = nullptr;
+};
+
+const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+
+// The name of the month of each row of the weather's table.
+std::vector<std::string> MonthsOf(const zel::cli::CsvTable& table) {
+    std::vector<std::string> months;
+    for (const auto& row : table.Rows()) months.emplace_back(kMonths[std::stoi(row[0].substr(5, 2)) - 1]);
+    return months;
+}
+
+std::unique_ptr<Zel2Main> MakeBarChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    std::map<std::string, std::vector<double>> days;  // by kind of weather, of each year from 2012 on
+    for (const auto& row : table.Rows()) {
+        auto& years = days.try_emplace(row.back(), std::vector<double>(4, 0)).first->second;
+        years[static_cast<std::size_t>(std::stoi(row[0].substr(0, 4)) - 2012)] += 1;
+    }
+    Drawing drawing({.title = "Days of each kind of weather", .subtitle = "Seattle", .size = {160, 85}});
+    drawing.chart->Y().SetTitle("Days");
+    for (const char* kind : {"sun", "fog", "rain"}) {
+        zel::BarOptions options{{.name = kind}};
+        options.labels = true;
+        drawing.chart->AddBars(std::vector<std::string>{"2012", "2013", "2014", "2015"}, days[kind], options);
+    }
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeShareChart(const std::string&) {
+    const std::vector<std::string> countries{"Norway", "Austria", "France", "Germany", "Poland"};
+    Drawing drawing({.title = "Electricity by source", .subtitle = "made-up figures", .size = {160, 75}});
+    zel::BarOptions options;
+    options.horizontal = true;
+    options.stacking = zel::Stacking::SHARES;
+    options.labels = true;
+    const auto add = [&](const char* name, std::vector<double> values) {
+        options.name = name;
+        drawing.chart->AddBars(countries, std::move(values), options);
+    };
+    add("water", {137, 41, 60, 19, 2});
+    add("wind and sun", {12, 11, 56, 180, 27});
+    add("nuclear", {0, 0, 361, 65, 0});
+    add("other", {3, 19, 49, 280, 147});
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeHistogramChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    Drawing drawing({.title = "Highest and lowest temperature of a day", .legend = zel::LegendPlace::INSIDE});
+    drawing.chart->X().SetTitle("Temperature").SetUnit("°C");
+    drawing.chart->Y().SetTitle("Days");
+    for (const char* name : {"temp_max", "temp_min"}) {
+        zel::HistogramOptions options{{.name = name[5] == 'm' && name[6] == 'a' ? "highest" : "lowest"}};
+        options.opacity = 0.6;
+        options.binWidth = 1;
+        drawing.chart->AddHistogram(table.Column(name), options);
+    }
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeErrorChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    const Column high = table.Column("temp_max");
+    const std::vector<std::string> months = MonthsOf(table);
+    std::map<std::string, std::vector<double>> byMonth;
+    for (std::size_t i = 0; i < high.Size(); ++i) byMonth[months[i]].push_back(high.At(i));
+    std::vector<std::string> names;
+    std::vector<double> middle, below, above;
+    for (const char* month : kMonths) {
+        names.emplace_back(month);
+        const std::vector<double>& values = byMonth[month];
+        middle.push_back(zel::Quantile(values, 0.5));
+        below.push_back(middle.back() - zel::Quantile(values, 0.1));
+        above.push_back(zel::Quantile(values, 0.9) - middle.back());
+    }
+    Drawing drawing({.title = "Highest temperature of a day",
+                     .subtitle = "median, and the range of eight days in ten",
+                     .size = {160, 80}});
+    drawing.chart->Y().SetUnit("°C");
+    drawing.chart->AddBars(names, middle, {{.name = "median", .color = zel::Color("#9ecae1")}});
+    drawing.chart->AddUnevenErrors(names, middle, below, above,
+                                   {{.name = "8 in 10", .color = RGB(60, 60, 60)}});
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeBoxChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    Drawing drawing({.title = "Wind by month", .size = {160, 85}});
+    drawing.chart->Y().SetTitle("Wind").SetUnit("m/s");
+    drawing.chart->X().SetCategories({std::begin(kMonths), std::end(kMonths)});
+    zel::BoxOptions options;
+    options.notches = true;
+    drawing.chart->AddBoxes(MonthsOf(table), table.Column("wind"), options);
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeCandleChart(const std::string&) {
+    std::vector<std::int64_t> days;
+    std::vector<double> open, high, low, close;
+    double price = 100;
+    std::uint32_t state = 7;
+    const auto random = [&state] {
+        state = state * 1664525U + 1013904223U;
+        return static_cast<double>(state >> 8) / (1 << 24);
+    };
+    for (int i = 0; i < 75; ++i) {
+        if (i % 7 > 4) continue;  // no trade at the weekend
+        days.push_back(1'704'067'200 + i * std::int64_t{86'400});
+        open.push_back(price);
+        price += 4 * (random() - 0.46);
+        close.push_back(price);
+        high.push_back(std::max(open.back(), price) + 2 * random());
+        low.push_back(std::min(open.back(), price) - 2 * random());
+    }
+    Drawing drawing({.title = "Prices of the day", .subtitle = "made-up figures", .size = {160, 80}});
+    drawing.chart->Y().SetFormat({.prefix = "$"});
+    drawing.chart->AddCandles(Column::Times(days, 1), open, high, low, close);
+    return std::move(drawing.root);
+}
+
+}  // namespace
+
+std::vector<Example> LookPictures() {
+    return {{"chart-bars", MakeBarChart},
+            {"chart-shares", MakeShareChart},
+            {"chart-histogram", MakeHistogramChart},
+            {"chart-errors", MakeErrorChart},
+            {"chart-boxes", MakeBoxChart},
+            {"chart-candles", MakeCandleChart}};
+}
