@@ -293,20 +293,6 @@ class TableReader {
                                     std::to_string(names_.size()) + "); these fields are left out, \"" +
                                     firstBeyond_ + "\" first. Fields with commas need quotes.");
         }
-        for (const ColumnFacts& facts : table_.facts_) {
-            if (facts.unread > 0) {
-                table_.notes_.push_back(table + std::to_string(facts.unread) + " of " + all +
-                                        " values of the column \"" + facts.name + "\" are no " +
-                                        NameOf(facts.kind) + "s and are left out; the first is \"" +
-                                        facts.examples.front().text + "\" in row " +
-                                        std::to_string(facts.examples.front().row) + ".");
-            }
-            if (facts.isAmbiguous) {
-                table_.notes_.push_back(table + "the dates of the column \"" + facts.name +
-                                        "\" can be read with the day or the month first; " + facts.form +
-                                        " was taken.");
-            }
-        }
     }
 
     ByteSource& source_;
@@ -327,6 +313,24 @@ Table Table::Read(const std::string& path, const ReadOptions& options) {
 Table Table::Parse(std::string_view bytes, const std::string& name, const ReadOptions& options) {
     const std::unique_ptr<ByteSource> source = ByteSource::Of(bytes);
     return TableReader(*source, name, options).Read();
+}
+
+std::vector<std::string> Table::NotesOf(std::size_t column) const {
+    std::vector<std::string> notes;
+    const ColumnFacts& facts = facts_[column];
+    const std::string table = "\"" + name_ + "\": ";
+    if (facts.unread > 0) {
+        const ColumnFacts::Unread& first = facts.examples.front();
+        notes.push_back(table + std::to_string(facts.unread) + " of " + std::to_string(rows_) +
+                        " values of the column \"" + facts.name + "\" are no " + NameOf(facts.kind) +
+                        "s and are left out; the first is \"" + first.text + "\" in row " +
+                        std::to_string(first.row) + ".");
+    }
+    if (facts.isAmbiguous) {
+        notes.push_back(table + "the dates of the column \"" + facts.name +
+                        "\" can be read with the day or the month first; " + facts.form + " was taken.");
+    }
+    return notes;
 }
 
 std::size_t Table::IndexOf(const std::string& column) const {

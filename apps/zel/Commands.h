@@ -10,6 +10,7 @@
 
 namespace zel::cli {
 
+void AddDescribeCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
 void AddImportCommand(CLI::App& app);
 void AddConvertCommand(CLI::App& app);

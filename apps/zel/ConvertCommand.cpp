@@ -1,5 +1,4 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 
 #include <zel/zel.h>
 

@@ -1,13 +1,13 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 #include "apps/zel/Database.h"
 #include "apps/zel/Figure.h"
+#include "apps/zel/TableChoice.h"
 
 namespace zel::cli {
 namespace {
 
 struct PlotChoice {
-    std::string input;
+    TableChoice table;
     DatabaseChoice database;
     std::string x;
     std::vector<std::string> ys;
@@ -27,13 +27,16 @@ std::optional<std::pair<double, double>> RangeOf(const std::vector<double>& valu
 }
 
 std::vector<Series> ReadSeries(const PlotChoice& choice) {
-    if (choice.input.empty() == choice.database.database.empty())
-        throw Error("Cannot plot: either a CSV file or --db must say where the data is");
-    if (choice.input.empty()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
-    const CsvTable table = CsvTable::Read(choice.input);
-    const zel::Column x = table.Column(choice.x);
+    if (choice.table.IsGiven() != choice.database.database.empty())
+        throw Error("Cannot plot: either a table or --db must say where the data is");
+    if (!choice.table.IsGiven()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
+    const tables::Table table = choice.table.Read();
+    const Column x = CoordinateOf(table, choice.x);
     std::vector<Series> series;
-    for (const std::string& y : choice.ys) series.push_back({y, x, table.Column(y), nullptr});
+    for (const std::string& y : choice.ys) {
+        Column values = MeasureOf(table, y);
+        series.push_back({values.Name(), x, std::move(values), nullptr});
+    }
     return series;
 }
 
@@ -49,7 +52,7 @@ void Plot(PlotChoice& choice) {
         !series.empty() && (series.front().source ? series.front().source->HasDates()
                                                   : series.front().x.GetKind() == zel::Column::Kind::TIMES);
     if (figure.xTitle.empty() && !ofDates)
-        figure.xTitle = choice.input.empty() ? ColumnTitle(choice.x) : series.front().x.Name();
+        figure.xTitle = !choice.table.IsGiven() ? ColumnTitle(choice.x) : series.front().x.Name();
     if (figure.yTitle.empty() && choice.ys.size() == 1) figure.yTitle = series.front().name;
     if (!choice.size.empty()) {
         figure.width = choice.size[0];
@@ -62,7 +65,7 @@ void Plot(PlotChoice& choice) {
 void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
     CLI::Option* const database = command.add_option(
         "--db", choice.database,
-        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a CSV file");
+        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a table");
     command.add_option("--table", choice.table, "Table of the database")->needs(database);
     command.add_option("--where", choice.where, "Condition in SQL that records must meet")->needs(database);
     command
@@ -74,9 +77,9 @@ void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
 
 void AddPlotCommand(CLI::App& app) {
     CLI::App* command =
-        app.add_subcommand("plot", "Draw columns of a CSV file or a database table as a graph");
+        app.add_subcommand("plot", "Draw columns of a table, of a file or a database, as a chart");
     auto choice = std::make_shared<PlotChoice>();
-    command->add_option("data", choice->input, "CSV file; its first row names the columns");
+    choice->table.AddTo(*command);
     AddDatabaseOptions(*command, choice->database);
     command
         ->add_option("--x", choice->x,

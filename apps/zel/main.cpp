@@ -34,6 +34,7 @@ int main(int argc, char** argv) {
     app.require_subcommand(1);
     app.footer(
         "Examples:\n"
+        "  zel describe data.csv\n"
         "  zel plot data.csv --x year --y temp -o out.pdf\n"
         "  zel report data.csv --title Weather -o report.pdf\n"
         "  zel plot --db weather.sqlite --table daily --x date --y temp_max -o out.pdf\n"
@@ -41,6 +42,7 @@ int main(int argc, char** argv) {
         "  zel convert drawing.zel out.svg\n"
         "  zel info drawing.zel\n"
         "\"zel plot --help\" tells more. Exit codes: 0 done, 1 failed, others wrong usage.");
+    zel::cli::AddDescribeCommand(app);
     zel::cli::AddPlotCommand(app);
     zel::cli::AddImportCommand(app);
     zel::cli::AddConvertCommand(app);

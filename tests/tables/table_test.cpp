@@ -125,11 +125,11 @@ TEST(Tables, UnderstandTimes) {
 
     const Table open = Table::Parse("d,n\n3/4/2020,1\n5/6/2020,2\n", "a.csv");
     EXPECT_EQ(Described(open), "d time: 2020-03-04 2020-05-06; n number: 1 2");
-    EXPECT_THAT(open.Notes(), ElementsAre(HasSubstr("day or the month first")));
+    EXPECT_THAT(open.NotesOf(0), ElementsAre(HasSubstr("day or the month first")));
     const Table given =
         Table::Parse("d,n\n3/4/2020,1\n", "a.csv", {.dates = zel::tables::DateOrder::DAY_FIRST});
     EXPECT_EQ(Described(given), "d time: 2020-04-03; n number: 1");
-    EXPECT_THAT(given.Notes(), ElementsAre());
+    EXPECT_THAT(given.NotesOf(0), ElementsAre());
 }
 
 TEST(Tables, UnderstandHeadersAndWhatStandsAbove) {
@@ -183,7 +183,7 @@ TEST(Tables, LookAtTheWholeColumn) {
     ASSERT_EQ(table.Columns()[1].unread, 1U);
     EXPECT_EQ(table.Columns()[1].examples[0].text, "A7");
     EXPECT_EQ(table.Columns()[1].examples[0].row, rows + 1);
-    EXPECT_THAT(table.Notes(), ElementsAre(HasSubstr("\"A7\" in row 200001")));
+    EXPECT_THAT(table.NotesOf(1), ElementsAre(HasSubstr("\"A7\" in row 200001")));
 
     for (int i = 0; i < 300000; ++i) text += "5/6/2020,B\n";
     table = Table::Parse(text, "a.csv");

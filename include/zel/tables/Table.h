@@ -86,9 +86,10 @@ class Table {
     const Column& operator[](const std::string& column) const { return columns_[IndexOf(column)]; }
     // A cell as it stands in the file; only with ReadOptions::keepTexts. Empty beyond the end of its row.
     std::string_view Text(std::size_t row, std::size_t column) const;
-    // Sentences about what was not taken in: cells that do not fit, fields beyond the header, dates that can
-    // be read in two ways.
+    // Sentences about what was not taken in: fields beyond the header; and of one column cells that do not
+    // fit, dates that can be read in two ways.
     const std::vector<std::string>& Notes() const { return notes_; }
+    std::vector<std::string> NotesOf(std::size_t column) const;
 
   private:
     friend class TableReader;
