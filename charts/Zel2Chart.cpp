@@ -165,6 +165,16 @@ Zel2CandleLayer* Zel2Chart::AddCandles(zel::Column times, zel::Column open, zel:
                                                       std::move(low), std::move(close), options));
 }
 
+Zel2HeatLayer* Zel2Chart::AddHeatMap(zel::Column x, zel::Column y, zel::Column values,
+                                     const zel::HeatMapOptions& options) {
+    return AddLayer(std::make_unique<Zel2HeatLayer>(std::move(x), std::move(y), std::move(values), options));
+}
+
+Zel2HeatLayer* Zel2Chart::AddHeatMapOfRows(const zel::Column& x, const zel::Column& y,
+                                           const zel::Column& values, const zel::HeatMapOptions& options) {
+    return AddLayer(Zel2HeatLayer::OfRows(x, y, values, options));
+}
+
 int Zel2Chart::TextFont() {
     return FontFor("Chart Text", 1, false, kInk);
 }

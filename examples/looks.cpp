@@ -139,6 +139,48 @@ std::unique_ptr<Zel2Main> MakeCandleChart(const std::string&) {
     return std::move(drawing.root);
 }
 
+std::unique_ptr<Zel2Main> MakeHeatChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather-hourly-normals.csv");
+    const Column times = table.Column("date");
+    std::vector<std::int64_t> days;
+    std::vector<double> hours;
+    for (std::size_t i = 0; i < times.Size(); ++i) {
+        const auto second = static_cast<std::int64_t>(times.Origin() + times.At(i));
+        days.push_back(second / 86'400 * 86'400);
+        hours.push_back(static_cast<double>(second % 86'400) / 3600);
+    }
+    Drawing drawing({.title = "A usual year in Seattle", .size = {160, 80}});
+    drawing.chart->Y().SetTitle("Hour").SetTicks({{0, "0"}, {6, "6"}, {12, "12"}, {18, "18"}});
+    zel::HeatMapOptions options;
+    options.colors.title = "Temperature";
+    options.colors.unit = "°C";
+    drawing.chart->AddHeatMapOfRows(Column::Times(days, 1), hours, table.Column("temperature"), options);
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    const Column high = table.Column("temp_max");
+    const std::vector<std::string> months = MonthsOf(table);
+    std::vector<std::string> years;
+    std::map<std::string, std::vector<double>> ofMonth;
+    for (std::size_t i = 0; i < high.Size(); ++i) {
+        years.push_back(table.Rows()[i][0].substr(0, 4));
+        ofMonth[months[i]].push_back(high.At(i));
+    }
+    std::vector<double> departures;
+    for (std::size_t i = 0; i < high.Size(); ++i)
+        departures.push_back(high.At(i) - zel::Quantile(ofMonth[months[i]], 0.5));
+    Drawing drawing({.title = "Warmer and colder months than usual", .size = {160, 70}});
+    zel::HeatMapOptions options;
+    options.colors.scheme = zel::ColorScheme::DIVERGING;
+    options.colors.spread = zel::ColorSpread::CENTRED;
+    options.colors.title = "Departure from the median";
+    options.colors.unit = "°C";
+    drawing.chart->AddHeatMapOfRows(months, years, departures, options);
+    return std::move(drawing.root);
+}
+
 }  // namespace
 
 std::vector<Example> LookPictures() {
@@ -147,5 +189,7 @@ std::vector<Example> LookPictures() {
             {"chart-histogram", MakeHistogramChart},
             {"chart-errors", MakeErrorChart},
             {"chart-boxes", MakeBoxChart},
-            {"chart-candles", MakeCandleChart}};
+            {"chart-candles", MakeCandleChart},
+            {"chart-heat", MakeHeatChart},
+            {"chart-diverging", MakeDivergingChart}};
 }
