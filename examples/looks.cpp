@@ -181,6 +181,40 @@ std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
     return std::move(drawing.root);
 }
 
+std::unique_ptr<Zel2Main> MakeBubbleChart(const std::string& folder) {
+    const auto table = zel::cli::CsvTable::Read(folder + "/earthquakes-week.csv");
+    Drawing drawing({.title = "Earthquakes of a week", .size = {160, 95}});
+    zel::BubbleOptions options{{.opacity = 0.7}};
+    // Energy grows with the magnitude as a power.
+    std::vector<double> energy;
+    const Column magnitude = table.Column("magnitude");
+    for (std::size_t i = 0; i < magnitude.Size(); ++i)
+        energy.push_back(std::pow(10.0, 0.5 * magnitude.At(i)));
+    options.sizes = energy;
+    options.colors = table.Column("depth_km");
+    options.size = 22;
+    options.colorMap.spread = zel::ColorSpread::QUANTILES;
+    options.colorMap.title = "Depth";
+    options.colorMap.unit = "km";
+    drawing.chart->X().SetTitle("Longitude").SetUnit("°");
+    drawing.chart->Y().SetTitle("Latitude").SetUnit("°");
+    drawing.chart->AddBubbles(table.Column("longitude"), table.Column("latitude"), options);
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeTextChart(const std::string&) {
+    const std::vector<std::string> names{"Mercury", "Venus",  "Earth",  "Mars",   "Ceres",
+                                         "Jupiter", "Saturn", "Uranus", "Neptune"};
+    const std::vector<double> distance{0.387, 0.723, 1, 1.524, 2.77, 5.203, 9.537, 19.19, 30.07},
+        period{0.241, 0.615, 1, 1.881, 4.6, 11.86, 29.45, 84.02, 164.8};
+    Drawing drawing({.title = "Kepler's third law", .size = {120, 85}});
+    drawing.chart->X().SetLogarithm().SetTitle("Distance from the Sun").SetUnit("AU");
+    drawing.chart->Y().SetLogarithm().SetTitle("Period").SetUnit("years");
+    drawing.chart->AddPoints(distance, period);
+    drawing.chart->AddTexts(distance, period, names);
+    return std::move(drawing.root);
+}
+
 }  // namespace
 
 std::vector<Example> LookPictures() {
@@ -191,5 +225,7 @@ std::vector<Example> LookPictures() {
             {"chart-boxes", MakeBoxChart},
             {"chart-candles", MakeCandleChart},
             {"chart-heat", MakeHeatChart},
-            {"chart-diverging", MakeDivergingChart}};
+            {"chart-diverging", MakeDivergingChart},
+            {"chart-bubbles", MakeBubbleChart},
+            {"chart-texts", MakeTextChart}};
 }

@@ -235,7 +235,7 @@ class RandomDrawing {
             zel::LayerOptions layer{.name = Below(2) ? "layer " + std::to_string(i) : "",
                                     .opacity = Below(5) / 4.0};
             if (Below(2)) layer.color = zel::Color(static_cast<COLORREF>(Below(1 << 24)));
-            switch (Below(12)) {
+            switch (Below(14)) {
                 case 4:
                     Below(3) ? chart->AddBars(Data(), Data(), AnyBars(layer))
                              : chart->AddFloatingBars(Data(), Data(), Data(), AnyBars(layer));
@@ -247,6 +247,15 @@ class RandomDrawing {
                     Below(2) ? chart->AddErrors(Data(), Data(), Numbers(),
                                                 {layer, Below(2) != 0, 1, 4.0 * Below(2)})
                              : chart->AddUnevenErrors(Data(), Data(), Numbers(), Numbers(), {layer});
+                    break;
+                case 10:
+                    chart->AddBubbles(Data(), Data(),
+                                      {layer, Below(2) ? zel::Column(Numbers()) : zel::Column(),
+                                       Below(2) ? Data() : zel::Column(), 1.0 + Below(20), AnyColors()});
+                    break;
+                case 11:
+                    chart->AddTexts(Data(), Data(), std::vector<std::string>{"a", "longer text", ""},
+                                    {layer});
                     break;
                 case 9:
                     AddHeatMap(*chart, layer);

@@ -187,6 +187,16 @@ zel::Column CsvTable::Column(const std::string& name) const {
     return column.SetName(names_[index]);
 }
 
+zel::Column CsvTable::ColumnOrNames(const std::string& name) const {
+    const std::size_t index = IndexOf(name);
+    std::vector<std::string> names;
+    for (const auto& row : rows_) {
+        names.push_back(index < row.size() ? row[index] : "");
+        if (CellTime(names.back()) || std::isfinite(CellValue(names.back()))) return Column(name);
+    }
+    return zel::Column(names).SetName(names_[index]);
+}
+
 void CsvTable::WarnOfWords(std::size_t column) const {
     std::size_t count = 0;
     std::string first;

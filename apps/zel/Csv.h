@@ -36,6 +36,8 @@ class CsvTable {
     // another kind are absent. Throws Error for a column that does not exist or holds no value at all, and
     // warns of cells that hold none.
     zel::Column Column(const std::string& name) const;
+    // The same, but texts where it holds neither numbers nor dates.
+    zel::Column ColumnOrNames(const std::string& name) const;
     // Says how many cells of a column, from 0, are neither empty nor a value, and what the first of them is.
     void WarnOfWords(std::size_t column) const;
 

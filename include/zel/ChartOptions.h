@@ -167,4 +167,19 @@ struct PointOptions : LayerOptions {
     std::optional<SymbolKind> shape{};  // that of the palette entry without
 };
 
+// Points with a size and a colour of their own.
+struct BubbleOptions : LayerOptions {
+    // The area of a mark is in proportion to its value; without, all have `size`.
+    Column sizes{};
+    // Numbers have the colours of the map, texts those of the palette in order of appearance; without, all
+    // have `color`.
+    Column colors{};
+    double size = 5;  // the diameter of the marks, or of the largest one, points
+    ColorOptions colorMap{};
+};
+
+struct TextOptions : LayerOptions {
+    double distance = 4;  // from the point to its text, points
+};
+
 }  // namespace zel

@@ -82,6 +82,11 @@ class Zel2Chart : public Zel2Set {
                               const zel::HeatMapOptions& options = {});
     Zel2HeatLayer* AddHeatMapOfRows(const zel::Column& x, const zel::Column& y, const zel::Column& values,
                                     const zel::HeatMapOptions& options = {});
+    // Points with size and colour by columns.
+    Zel2BubbleLayer* AddBubbles(zel::Column x, zel::Column y, const zel::BubbleOptions& options = {});
+    // A text beside each point.
+    Zel2TextLayer* AddTexts(zel::Column x, zel::Column y, zel::Column texts,
+                            const zel::TextOptions& options = {});
     // A line along a series, which the chart owns; the host may keep the pointer to append points.
     template <class Series>
     Series* AddLine(std::unique_ptr<Series> series, const zel::LineOptions& options = {}) {

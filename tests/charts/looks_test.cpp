@@ -373,4 +373,43 @@ TEST(CellPyramid, has_means) {
     EXPECT_EQ(pyramid.FactorX(pyramid.LevelFor(100, 100)), 4U) << "until few are left";
 }
 
+// Areas in proportion to values; high values in front; the legend says sizes and categories.
+TEST_F(Looks, bubbles_have_sizes_and_colours_of_their_own) {
+    zel::BubbleOptions options;
+    options.sizes = std::vector<double>{1, 4, 0};
+    options.colors = std::vector<double>{2, 1, 3};
+    options.size = 20;
+    chart->AddBubbles(Count(3), Count(3), options);
+    std::vector<std::pair<int, std::string>> discs;
+    std::istringstream lines(Draw());
+    std::string brush;
+    for (std::string line; std::getline(lines, line);) {
+        int l = 0, t = 0, r = 0, b = 0;
+        if (line.starts_with("brush solid ")) brush = line.substr(12);
+        if (std::sscanf(line.c_str(), "ellipse %d,%d %d,%d", &l, &t, &r, &b) == 4 && brush != "#969696")
+            discs.emplace_back(r - l, brush);
+    }
+    ASSERT_EQ(discs.size(), 2U) << "a size of 0 is no point";
+    EXPECT_EQ(discs[0].second, "#440154") << "the large one, with the lowest value, first";
+    EXPECT_EQ(discs[1].second, "#21908c");
+    EXPECT_NEAR(discs[0].first, 2 * discs[1].first, 2);
+    EXPECT_THAT(Notes(), HasSubstr("1 points have sizes that are not above 0"));
+    EXPECT_EQ(chart->Layout().colorBars.size(), 1U);
+    EXPECT_EQ(chart->Layout().legend.size(), 3U) << "three round sizes";
+    options.colors = std::vector<std::string>{"one", "two", "one"};
+    chart->AddBubbles(Count(3), Count(3), options);
+    EXPECT_EQ(chart->Layout().legend.size(), 8U);
+    EXPECT_EQ(chart->Layout().legend[3].name.text, "one");
+}
+
+TEST_F(Looks, texts_at_points_give_way) {
+    chart->AddTexts(std::vector<double>{1, 1, 3}, std::vector<double>{1, 1, 2},
+                    std::vector<std::string>{"here", "there", "beyond"});
+    chart->X().SetRange(0, 2);
+    chart->Y().SetRange(0, 2);
+    EXPECT_THAT(zel::test::Letters(Draw()), HasSubstr("herethere")) << "at different sides of the same point";
+    EXPECT_THAT(zel::test::Letters(Draw()), testing::Not(HasSubstr("beyond")));
+    EXPECT_THROW(chart->AddTexts(Count(2), Count(2), Count(2)), zel::Error);
+}
+
 }  // namespace
