@@ -87,6 +87,10 @@ std::size_t Zel2BoxLayer::Items() {
     return Groups().size();
 }
 
+std::size_t Zel2BoxLayer::RowOf(std::size_t item) {
+    return Groups()[item].row;
+}
+
 void Zel2BoxLayer::TakeRange(zel::AxisRange& x, zel::AxisRange& y) {
     zel::AxisRange& positions = PositionsOf(x, y);
     zel::AxisRange& values = ValuesOf(x, y);

@@ -51,6 +51,7 @@ struct PlacedColorBar {
 
 struct LegendEntry {
     Zel2Layer* layer = nullptr;  // null for the note that some are left out
+    int part = -1;               // of the layer's further lines; -1 for its name
     Box key;
     Box whole;
     PlacedText name;

@@ -149,12 +149,18 @@ void ChartLayouter::PlaceTitles(int level) {
 void ChartLayouter::PlaceLegend(int level) {
     LegendPlace place = chart_.Legend();
     if (level >= NO_LEGEND || place == LegendPlace::NONE) return;
-    std::vector<std::pair<Zel2Layer*, std::string>> entries;
-    for (Zel2Layer* layer : chart_.Layers())
-        if (!layer->Name().empty()) entries.emplace_back(layer, layer->Name());
+    std::vector<LegendLayout::Line> entries;
+    int keyHeight = 0;
+    for (Zel2Layer* layer : chart_.Layers()) {
+        if (!layer->Name().empty()) entries.push_back({layer, -1, layer->Name()});
+        if (!layer->IsVisible()) continue;
+        int part = 0;
+        for (std::string& text : layer->KeyParts()) entries.push_back({layer, part++, std::move(text)});
+        keyHeight = std::max(keyHeight, layer->KeyHeight());
+    }
     if (entries.empty() || (place == LegendPlace::AUTOMATIC && entries.size() < 2)) return;
 
-    LegendLayout legend(text_, fonts_.text, std::move(entries));
+    LegendLayout legend(text_, fonts_.text, std::move(entries), keyHeight);
     const int gap = UnitsOfPoints(kBlockGap);
     const int width = inner_.Width(), height = inner_.Height();
     if (level >= SHORT_LEGEND && place != LegendPlace::INSIDE) {

@@ -163,7 +163,9 @@ void ChartPainter::DrawLegend() {
     for (const LegendEntry& entry : layout_.legend) {
         if (entry.layer && entry.layer->IsVisible()) {
             entry.layer->SetDefaults();
-            entry.layer->DrawKey(ToLogical(entry.key));
+            const CRect key = ToLogical(entry.key);
+            entry.part < 0 ? entry.layer->DrawKey(key)
+                           : entry.layer->DrawKeyPart(static_cast<std::size_t>(entry.part), key);
         }
         PlacedText name = entry.name;
         if (entry.layer && !entry.layer->IsVisible()) name.font = chart_.GetFontIndex("Chart Hidden");

@@ -165,6 +165,25 @@ Zel2CandleLayer* Zel2Chart::AddCandles(zel::Column times, zel::Column open, zel:
                                                       std::move(low), std::move(close), options));
 }
 
+Zel2HeatLayer* Zel2Chart::AddHeatMap(zel::Column x, zel::Column y, zel::Column values,
+                                     const zel::HeatMapOptions& options) {
+    return AddLayer(std::make_unique<Zel2HeatLayer>(std::move(x), std::move(y), std::move(values), options));
+}
+
+Zel2HeatLayer* Zel2Chart::AddHeatMapOfRows(const zel::Column& x, const zel::Column& y,
+                                           const zel::Column& values, const zel::HeatMapOptions& options) {
+    return AddLayer(Zel2HeatLayer::OfRows(x, y, values, options));
+}
+
+Zel2BubbleLayer* Zel2Chart::AddBubbles(zel::Column x, zel::Column y, const zel::BubbleOptions& options) {
+    return AddLayer(std::make_unique<Zel2BubbleLayer>(std::move(x), std::move(y), options));
+}
+
+Zel2TextLayer* Zel2Chart::AddTexts(zel::Column x, zel::Column y, zel::Column texts,
+                                   const zel::TextOptions& options) {
+    return AddLayer(std::make_unique<Zel2TextLayer>(std::move(x), std::move(y), std::move(texts), options));
+}
+
 int Zel2Chart::TextFont() {
     return FontFor("Chart Text", 1, false, kInk);
 }
@@ -611,8 +630,12 @@ void Zel2Chart::DrawLabels() {
     const zel::TextRuler ruler(*Font(TextFont()));
     const CSize line = Map()->ToLogical(CSize(ruler.LineHeight() * 3, ruler.LineHeight()));
     const WorldFrame world = FrameOf(*layers.front()).world;
-    zel::FreeSpace space(CRect(world.lower, world.upper),
-                         CSize(zel::Magnitude(line.cx), zel::Magnitude(line.cy)));
+    const CSize cell(zel::Magnitude(line.cx), zel::Magnitude(line.cy));
+    CRect bounds(world.lower, world.upper);
+    bounds.NormalizeRect();
+    // There is a little room around the plot area before the labels of the axes begin.
+    bounds.InflateRect(cell.cy * 2 / 5, cell.cy * 2 / 5);
+    zel::FreeSpace space(bounds, cell);
     for (Zel2Layer* layer : layers) layer->BlockLabels(FrameOf(*layer), space);
     for (Zel2Layer* layer : layers) layer->DrawLabels(FrameOf(*layer), space);
 }

@@ -85,9 +85,9 @@ double Zel2RowLayer::LeastStep(const zel::Scale& positions) {
     if (leastStep_ && stepRevision_ == Revision()) return *leastStep_;
     const zel::SeriesValues& at = On(0, positions);
     std::vector<double> places;
-    places.reserve(Rows());
-    for (std::size_t i = 0; i < Rows(); ++i) {
-        const double place = positions.Forward(at.At(i));
+    places.reserve(Items());
+    for (std::size_t i = 0; i < Items(); ++i) {
+        const double place = positions.Forward(at.At(RowOf(i)));
         if (std::isfinite(place)) places.push_back(place);
     }
     if (!std::is_sorted(places.begin(), places.end())) std::sort(places.begin(), places.end());
@@ -145,13 +145,13 @@ void Zel2RowLayer::TakePositions(zel::AxisRange& range, const Room& room) {
     const zel::Scale& scale = range.GetScale();
     const zel::SeriesValues& at = On(0, scale);
     double low = std::numeric_limits<double>::infinity(), high = -low;
-    for (std::size_t i = 0; i < Rows(); ++i) {
-        const double place = scale.Forward(at.At(i));
+    for (std::size_t i = 0; i < Items(); ++i) {
+        const double position = at.At(RowOf(i)), place = scale.Forward(position);
         if (std::isfinite(place)) {
             low = std::min(low, place);
             high = std::max(high, place);
         } else {
-            range.Add(at.At(i));  // counted
+            range.Add(position);  // counted
         }
     }
     if (low > high) return;

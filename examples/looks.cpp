@@ -143,6 +143,82 @@ std::unique_ptr<Zel2Main> MakeCandleChart(const std::string&) {
     return std::move(drawing.root);
 }
 
+std::unique_ptr<Zel2Main> MakeHeatChart(const std::string& folder) {
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather-hourly-normals.csv");
+    const Column times = table["date"];
+    std::vector<std::int64_t> days;
+    std::vector<double> hours;
+    for (std::size_t i = 0; i < times.Size(); ++i) {
+        const auto second = static_cast<std::int64_t>(times.Origin() + times.At(i));
+        days.push_back(second / 86'400 * 86'400);
+        hours.push_back(static_cast<double>(second % 86'400) / 3600);
+    }
+    Drawing drawing({.title = "A usual year in Seattle", .size = {160, 80}});
+    drawing.chart->Y().SetTitle("Hour").SetTicks({{0, "0"}, {6, "6"}, {12, "12"}, {18, "18"}});
+    zel::HeatMapOptions options;
+    options.colors.title = "Temperature";
+    options.colors.unit = "°C";
+    drawing.chart->AddHeatMapOfRows(Column::Times(days, 1), hours, table["temperature"], options);
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
+    const Column high = table["temp_max"];
+    const std::vector<std::string> months = MonthsOf(table);
+    std::vector<std::string> years;
+    std::map<std::string, std::vector<double>> ofMonth;
+    for (std::size_t i = 0; i < high.Size(); ++i) {
+        years.push_back(std::to_string(static_cast<int>(DayOf(table["date"], i).year())));
+        ofMonth[months[i]].push_back(high.At(i));
+    }
+    std::vector<double> departures;
+    for (std::size_t i = 0; i < high.Size(); ++i)
+        departures.push_back(high.At(i) - zel::Quantile(ofMonth[months[i]], 0.5));
+    Drawing drawing({.title = "Warmer and colder months than usual", .size = {160, 70}});
+    zel::HeatMapOptions options;
+    options.colors.scheme = zel::ColorScheme::DIVERGING;
+    options.colors.spread = zel::ColorSpread::CENTRED;
+    options.colors.title = "Departure from the median";
+    options.colors.unit = "°C";
+    drawing.chart->AddHeatMapOfRows(months, years, departures, options);
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeBubbleChart(const std::string& folder) {
+    const auto table = zel::tables::Table::Read(folder + "/earthquakes-week.csv");
+    Drawing drawing({.title = "Earthquakes of a week", .size = {160, 95}});
+    zel::BubbleOptions options{{.opacity = 0.7}};
+    // Energy grows with the magnitude as a power.
+    std::vector<double> energy;
+    const Column magnitude = table["magnitude"];
+    for (std::size_t i = 0; i < magnitude.Size(); ++i)
+        energy.push_back(std::pow(10.0, 0.5 * magnitude.At(i)));
+    options.sizes = energy;
+    options.colors = table["depth_km"];
+    options.size = 22;
+    options.colorMap.spread = zel::ColorSpread::QUANTILES;
+    options.colorMap.title = "Depth";
+    options.colorMap.unit = "km";
+    drawing.chart->X().SetTitle("Longitude").SetUnit("°");
+    drawing.chart->Y().SetTitle("Latitude").SetUnit("°");
+    drawing.chart->AddBubbles(table["longitude"], table["latitude"], options);
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakeTextChart(const std::string&) {
+    const std::vector<std::string> names{"Mercury", "Venus",  "Earth",  "Mars",   "Ceres",
+                                         "Jupiter", "Saturn", "Uranus", "Neptune"};
+    const std::vector<double> distance{0.387, 0.723, 1, 1.524, 2.77, 5.203, 9.537, 19.19, 30.07},
+        period{0.241, 0.615, 1, 1.881, 4.6, 11.86, 29.45, 84.02, 164.8};
+    Drawing drawing({.title = "Kepler's third law", .size = {120, 85}});
+    drawing.chart->X().SetLogarithm().SetTitle("Distance from the Sun").SetUnit("AU");
+    drawing.chart->Y().SetLogarithm().SetTitle("Period").SetUnit("years");
+    drawing.chart->AddPoints(distance, period);
+    drawing.chart->AddTexts(distance, period, names);
+    return std::move(drawing.root);
+}
+
 }  // namespace
 
 std::vector<Example> LookPictures() {
@@ -151,5 +227,9 @@ std::vector<Example> LookPictures() {
             {"chart-histogram", MakeHistogramChart},
             {"chart-errors", MakeErrorChart},
             {"chart-boxes", MakeBoxChart},
-            {"chart-candles", MakeCandleChart}};
+            {"chart-candles", MakeCandleChart},
+            {"chart-heat", MakeHeatChart},
+            {"chart-diverging", MakeDivergingChart},
+            {"chart-bubbles", MakeBubbleChart},
+            {"chart-texts", MakeTextChart}};
 }

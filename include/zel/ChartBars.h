@@ -56,6 +56,8 @@ class Zel2RowLayer : public Zel2Layer {
 
     // What the layer draws, one after another: rows, or what they are summed up to.
     virtual std::size_t Items() { return Rows(); }
+    // A row that has the position of an item.
+    virtual std::size_t RowOf(std::size_t item) { return item; }
     // The box of an item in logical units, ordered, not cut by the plot area; none for one that is not drawn.
     virtual std::optional<CRect> BoxOf(std::size_t item, const zel::OrientedFrame& frame) = 0;
     // Row, position and value of an item, on the scales of the frame. The default: of the first two columns.

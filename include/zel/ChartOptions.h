@@ -2,6 +2,7 @@
 // are of the page, points (1/72 inch) where they are of lines, marks and letters.
 #pragma once
 
+#include <zel/ColorMap.h>
 #include <zel/Column.h>
 #include <zel/Scale.h>
 #include <zel/Statistics.h>
@@ -39,6 +40,14 @@ enum class BinMeasure : int {
     COUNT = 0,   // how many, or the sum of their weights
     SHARE = 1,   // of all: the bins add up to 1
     DENSITY = 2  // share by width: the areas add up to 1
+};
+
+// How colours are spread over values. Stored in documents by number.
+enum class ColorSpread : int {
+    LINEAR = 0,
+    LOGARITHM = 1,  // values that are not above 0 have no colour
+    QUANTILES = 2,  // each colour for as many values
+    CENTRED = 3     // linear, with the middle of the map at `centre`
 };
 
 // Width and height in millimetres.
@@ -133,9 +142,44 @@ struct CandleOptions : LayerOptions {
     double width = 0.7;              // of the distance between candles, from 0 to 1
 };
 
+struct ColorOptions {
+    ColorScheme scheme = ColorScheme::VIRIDIS;
+    bool reversed = false;
+    ColorSpread spread = ColorSpread::LINEAR;
+    // The ends, as in the data where they are not given. Values beyond have the colours of the ends.
+    std::optional<double> from{}, to{};
+    double centre = 0;
+    // A bar of the colours with an axis, at the right of the chart.
+    bool bar = true;
+    std::string title{}, unit{};  // of the bar's axis
+    NumberFormat format{};
+};
+
+struct HeatMapOptions : LayerOptions {
+    ColorOptions colors{};
+    // The columns of x and y have the edges of the cells, one more than there are cells, instead of the
+    // middles.
+    bool edges = false;
+};
+
 struct PointOptions : LayerOptions {
     double size = 5;                    // points
     std::optional<SymbolKind> shape{};  // that of the palette entry without
+};
+
+// Points with a size and a colour of their own.
+struct BubbleOptions : LayerOptions {
+    // The area of a mark is in proportion to its value; without, all have `size`.
+    Column sizes{};
+    // Numbers have the colours of the map, texts those of the palette in order of appearance; without, all
+    // have `color`.
+    Column colors{};
+    double size = 5;  // the diameter of the marks, or of the largest one, points
+    ColorOptions colorMap{};
+};
+
+struct TextOptions : LayerOptions {
+    double distance = 4;  // from the point to its text, points
 };
 
 }  // namespace zel

@@ -69,6 +69,7 @@ class Zel2BoxLayer : public Zel2RowLayer {
 
   protected:
     std::size_t Items() override;
+    std::size_t RowOf(std::size_t item) override;
     std::optional<CRect> BoxOf(std::size_t item, const zel::OrientedFrame& frame) override;
     zel::Datum DatumOf(std::size_t item, const zel::OrientedFrame& frame) override;
     std::optional<std::string> Slot() const override;

@@ -16,27 +16,6 @@ class Zel2Chart;
 
 namespace zel {
 
-// How colours are spread over values. Stored in documents by number.
-enum class ColorSpread : int {
-    LINEAR = 0,
-    LOGARITHM = 1,  // values that are not above 0 have no colour
-    QUANTILES = 2,  // each colour for as many values
-    CENTRED = 3     // linear, with the middle of the map at `centre`
-};
-
-struct ColorOptions {
-    ColorScheme scheme = ColorScheme::VIRIDIS;
-    bool reversed = false;
-    ColorSpread spread = ColorSpread::LINEAR;
-    // The ends, as in the data where they are not given. Values beyond have the colours of the ends.
-    std::optional<double> from{}, to{};
-    double centre = 0;
-    // A bar of the colours with an axis, at the right of the chart.
-    bool bar = true;
-    std::string title{}, unit{};  // of the bar's axis
-    NumberFormat format{};
-};
-
 // Owned by its layer.
 class ColorKey {
   public:

@@ -4,6 +4,7 @@
 #include <zel/ChartAxis.h>
 #include <zel/ChartBars.h>
 #include <zel/ChartLayers.h>
+#include <zel/ChartMaps.h>
 #include <zel/ChartOptions.h>
 #include <zel/ChartSpreads.h>
 #include <zel/Zel2Set.h>
@@ -76,6 +77,16 @@ class Zel2Chart : public Zel2Set {
     Zel2BoxLayer* AddBoxes(zel::Column groups, zel::Column values, const zel::BoxOptions& options = {});
     Zel2CandleLayer* AddCandles(zel::Column times, zel::Column open, zel::Column high, zel::Column low,
                                 zel::Column close, const zel::CandleOptions& options = {});
+    // A matrix, row by row from the first y on; and rows of x, y and value.
+    Zel2HeatLayer* AddHeatMap(zel::Column x, zel::Column y, zel::Column values,
+                              const zel::HeatMapOptions& options = {});
+    Zel2HeatLayer* AddHeatMapOfRows(const zel::Column& x, const zel::Column& y, const zel::Column& values,
+                                    const zel::HeatMapOptions& options = {});
+    // Points with size and colour by columns.
+    Zel2BubbleLayer* AddBubbles(zel::Column x, zel::Column y, const zel::BubbleOptions& options = {});
+    // A text beside each point.
+    Zel2TextLayer* AddTexts(zel::Column x, zel::Column y, zel::Column texts,
+                            const zel::TextOptions& options = {});
     // A line along a series, which the chart owns; the host may keep the pointer to append points.
     template <class Series>
     Series* AddLine(std::unique_ptr<Series> series, const zel::LineOptions& options = {}) {

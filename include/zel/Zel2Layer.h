@@ -126,6 +126,11 @@ class Zel2Layer : public Zel2 {
     virtual zel::ColorKey* ColorBar() { return nullptr; }
     // Draws the key of the legend into a rectangle of logical units. The default fills it.
     virtual void DrawKey(const CRect& box);
+    // Further lines of the legend below the name: what each says, and its key. The default has none.
+    virtual std::vector<std::string> KeyParts() { return {}; }
+    virtual void DrawKeyPart(std::size_t, const CRect&) {}
+    // The least height of a line of the legend, world units.
+    virtual int KeyHeight() const { return 0; }
     // Registers the tools that it draws with, where it has not done so.
     virtual void SetDefaults() {}
     // The row nearest to a place in device pixels, within `reach`; the default finds none.

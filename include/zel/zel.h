@@ -4,6 +4,7 @@
 #include <zel/ChartAxis.h>
 #include <zel/ChartBars.h>
 #include <zel/ChartLayers.h>
+#include <zel/ChartMaps.h>
 #include <zel/ChartOptions.h>
 #include <zel/ChartSpreads.h>
 #include <zel/ColorKey.h>

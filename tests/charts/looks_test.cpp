@@ -1,6 +1,8 @@
 // What the layers of charts draw, against places and sums that were reckoned by hand.
 #include "ChartDrawing.h"
 #include "Support.h"
+#include "charts/CellPyramid.h"
+#include "charts/ChartLayout.h"
 #include "charts/FreeSpace.h"
 
 #include <zel/Error.h>
@@ -289,6 +291,125 @@ TEST_F(Looks, candles_of_a_column_are_one) {
     ASSERT_EQ(falling.size(), 1U) << "columns that are alike are one fill";
     EXPECT_NEAR(falling[0].top, At({0, 3.5 / 4, 1, 3.5 / 4}).top, 1);
     EXPECT_NEAR(falling[0].bottom, At({0, 0.25, 1, 0.25}).top, 1);
+}
+
+// The published ends and the middle of viridis; neutral grey in the middle of a diverging map.
+TEST(ColorMap, has_the_published_colours) {
+    const zel::ColorMap viridis;
+    EXPECT_EQ(viridis.PixelAt(-1), 0xFF440154U);
+    EXPECT_EQ(viridis.At(1), RGB(0xFD, 0xE7, 0x25));
+    EXPECT_NEAR(GetRValue(viridis.At(0.5)), 33, 2);
+    EXPECT_NEAR(GetGValue(viridis.At(0.5)), 145, 2);
+    EXPECT_NEAR(GetBValue(viridis.At(0.5)), 140, 2);
+    const zel::ColorMap diverging(zel::ColorScheme::DIVERGING, true);
+    EXPECT_EQ(diverging.At(0), RGB(180, 4, 38));
+    EXPECT_NEAR(GetRValue(diverging.At(0.5)), GetBValue(diverging.At(0.5)), 3);
+}
+
+TEST_F(Looks, colours_are_spread_as_asked) {
+    const std::vector<double> values{-1, 0, 1, 10, 100, 1000};
+    const auto key = [&](zel::ColorSpread spread) -> zel::ColorKey& {
+        zel::HeatMapOptions options;
+        options.colors.spread = spread;
+        auto* heat = chart->AddHeatMap(Count(6), Count(1), values, options);
+        (void)heat->ColorBar();
+        return heat->Key();
+    };
+    const auto pixel = [](double u) { return zel::ColorMap().PixelAt(u); };
+    EXPECT_EQ(key(zel::ColorSpread::LOGARITHM).PixelOf(10), pixel(1.0 / 3));
+    EXPECT_EQ(key(zel::ColorSpread::LOGARITHM).PixelOf(0), 0U);
+    EXPECT_EQ(key(zel::ColorSpread::CENTRED).PixelOf(0), pixel(0.5));
+    EXPECT_EQ(key(zel::ColorSpread::CENTRED).GetScale().From(), -1000);
+    EXPECT_EQ(key(zel::ColorSpread::QUANTILES).PixelOf(5.5), pixel(0.5)) << "the median";
+    EXPECT_EQ(key(zel::ColorSpread::LINEAR).PixelOf(NAN), 0U);
+    EXPECT_THAT(Notes(), HasSubstr("2 values are not above 0"));
+    chart->AddHeatMap(Count(3), Count(2), std::vector<double>{1, 1, 1, 1}, {{.name = "m"}});
+    EXPECT_THAT(Notes(), HasSubstr("\"m\" lacks the values of 2 of its 6 cells"));
+    EXPECT_THAT(Notes(), HasSubstr("same value everywhere"));
+    EXPECT_THROW(chart->AddHeatMap(std::vector<double>{1, 1}, Count(1), Count(2)), zel::Error);
+}
+
+// Rows in any order: the mean of those that share a cell.
+TEST_F(Looks, heat_maps_of_rows_gather_them) {
+    auto* heat =
+        chart->AddHeatMapOfRows(std::vector<std::string>{"b", "a", "b", "", "a"},
+                                std::vector<double>{2, 1, 2, 1, 2}, std::vector<double>{3, 4, 5, 9, NAN});
+    EXPECT_EQ(heat->X().Names(), (std::vector<std::string>{"b", "a"}));
+    EXPECT_TRUE(std::isnan(heat->Values().At(0)));
+    EXPECT_EQ(heat->Values().At(1), 4);
+    EXPECT_EQ(heat->Values().At(2), 4);
+    Draw();
+    const CRect cell = At({0, 0.5, 0.5, 1});
+    const auto nearest =
+        chart->Nearest(CPoint((cell.left + cell.right) / 2, (cell.top + cell.bottom) / 2), 1);
+    EXPECT_EQ(nearest.layer, heat);
+    EXPECT_EQ(nearest.datum.row, 2U);
+    EXPECT_FALSE(chart->Layout().colorBars.empty());
+}
+
+// The mean of all that a cell of a level stands for, the last row incomplete.
+TEST(CellPyramid, has_means) {
+    constexpr std::size_t kColumns = 1500, kRows = 700, kCells = kColumns * kRows - 40;
+    std::vector<double> values(kCells);
+    for (std::size_t i = 0; i < kCells; ++i) values[i] = i % 7 == 0 ? NAN : static_cast<double>(i * i % 1001);
+    zel::CellPyramid pyramid(zel::SeriesValues(values.data()), kCells, kColumns);
+    EXPECT_EQ(pyramid.LevelFor(1.9, 9), 0U) << "no cell of the picture may be lost";
+    const std::size_t level = pyramid.LevelFor(2, 2);
+    ASSERT_EQ(pyramid.FactorX(level), 2U);
+    ASSERT_EQ(pyramid.FactorY(level), 2U);
+    for (const auto& [column, row] :
+         {std::pair<std::size_t, std::size_t>{0, 0}, {3, 5}, {749, 348}, {740, 349}}) {
+        double sum = 0;
+        int n = 0;
+        for (std::size_t k = row * 2; k < row * 2 + 2; ++k)
+            for (std::size_t i = column * 2; i < column * 2 + 2; ++i) {
+                const std::size_t at = k * kColumns + i;
+                if (at >= kCells || std::isnan(values[at])) continue;
+                sum += values[at];
+                ++n;
+            }
+        EXPECT_EQ(pyramid.At(level, column, row), sum / n);
+    }
+    EXPECT_EQ(pyramid.FactorX(pyramid.LevelFor(100, 100)), 4U) << "until few are left";
+}
+
+// Areas in proportion to values; high values in front; the legend says sizes and categories.
+TEST_F(Looks, bubbles_have_sizes_and_colours_of_their_own) {
+    zel::BubbleOptions options;
+    options.sizes = std::vector<double>{1, 4, 0};
+    options.colors = std::vector<double>{2, 1, 3};
+    options.size = 20;
+    chart->AddBubbles(Count(3), Count(3), options);
+    std::vector<std::pair<int, std::string>> discs;
+    std::istringstream lines(Draw());
+    std::string brush;
+    for (std::string line; std::getline(lines, line);) {
+        int l = 0, t = 0, r = 0, b = 0;
+        if (line.starts_with("brush solid ")) brush = line.substr(12);
+        if (std::sscanf(line.c_str(), "ellipse %d,%d %d,%d", &l, &t, &r, &b) == 4 && brush != "#969696")
+            discs.emplace_back(r - l, brush);
+    }
+    ASSERT_EQ(discs.size(), 2U) << "a size of 0 is no point";
+    EXPECT_EQ(discs[0].second, "#440154") << "the large one, with the lowest value, first";
+    EXPECT_EQ(discs[1].second, "#21908c");
+    EXPECT_NEAR(discs[0].first, 2 * discs[1].first, 2);
+    EXPECT_THAT(Notes(), HasSubstr("1 points have sizes that are not above 0"));
+    EXPECT_EQ(chart->Layout().colorBars.size(), 1U);
+    EXPECT_EQ(chart->Layout().legend.size(), 3U) << "three round sizes";
+    options.colors = std::vector<std::string>{"one", "two", "one"};
+    chart->AddBubbles(Count(3), Count(3), options);
+    EXPECT_EQ(chart->Layout().legend.size(), 8U);
+    EXPECT_EQ(chart->Layout().legend[3].name.text, "one");
+}
+
+TEST_F(Looks, texts_at_points_give_way) {
+    chart->AddTexts(std::vector<double>{1, 1, 3}, std::vector<double>{1, 1, 2},
+                    std::vector<std::string>{"here", "there", "beyond"});
+    chart->X().SetRange(0, 2);
+    chart->Y().SetRange(0, 2);
+    EXPECT_THAT(zel::test::Letters(Draw()), HasSubstr("herethere")) << "at different sides of the same point";
+    EXPECT_THAT(zel::test::Letters(Draw()), testing::Not(HasSubstr("beyond")));
+    EXPECT_THROW(chart->AddTexts(Count(2), Count(2), Count(2)), zel::Error);
 }
 
 }  // namespace

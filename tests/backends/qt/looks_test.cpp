@@ -7,6 +7,8 @@
 
 #include <QImage>
 
+#include <algorithm>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <set>
 
@@ -68,6 +70,50 @@ TEST_F(ChartPixels, bars_of_histograms_meet) {
         EXPECT_EQ(colors.size(), 1U) << image.width() << " pixels wide";
         EXPECT_NE(*colors.begin(), 0xFFFFFFFFU);
     }
+}
+
+// Each pixel of the plot area has the colour of the value of the cell that it lies in; pixels on edges aside.
+TEST_F(ChartPixels, cells_have_the_colours_of_their_values) {
+    const std::vector<double> edgesX{1, 2, 5, 6, 20, 40, 100}, edgesY{-3, -1, 0, 4};
+    std::vector<double> values;
+    for (int i = 0; i < 18; ++i) values.push_back(i == 7 ? NAN : (i * 5 % 18) * 1.5);
+    for (const int kind : {0, 1, 2}) {
+        while (!chart->Layers().empty()) chart->Del(chart->Layers().front());
+        zel::HeatMapOptions options;
+        options.edges = true;
+        options.colors.bar = kind == 1;
+        auto* heat = chart->AddHeatMap(edgesX, edgesY, values, options);
+        kind == 2 ? chart->X().SetLogarithm() : chart->X().SetLinear();
+        chart->Y().SetReversed(kind == 1);
+        if (kind == 0) chart->X().SetRange(1.5, 30);
+        const QImage image = Png(137);
+        const zel::Scale x = chart->ScaleOf(0), y = chart->ScaleOf(1);
+        int checked = 0;
+        for (int i = 1; i < 100; ++i) {
+            for (int k = 1; k < 40; ++k) {
+                const QPoint at = At(image, i / 100.0, k / 40.0);
+                const double valueX = x.ValueAt(i / 100.0), valueY = y.ValueAt(k / 40.0);
+                const auto cell = [](const std::vector<double>& edges, double value) {
+                    return static_cast<std::size_t>(std::upper_bound(edges.begin(), edges.end(), value) -
+                                                    edges.begin()) -
+                           1;
+                };
+                const auto near = [](const std::vector<double>& edges, const zel::Scale& scale, double u) {
+                    return std::any_of(edges.begin(), edges.end(), [&](double edge) {
+                        return std::fabs(scale.PlaceOf(edge).value_or(9) - u) < 0.02;
+                    });
+                };
+                if (near(edgesX, x, i / 100.0) || near(edgesY, y, k / 40.0)) continue;
+                const double value = values[cell(edgesY, valueY) * 6 + cell(edgesX, valueX)];
+                const QRgb expected = std::isnan(value) ? 0xFFFFFFFF : heat->Key().PixelOf(value);
+                EXPECT_EQ(image.pixel(at), expected) << kind << ": " << valueX << ", " << valueY;
+                ++checked;
+            }
+        }
+        EXPECT_GT(checked, 2000);
+    }
+    const std::string images = zel::test::RunProgram("pdfimages -list " + (Pdf(50), folder / "a.pdf")).text;
+    EXPECT_LE(std::count(images.begin(), images.end(), '\n'), 4) << "one image, and its mask:\n" << images;
 }
 
 }  // namespace
