@@ -6,6 +6,7 @@
 #include "backends/qt/Hatch.h"
 #include "backends/qt/MarkSprites.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/PngFile.h"
 #include "backends/qt/PolygonClip.h"
 #include "backends/qt/Stroker.h"
 
@@ -528,14 +529,20 @@ void ImageDevice::Save(const char* path, const char* format, int quality) const 
                                        ending + "\" is none of png, jpg.")
                                           .c_str());
     }
+    const int dotsPerMetre = static_cast<int>(std::lround(impl_->dotsPerInch / 0.0254));
+    SafeFile file(path);
+    const PixelBuffer pixels{impl_->pixels.data(), impl_->width, impl_->height};
+    if (!jpeg && CanWritePng(pixels)) {
+        WritePng(file, pixels, dotsPerMetre);
+        file.Commit();
+        return;
+    }
     // The same pixels: a copy of a large image is more than memory may hold.
     QImage image(reinterpret_cast<uchar*>(impl_->pixels.data()), impl_->width, impl_->height,
                  impl_->width * 4, QImage::Format_ARGB32_Premultiplied);
-    const int dotsPerMetre = static_cast<int>(std::lround(impl_->dotsPerInch / 0.0254));
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
     if (jpeg) image = image.convertToFormat(QImage::Format_RGB32);
-    SafeFile file(path);
     FileSink sink(file);
     QImageWriter writer(&sink, jpeg ? "JPG" : "PNG");
     writer.setQuality(jpeg ? quality : 60);
@@ -691,7 +698,7 @@ void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> p
 void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
                         const MarkPainter& paint) {
     constexpr std::size_t kFew = 4;
-    constexpr int kLargest = 64;  // pixels
+    constexpr int kLargest = MarkMask::kMostCells;  // pixels
     constexpr int kMargin = 2;    // pixels that an antialiased or a snapped edge may reach over
     Impl& impl = *impl_;
     const CPoint origin = state.map.ToDevice(CPoint(0, 0));
@@ -706,15 +713,13 @@ void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> plac
     }
     impl.UseClip(state);
     impl.FinishCurve();
+    ImageDevice small(reach.Width(), reach.Height(), impl.dotsPerInch, impl.caps.unitsPerInch,
+                      impl.shift == 0 ? Grid::PIXELS : Grid::SIXTEENTHS);
     const auto make = [&](const CSize& within) {
-        ImageDevice small(reach.Width(), reach.Height(), impl.dotsPerInch, impl.caps.unitsPerInch,
-                          impl.shift == 0 ? Grid::PIXELS : Grid::SIXTEENTHS);
         small.Clear(0, false);
         const CSize corner(reach.left * impl.sub, reach.top * impl.sub);
         paint(small, CPoint(0, 0) - origin - corner + within, MarkClip::NONE);
-        return Sprite{reach.left, reach.top, reach.Width(), reach.Height(),
-                      std::vector<std::uint32_t>(
-                          small.Pixels(), small.Pixels() + std::ptrdiff_t{reach.Width()} * reach.Height())};
+        return Sprite(reach.left, reach.top, reach.Width(), reach.Height(), small.Pixels());
     };
     std::vector<CPoint> origins;
     origins.reserve(places.size());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "backends/qt/Stroker.h"
+#include "platform/graphics/MarkCover.h"
 
 #include <zel/platform/Geometry.h>
 
@@ -14,14 +15,33 @@
 
 namespace zel::qt {
 
-// The picture of a mark, premultiplied, and where its upper left pixel lies from that of the mark's origin.
-struct Sprite {
-    int left = 0, top = 0, width = 0, height = 0;
-    std::vector<std::uint32_t> pixels;
+// The picture of a mark, premultiplied, and where its upper left pixel lies from that of the mark's origin; at
+// most MarkMask::kMostCells pixels wide and high.
+class Sprite {
+  public:
+    // Takes what is drawn on `width` x `height` pixels.
+    Sprite(int left, int top, int width, int height, const std::uint32_t* pixels);
+
+    const MarkMask& Mask() const { return mask_; }
+    // Onto a buffer, from the pixel (x, y) of the mark's origin on, within `clip`.
+    void Copy(const PixelBuffer& target, int x, int y, const CRect& clip) const;
+
+  private:
+    // Columns of a row: those that hold ink, and among them the longest stretch without a gap or transparency.
+    struct Row {
+        int begin = 0, end = 0;
+        int solidBegin = 0, solidEnd = 0;
+    };
+
+    int width_;
+    std::vector<std::uint32_t> pixels_;
+    std::vector<Row> rows_;
+    MarkMask mask_;
 };
 
 // Copies a mark to many places. Origins are moved to the nearest quarter of a pixel; for each of the places
-// within a pixel that they can have the mark is drawn once. Of marks in one place the last is copied.
+// within a pixel that they can have the mark is drawn once. Of marks in one place the last is copied, and
+// those that lie wholly below later ones are not.
 class MarkSprites {
   public:
     // A mark whose origin lies so many device units right of and below the corner of its pixel.
@@ -42,7 +62,6 @@ class MarkSprites {
 
     Placed PlaceOf(const CPoint& origin) const;
     const Sprite& At(std::size_t place);
-    void Copy(const Sprite& sprite, int x, int y, const CRect& clip);
 
     PixelBuffer target_;
     int shift_;
