@@ -16,7 +16,6 @@ class DeviceColumns {
     DeviceColumns(const CDC& dc, const WorldFrame& frame, int width)
         : map_(StateOf(dc.GetSafeHdc()).map), frame_(frame), width_(width) {}
 
-    CPoint ToDevice(const CPoint& logical) const { return map_.ToDevice(logical); }
     // The column of the device that x of the graph falls in.
     LONG ColumnOf(double x) const {
         const LONG at = map_.ToDevice(frame_.ToLogical(x, frame_.ymin)).x;

@@ -7,7 +7,6 @@ namespace {
 constexpr std::size_t kDense = 32;  // points to a column from which on their columns are searched for
 // Lengths of the pattern that a line goes up and down in a column from which on its gaps cannot be told.
 constexpr double kCyclesToFill = 4;
-constexpr std::size_t kMostBars = 16;  // of a column that are looked through
 
 }  // namespace
 
@@ -108,7 +107,6 @@ void DrawPen::SeriesLine::DrawCurve(const zel::SeriesStretch& stretch) {
         [this](const zel::SeriesSpan& span, std::size_t begin, const double* x, const double* y,
                std::size_t n) { TakeEach(span, begin, x, y, n); });
     DrawRun();
-    DrawBars();
 }
 
 // Takes the points from `begin` to before `end` if that does not need a look at each of them.
@@ -144,7 +142,7 @@ void DrawPen::SeriesLine::TakeEach(const zel::SeriesSpan& span, std::size_t begi
     }
     for (std::size_t i = 0; i < n;) {
         if (span.gaps && !std::isfinite(y[i])) {
-            EndRunAtGap();
+            DrawRun();
             pen_.world_ = {x[i], y[i]};
             ++i;
             continue;
@@ -220,44 +218,6 @@ void DrawPen::SeriesLine::DrawRun() {
         if (!IsCut(to.y)) walker_.LineTo(frame_.ToLogical(to.x, to.y));
     }
     run_ = {};
-}
-
-// A run between two gaps that turns back is an upright bar. Bars of one column that overlap are one.
-void DrawPen::SeriesLine::EndRunAtGap() {
-    if (run_.begin == run_.end) return;
-    const WorldPoint from{stretch_->X(run_.begin), stretch_->Y(run_.begin)};
-    const WorldPoint to{stretch_->X(run_.end - 1), stretch_->Y(run_.end - 1)};
-    const LONG x = frame_.ToLogical(from.x, from.y).x;
-    const auto rowOf = [&](double y) { return columns_.ToDevice({x, HeightOf(y)}).y; };
-    const auto [upper, lower] = std::minmax({rowOf(run_.low), rowOf(run_.high)});
-    const auto [first, last] = std::minmax({rowOf(from.y), rowOf(to.y)});
-    const bool turns = upper < first || lower > last;
-    if (!solid_ || stepped_ || !turns || std::isfinite(pen_.world_.x + pen_.world_.y) || IsCut(run_.low) ||
-        IsCut(run_.high)) {
-        DrawRun();
-        return;
-    }
-    const Bar bar{x, run_.low, run_.high, upper, lower};
-    run_ = {};
-    const LONG column = columns_.ColumnOf(from.x);
-    if (column != barColumn_ || bars_.size() == kMostBars) DrawBars();
-    barColumn_ = column;
-    for (Bar& other : bars_) {
-        if (bar.upper > other.lower || bar.lower < other.upper) continue;
-        other = {other.column, std::min(bar.low, other.low), std::max(bar.high, other.high),
-                 std::min(bar.upper, other.upper), std::max(bar.lower, other.lower)};
-        return;
-    }
-    bars_.push_back(bar);
-}
-
-// Behind a gap: the line goes on from nowhere.
-void DrawPen::SeriesLine::DrawBars() {
-    for (const Bar& bar : bars_) {
-        walker_.MoveTo({bar.column, HeightOf(bar.low)});
-        for (const double y : {bar.high, bar.low}) walker_.LineTo({bar.column, HeightOf(y)});
-    }
-    bars_.clear();
 }
 
 void DrawPen::SeriesLine::LinesTo(const double* x, const double* y, std::size_t n) {

@@ -11,7 +11,6 @@
 
 #include <optional>
 #include <span>
-#include <vector>
 
 // Draws a stretch of points from a pen's last world point on, as LineTo from point to point would be seen.
 //
@@ -37,8 +36,6 @@ class DrawPen::SeriesLine {
                   std::size_t n);
     void AddToRun(std::size_t begin, std::size_t end, const zel::SeriesRange& range);
     void DrawRun();
-    void EndRunAtGap();
-    void DrawBars();
     bool IsDense();
     // What is drawn next.
     void UseSolid();
@@ -83,13 +80,5 @@ class DrawPen::SeriesLine {
         double travel = 0;  // up and down, at least
     };
     Run run_;
-    // Upright bars of runs between gaps, all in one column of the device.
-    struct Bar {
-        LONG column = 0;           // logical
-        double low = 0, high = 0;  // of the graph
-        LONG upper = 0, lower = 0;  // rows of the device
-    };
-    std::vector<Bar> bars_;
-    LONG barColumn_ = 0;  // of the device
     std::optional<zel::CurveScope> figure_;
 };

@@ -9,6 +9,7 @@
 #include "backends/qt/PngFile.h"
 #include "backends/qt/PolygonClip.h"
 #include "backends/qt/Stroker.h"
+#include "backends/qt/WideRegisters.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
@@ -121,6 +122,7 @@ class ImageDevice::Impl {
           stroker(width, height),
           thinner(stroker, shift),
           discs(width, height, shift),
+          marks({pixels.data(), width, height}, shift),
           painter(&image) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::TextAntialiasing);
@@ -204,6 +206,7 @@ class ImageDevice::Impl {
         discs.Clear();
         if (largeDiscs.isEmpty()) return;
         painter.fillPath(largeDiscs, QColor::fromRgba(curveColor));
+        LeaveWideRegisters();
         largeDiscs.clear();
     }
     void Blend(std::uint32_t ink) { stroker.Blend({pixels.data(), width, height}, ink, clips); }
@@ -368,6 +371,7 @@ class ImageDevice::Impl {
         painter.setPen(pen);
         painter.drawPolyline(line);
         painter.restore();
+        LeaveWideRegisters();
     }
 
     // Corners on whole pixels would make a rough ellipse: its points lie between them. The centre is that of
@@ -421,6 +425,7 @@ class ImageDevice::Impl {
             painter.setCompositionMode(CompositionOf(state.rasterMode));
         }
         paint();
+        LeaveWideRegisters();
         if (!plain) {
             painter.setRenderHint(QPainter::Antialiasing, true);
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
@@ -452,6 +457,7 @@ class ImageDevice::Impl {
     std::optional<std::uint32_t> blank;  // what all pixels are, as long as nothing was drawn
     ColumnThinner thinner;
     DiscSprites discs;
+    MarkSprites marks;
     QPainterPath largeDiscs;  // of the figure
     int curves = 0;           // that have begun, one within the other
     double curveWidth = 0;
@@ -699,7 +705,7 @@ void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> plac
                         const MarkPainter& paint) {
     constexpr std::size_t kFew = 4;
     constexpr int kLargest = MarkMask::kMostCells;  // pixels
-    constexpr int kMargin = 2;    // pixels that an antialiased or a snapped edge may reach over
+    constexpr int kMargin = 2;  // pixels that an antialiased or a snapped edge may reach over
     Impl& impl = *impl_;
     const CPoint origin = state.map.ToDevice(CPoint(0, 0));
     CRect units = state.map.ToDevice(box) - origin;
@@ -721,15 +727,13 @@ void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> plac
         paint(small, CPoint(0, 0) - origin - corner + within, MarkClip::NONE);
         return Sprite(reach.left, reach.top, reach.Width(), reach.Height(), small.Pixels());
     };
-    std::vector<CPoint> origins;
-    origins.reserve(places.size());
-    for (const CPoint& place : places) origins.push_back(state.map.ToDevice(place));
-    MarkSprites({impl.pixels.data(), impl.width, impl.height}, impl.shift, make).Draw(origins, impl.clips);
+    impl.marks.Draw(places, state.map, make, impl.clips);
 }
 
 void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
     impl_->UseClip(state);
     DrawSpans(impl_->painter, state, spans, impl_->sub);
+    LeaveWideRegisters();
 }
 
 CSize ImageDevice::TextExtent(const GraphicsState& state, std::string_view text) {

@@ -1,6 +1,7 @@
 #include "backends/qt/Application.h"
 #include "backends/qt/FileDevices.h"
 #include "backends/qt/QtPlatform.h"
+#include "backends/qt/SeenMarks.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/qt/ImageDevice.h>
@@ -51,6 +52,11 @@ std::unique_ptr<DocumentDevice> QtPlatform::CreateFileDevice(const FileDeviceOpt
     AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": the format \"" + options.format +
                                    "\" is none of png, jpg, pdf, svg.")
                                       .c_str());
+}
+
+std::vector<CPoint> QtPlatform::SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                          const CRect& box, const MarkPainter& paint, double unitsPerPixel) {
+    return qt::SeenMarks(state, places, box, paint, unitsPerPixel);
 }
 
 void Install() {

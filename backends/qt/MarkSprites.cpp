@@ -1,10 +1,14 @@
 #include "backends/qt/MarkSprites.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 namespace zel::qt {
 namespace {
+
+// Marks of one call from which on their places are halves of a pixel, and wholes.
+constexpr std::size_t kSomeMarks = 20'000, kManyMarks = 200'000;
 
 // A premultiplied colour over another one.
 std::uint32_t Over(std::uint32_t top, std::uint32_t below) {
@@ -16,47 +20,71 @@ std::uint32_t Over(std::uint32_t top, std::uint32_t below) {
     return top + (faded(below >> 8 & 0xFF00FF) << 8 | faded(below & 0xFF00FF));
 }
 
-}  // namespace
+constexpr int kAtOnce = 4;  // pixels
 
-MarkSprites::MarkSprites(const PixelBuffer& target, int shift, Make make)
-    : target_(target), shift_(shift), placeShift_(std::max(0, shift - 2)), make_(std::move(make)) {}
-
-MarkSprites::Placed MarkSprites::PlaceOf(const CPoint& origin) const {
-    const int perPixel = shift_ - placeShift_, mask = (1 << perPixel) - 1;
-    const int half = (1 << placeShift_) / 2;
-    const int x = zel::Add(origin.x, half) >> placeShift_, y = zel::Add(origin.y, half) >> placeShift_;
-    return {x >> perPixel, y >> perPixel, static_cast<std::size_t>((y & mask) << perPixel | (x & mask))};
+// Over, for four neighbouring pixels: two channels of each in the halves of a lane.
+void MixFour(const std::uint32_t* from, std::uint32_t* to) {
+    using Lanes = std::uint32_t __attribute__((vector_size(kAtOnce * sizeof(std::uint32_t))));
+    using Halves = std::uint16_t __attribute__((vector_size(kAtOnce * sizeof(std::uint32_t))));
+    Lanes top, below;
+    std::memcpy(&top, from, sizeof top);
+    std::memcpy(&below, to, sizeof below);
+    const Lanes left = 255 - (top >> 24);
+    const Halves share = reinterpret_cast<Halves>(left | left << 16);
+    const auto faded = [&](const Lanes& channels) {
+        const Halves sum = reinterpret_cast<Halves>(channels) * share + 0x80;
+        return reinterpret_cast<Lanes>((sum + (sum >> 8)) >> 8);
+    };
+    const Lanes mixed = top + (faded(below >> 8 & 0xFF00FF) << 8 | faded(below & 0xFF00FF));
+    std::memcpy(to, &mixed, sizeof mixed);
 }
 
-const Sprite& MarkSprites::At(std::size_t place) {
+// Runs are short: four pixels at once, the last four again where they are not all.
+void CopyRun(const std::uint32_t* from, std::uint32_t* to, int begin, int end) {
+    if (end - begin < kAtOnce) {
+        for (int i = begin; i < end; ++i) to[i] = from[i];
+        return;
+    }
+    const auto copy = [=](int i) { std::memcpy(to + i, from + i, kAtOnce * sizeof *to); };
+    for (int i = begin; i < end - kAtOnce; i += kAtOnce) copy(i);
+    copy(end - kAtOnce);
+}
+
+}  // namespace
+
+const Sprite& MarkSprites::At(std::size_t place, const Make& make) {
     if (!sprites_[place]) {
         const int perPixel = shift_ - placeShift_, mask = (1 << perPixel) - 1;
         const int x = static_cast<int>(place) & mask, y = static_cast<int>(place) >> perPixel;
-        sprites_[place] = make_(CSize(x << placeShift_, y << placeShift_));
+        sprites_[place] = make(CSize(x << placeShift_, y << placeShift_));
     }
     return *sprites_[place];
 }
 
-void MarkSprites::Draw(std::span<const CPoint> origins, const std::vector<CRect>& clips) {
+void MarkSprites::Draw(std::span<const CPoint> places, const CoordinateMap& map, const Make& make,
+                       const std::vector<CRect>& clips) {
+    const int perPixel = places.size() > kManyMarks ? 0 : places.size() > kSomeMarks ? 1 : 2;
+    placeShift_ = std::max(0, shift_ - perPixel);
+    sprites_.fill(std::nullopt);
     // From the last to the first, to know what is seen; drawn from the first to the last.
-    std::vector<std::uint16_t> taken(static_cast<std::size_t>(target_.width) *
-                                     static_cast<std::size_t>(target_.height));
+    taken_.resize(static_cast<std::size_t>(target_.width) * static_cast<std::size_t>(target_.height));
     MarkCover cover(target_.width, target_.height);
-    std::vector<Placed> shown;
-    for (auto origin = origins.rbegin(); origin != origins.rend(); ++origin) {
-        const Placed placed = PlaceOf(*origin);
+    shown_.clear();
+    for (auto each = places.rbegin(); each != places.rend(); ++each) {
+        const Placed placed = PlaceOf(map.ToDevice(*each));
         if (placed.x >= 0 && placed.y >= 0 && placed.x < target_.width && placed.y < target_.height) {
-            std::uint16_t& bits =
-                taken[static_cast<std::size_t>(placed.y) * static_cast<std::size_t>(target_.width) +
-                      static_cast<std::size_t>(placed.x)];
+            const auto pixel = static_cast<std::uint32_t>(placed.y * target_.width + placed.x);
             const int bit = 1 << placed.place;
-            if ((bits & bit) != 0) continue;
-            bits = static_cast<std::uint16_t>(bits | bit);
+            if ((taken_[pixel] & bit) != 0) continue;
+            taken_[pixel] = static_cast<std::uint16_t>(taken_[pixel] | bit);
+            takenPixels_.push_back(pixel);
         }
-        if (cover.Shows(At(placed.place).Mask(), placed.x, placed.y)) shown.push_back(placed);
+        if (cover.Shows(At(placed.place, make).Mask(), placed.x, placed.y)) shown_.push_back(placed);
     }
-    for (auto placed = shown.rbegin(); placed != shown.rend(); ++placed)
-        for (const CRect& clip : clips) At(placed->place).Copy(target_, placed->x, placed->y, clip);
+    for (auto placed = shown_.rbegin(); placed != shown_.rend(); ++placed)
+        for (const CRect& clip : clips) sprites_[placed->place]->Copy(target_, placed->x, placed->y, clip);
+    for (const std::uint32_t pixel : takenPixels_) taken_[pixel] = 0;
+    takenPixels_.clear();
 }
 
 Sprite::Sprite(int left, int top, int width, int height, const std::uint32_t* pixels)
@@ -109,13 +137,23 @@ void Sprite::Copy(const PixelBuffer& target, int x, int y, const CRect& clip) co
             return target.pixels + (static_cast<std::ptrdiff_t>(line) * target.width + x + i);
         };
         const auto mix = [&](int begin, int end) {
-            for (int i = std::max(begin, left); i < std::min(end, right); ++i)
-                *to(i) = Over(from[i], *to(i));
+            int i = std::max(begin, left);
+            const int stop = std::min(end, right);
+            for (; i + kAtOnce <= stop; i += kAtOnce) MixFour(from + i, to(i));
+            for (; i < stop; ++i) *to(i) = Over(from[i], *to(i));
         };
-        mix(row.begin, row.solidBegin);
-        const int begin = std::max(row.solidBegin, left), end = std::min(row.solidEnd, right);
-        if (begin < end) std::copy(from + begin, from + end, to(begin));
-        mix(row.solidEnd, row.end);
+        // Both ends, and between them nothing but solid pixels, or one after another.
+        const int inner = row.begin + kAtOnce, outer = row.end - kAtOnce;
+        const bool isSolid = inner <= outer && row.solidBegin <= inner && row.solidEnd >= outer;
+        if (!isSolid || row.begin < left || row.end > right) {
+            mix(row.begin, row.solidBegin);
+            CopyRun(from, to(0), std::max(row.solidBegin, left), std::min(row.solidEnd, right));
+            mix(row.solidEnd, row.end);
+            continue;
+        }
+        MixFour(from + row.begin, to(row.begin));
+        CopyRun(from, to(0), inner, outer);
+        MixFour(from + outer, to(outer));
     }
 }
 

@@ -14,9 +14,9 @@ constexpr int kDigits = 3;  // behind the point
 void Append(std::string& text, double number) {
     char digits[64];
     const double rounded = std::round(number * 1000) / 1000;
-    char* end = std::to_chars(std::begin(digits), std::end(digits), rounded + 0.0, std::chars_format::fixed,
-                              kDigits)
-                    .ptr;
+    char* end =
+        std::to_chars(std::begin(digits), std::end(digits), rounded + 0.0, std::chars_format::fixed, kDigits)
+            .ptr;
     while (end[-1] == '0') --end;
     if (end[-1] == '.') --end;
     text.append(digits, end);

@@ -76,11 +76,12 @@ std::vector<int> PdfSink::Taken(std::size_t count) {
 }
 
 void PdfSink::WriteStream(int object, const std::string& dictionary, const std::string& stream) {
-    const std::string packed = Deflated(stream);
+    const Deflated packed(stream);
     places_[object] = written_;
     PassOn(QByteArray::fromStdString(std::to_string(object) + " 0 obj\n<<\n" + dictionary +
-                                     "/Filter /FlateDecode\n/Length " + std::to_string(packed.size()) +
-                                     "\n>>\nstream\n" + packed + "\nendstream\nendobj\n"));
+                                     "/Filter /FlateDecode\n/Length " + std::to_string(packed.View().size()) +
+                                     "\n>>\nstream\n" + std::string(packed.View()) +
+                                     "\nendstream\nendobj\n"));
     shifts_[heard_] = written_ - heard_;
 }
 
@@ -102,7 +103,8 @@ bool PdfSink::Complete() {
     constexpr std::size_t kLine = 20;
     const std::string_view text = ViewOf(rest);
     const std::size_t start = text.rfind(kStart);
-    const auto table = start == std::string_view::npos ? std::nullopt : NumberAt(text.substr(start + kStart.size()));
+    const auto table =
+        start == std::string_view::npos ? std::nullopt : NumberAt(text.substr(start + kStart.size()));
     const std::size_t at = table && *table >= begin ? static_cast<std::size_t>(*table - begin) : text.size();
     const bool found = at < text.size() && text.substr(at).starts_with(kTable);
     const auto count = found ? NumberAt(text.substr(at + kTable.size())) : std::nullopt;
@@ -116,9 +118,9 @@ bool PdfSink::Complete() {
         const std::int64_t place = NumberAt(text.substr(line)).value_or(0);
         const auto exchanged = places_.find(object);
         char digits[kLine];
-        std::snprintf(digits, sizeof digits, "%010lld",
-                      static_cast<long long>(exchanged != places_.end() ? exchanged->second
-                                                                        : place + ShiftAt(place)));
+        std::snprintf(
+            digits, sizeof digits, "%010lld",
+            static_cast<long long>(exchanged != places_.end() ? exchanged->second : place + ShiftAt(place)));
         rest.replace(static_cast<qsizetype>(line), 10, digits, 10);
     }
     const auto number = static_cast<qsizetype>(start + kStart.size());

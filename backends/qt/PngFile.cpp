@@ -4,16 +4,15 @@
 
 #include <QRgb>
 
-#include <libdeflate.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
-#include <optional>
+#include <libdeflate.h>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zel::qt {
@@ -21,7 +20,7 @@ namespace {
 
 constexpr std::size_t kMostColors = 256;
 constexpr std::int64_t kMostPixels = std::int64_t{1} << 25;
-constexpr int kLevel = 4;  // of compression: lines and flat areas gain little by more
+constexpr int kLevel = 2;  // of compression: lines and flat areas gain little by more
 
 enum ColorType : char { RGB_COLORS = 2, TABLE = 3, RGB_AND_ALPHA = 6 };
 enum Filter : char { NONE, SUB, UP };
@@ -30,16 +29,15 @@ void AppendNumber(std::string& bytes, std::uint32_t number) {
     for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift & 0xFF);
 }
 
-void WriteChunk(SafeFile& file, const char* type, const std::string& data) {
+void WriteChunk(SafeFile& file, const char* type, std::string_view data) {
     std::string head, tail;
     AppendNumber(head, static_cast<std::uint32_t>(data.size()));
     head += type;
     std::uint32_t sum = libdeflate_crc32(0, type, 4);
     sum = libdeflate_crc32(sum, data.data(), data.size());
     AppendNumber(tail, sum);
-    for (const std::string* part : {static_cast<const std::string*>(&head), &data,
-                                    static_cast<const std::string*>(&tail)})
-        file.Write(part->data(), part->size());
+    for (const std::string_view part : {std::string_view(head), data, std::string_view(tail)})
+        file.Write(part.data(), part.size());
 }
 
 // The colours of a picture, numbered in the order in which they come.
@@ -195,7 +193,8 @@ void WritePng(SafeFile& file, const PixelBuffer& picture, int dotsPerMetre) {
     AppendNumber(resolution, static_cast<std::uint32_t>(dotsPerMetre));
     WriteChunk(file, "pHYs", resolution + '\1');
     if (few) WriteColors(file, table);
-    WriteChunk(file, "IDAT", Deflated(few ? RowsOfNumbers(picture, table) : RowsOfChannels(picture, alpha), kLevel));
+    const std::string rows = few ? RowsOfNumbers(picture, table) : RowsOfChannels(picture, alpha);
+    WriteChunk(file, "IDAT", Deflated(rows, kLevel).View());
     WriteChunk(file, "IEND", "");
 }
 

@@ -11,6 +11,8 @@ class QtPlatform : public Platform {
     std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice() override;
     double UnitsPerInch(const FileDeviceOptions& options) override;
     std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options) override;
+    std::vector<CPoint> SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                  const CRect& box, const MarkPainter& paint, double unitsPerPixel) override;
 };
 
 }  // namespace zel::qt

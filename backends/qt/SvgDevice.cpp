@@ -153,9 +153,8 @@ class SvgDevice : public MeasuringDevice {
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override {
         const bool plain = state.pen.lopnStyle == PS_NULL && state.brush.lbStyle == BS_SOLID;
         BeginCurve();
-        DrawMarks(
-            state, places, box, plain ? state.brush.lbTransparency : BYTE{0},
-            EllipsePainter(state, box));
+        DrawMarks(state, places, box, plain ? state.brush.lbTransparency : BYTE{0},
+                  EllipsePainter(state, box));
         EndCurve();
     }
 

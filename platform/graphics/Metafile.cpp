@@ -40,7 +40,8 @@ const std::vector<std::uint8_t>& GetMetaFileBits(HMETAFILE metafile) {
 }
 
 void zel::LeaveOutUnseen(HDC recorder, int unitsPerInch) {
-    if (auto* device = dynamic_cast<MetafileDevice*>(&DeviceOf(recorder))) device->LeaveOutUnseen(unitsPerInch);
+    if (auto* device = dynamic_cast<MetafileDevice*>(&DeviceOf(recorder)))
+        device->LeaveOutUnseen(unitsPerInch);
 }
 
 std::array<std::uint8_t, 22> zel::PlaceableHeader(const CRect& box, WORD unitsPerInch) {

@@ -6,11 +6,10 @@
 #include "platform/graphics/Utf8.h"
 
 #include <zel/platform/MetricsDevice.h>
+#include <zel/platform/Platform.h>
 
 #include <algorithm>
 #include <cstring>
-#include <set>
-#include <utility>
 
 namespace zel {
 namespace {
@@ -98,7 +97,8 @@ bool Same(const CoordinateMap& a, const CoordinateMap& b) {
 }  // namespace
 
 void MetafileDevice::AppendPoints(Words& words, std::span<const CPoint> points) const {
-    for (const CPoint& point : points) words.insert(words.end(), {Word(Moved(point).x), Word(Moved(point).y)});
+    for (const CPoint& point : points)
+        words.insert(words.end(), {Word(Moved(point).x), Word(Moved(point).y)});
 }
 
 void MetafileDevice::Record(WORD function, const Words& parameters) {
@@ -416,21 +416,16 @@ void MetafileDevice::Ellipses(const GraphicsState& state, std::span<const CPoint
     Marks(state, places, box, EllipsePainter(state, box));
 }
 
-// Of marks within a quarter of a pixel of a screen the last is kept. Records know no definitions: each mark is
-// recorded where it lies, not by moving the origin.
+// Records know no definitions: each mark is recorded where it lies, not by moving the origin.
 void MetafileDevice::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
                            const MarkPainter& paint) {
     if (!LeavesOut(state)) {
         BasicDevice::Marks(state, places, box, paint);
         return;
     }
-    std::set<std::pair<LONG, LONG>> taken;
-    std::vector<CPoint> seen;
-    const auto cell = [this](LONG unit) { return unit >= 0 ? unit / cell_ : (unit + 1) / cell_ - 1; };
-    for (auto place = places.rbegin(); place != places.rend(); ++place)
-        if (taken.emplace(cell(place->x), cell(place->y)).second) seen.push_back(*place);
-    for (auto place = seen.rbegin(); place != seen.rend(); ++place) {
-        move_ = *place - CPoint(0, 0);
+    const CPoint origin = state.map.ToDevice(CPoint(0, 0));
+    for (const CPoint& place : Platform::Get().SeenMarks(state, places, box, paint, unitsPerPixel_)) {
+        move_ = place - origin;
         paint(*this, move_, MarkClip::KEPT);
     }
     move_ = {};

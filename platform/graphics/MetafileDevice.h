@@ -5,7 +5,6 @@
 
 #include <zel/platform/GraphicsDevice.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -21,7 +20,7 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
 
     const std::string& FileName() const { return fileName_; }
     // As the function of the same name says.
-    void LeaveOutUnseen(int unitsPerInch) { cell_ = std::max(1, unitsPerInch / kCellsPerInch); }
+    void LeaveOutUnseen(int unitsPerInch) { unitsPerPixel_ = unitsPerInch / kPixelsPerInch; }
     // The complete metafile; nothing may be drawn afterwards.
     std::vector<std::uint8_t> Finish();
 
@@ -46,7 +45,7 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
     TEXTMETRIC TextMetrics(const GraphicsState&) override { return {}; }
 
   private:
-    static constexpr int kCellsPerInch = 4 * 96;  // a quarter of a pixel of a screen
+    static constexpr double kPixelsPerInch = 96;  // of a screen
     using Words = std::vector<WORD>;
     enum ObjectKind { PEN, BRUSH, FONT, KINDS };
     struct Slot {
@@ -69,7 +68,7 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
     };
 
     bool LeavesOut(const GraphicsState& state) const {
-        return cell_ > 0 && state.map.windowExtent == state.map.viewportExtent;
+        return unitsPerPixel_ > 0 && state.map.windowExtent == state.map.viewportExtent;
     }
     // Where a point of a mark is drawn.
     CPoint Moved(const CPoint& p) const { return p + move_; }
@@ -105,8 +104,8 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
     void WritePolyline(const CPoint* points, std::size_t count);
 
     std::string fileName_;
-    int cell_ = 0;  // units within which the last of the marks is kept; 0 when all are
-    CSize move_;  // of the mark that is drawn, from the origin
+    double unitsPerPixel_ = 0;  // of a screen; 0 when nothing is left out
+    CSize move_;                // of the mark that is drawn, from the origin
     Words body_;
     DWORD largestRecord_ = 3;
     std::vector<Slot> slots_;

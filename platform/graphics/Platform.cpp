@@ -36,4 +36,11 @@ std::unique_ptr<DocumentDevice> Platform::CreateFileDevice(const FileDeviceOptio
                                       .c_str());
 }
 
+std::vector<CPoint> Platform::SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                        const CRect&, const MarkPainter&, double) {
+    std::vector<CPoint> seen;
+    for (const CPoint& place : places) seen.push_back(state.map.ToDevice(place));
+    return seen;
+}
+
 }  // namespace zel
