@@ -5,7 +5,9 @@
 #include <zel/qt/Install.h>
 #include <zel/zel.h>
 
+#include <algorithm>
 #include <benchmark/benchmark.h>
+#include <chrono>
 #include <cmath>
 #include <string>
 #include <vector>
@@ -98,6 +100,78 @@ void Draw(benchmark::State& state, Look look, Kind kind) {
 DRAW(LINE);
 DRAW(AREA);
 DRAW(POINTS);
+
+// A redraw of a look of so many rows, after the first.
+template <class AddLook>
+void DrawLook(benchmark::State& state, AddLook add) {
+    zel::qt::Install();
+    Zel2Main root;
+    root.SetRules(ZelRules::EXACT);
+    auto* chart = root.Add(std::make_unique<Zel2Chart>(zel::ChartOptions{.size = {254, 203.2}}));
+    const Points points(static_cast<std::size_t>(state.range(0)));
+    add(*chart, points);
+    zel::qt::ImageDevice image{1000, 800, 100};
+    const auto draw = [&] {
+        image.Clear(kWhite);
+        CDC dc(image);
+        root.PrepareMappingFor(&dc, nullptr, 0, 0);
+        root.Draw(&dc);
+    };
+    const auto begin = std::chrono::steady_clock::now();
+    draw();
+    state.counters["first"] =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - begin).count();
+    for (auto _ : state) draw();
+}
+
+zel::Column View(const std::vector<double>& values) {
+    return zel::Column::View(std::span<const double>(values));
+}
+
+void Bars(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) { chart.AddBars(View(p.x), View(p.y)); });
+}
+void Histogram(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) { chart.AddHistogram(View(p.y)); });
+}
+void ErrorBars(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) {
+        chart.AddErrors(View(p.x), View(p.y), std::vector<double>(p.x.size(), 0.05));
+    });
+}
+void Candles(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) {
+        std::vector<double> open = p.y, high, low;
+        std::rotate(open.begin(), open.begin() + 1, open.end());
+        for (std::size_t i = 0; i < open.size(); ++i) {
+            high.push_back(std::max(open[i], p.y[i]) + 0.01);
+            low.push_back(std::min(open[i], p.y[i]) - 0.01);
+        }
+        chart.AddCandles(View(p.x), std::move(open), std::move(high), std::move(low), View(p.y));
+    });
+}
+// A thousand boxes of as many values each as make up the rows.
+void BoxPlots(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) {
+        std::vector<double> groups;
+        for (std::size_t i = 0; i < p.y.size(); ++i) groups.push_back(static_cast<double>(i % 1000));
+        chart.AddBoxes(std::move(groups), View(p.y));
+    });
+}
+void HeatMap(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) {
+        const auto side = static_cast<std::size_t>(std::sqrt(static_cast<double>(p.y.size())));
+        std::vector<double> places;
+        for (std::size_t i = 0; i < side; ++i) places.push_back(static_cast<double>(i));
+        chart.AddHeatMap(places, places, View(p.y));
+    });
+}
+BENCHMARK(Bars)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Histogram)->Arg(100'000)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(ErrorBars)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Candles)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BoxPlots)->Arg(100'000)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(HeatMap)->Arg(10'000)->Arg(16'000'000)->Unit(benchmark::kMillisecond);
 
 // Places for titles, labels and so many names.
 void LayOut(benchmark::State& state) {

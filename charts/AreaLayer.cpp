@@ -52,8 +52,8 @@ void Zel2AreaLayer::SetDefaults() {
     if (colorIndex_ < 0) colorIndex_ = RegisterOwnColor();
 }
 
-std::optional<double> Zel2AreaLayer::IncludedY() const {
-    return between_ ? std::nullopt : std::optional(baseline_);
+std::optional<double> Zel2AreaLayer::Included(Coordinate coordinate) const {
+    return between_ || coordinate == Coordinate::X ? std::nullopt : std::optional(baseline_);
 }
 
 namespace {

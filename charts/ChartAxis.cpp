@@ -1,3 +1,4 @@
+#include "charts/FormatFields.h"
 #include "core/ArchiveFields.h"
 
 #include <zel/ChartAxis.h>
@@ -12,7 +13,7 @@ namespace zel {
 template <class Value>
 ChartAxis& ChartAxis::Set(Value Fields::*field, Value value) {
     fields_.*field = std::move(value);
-    chart_->Changed();
+    if (chart_) chart_->Changed();
     return *this;
 }
 
@@ -117,18 +118,6 @@ Scale ChartAxis::MakeScale(Scale::Kind kind, double from, double to,
 }
 
 namespace {
-
-void ExchangeFormat(CArchive& ar, NumberFormat& format) {
-    int factor = static_cast<int>(format.factor);
-    Exchange(ar, factor, format.decimals);
-    format.factor = factor == 1   ? NumberFormat::Factor::SI
-                    : factor == 2 ? NumberFormat::Factor::NONE
-                                  : NumberFormat::Factor::POWERS;
-    ExchangeFlag(ar, format.percent);
-    ExchangeText(ar, format.grouping);
-    ExchangeText(ar, format.prefix);
-    ExchangeText(ar, format.suffix);
-}
 
 void ExchangeTicks(CArchive& ar, std::vector<Tick>& ticks) {
     int count = static_cast<int>(ticks.size());

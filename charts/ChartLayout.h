@@ -2,6 +2,7 @@
 #pragma once
 
 #include <zel/ChartOptions.h>
+#include <zel/ColorKey.h>
 #include <zel/Scale.h>
 #include <zel/platform/Geometry.h>
 
@@ -31,7 +32,7 @@ struct PlacedText {
 };
 
 struct PlacedAxis {
-    int index = 0;
+    int index = -1;  // among those of the chart; -1 for one of a bar of colours
     Side side = Side::BOTTOM;
     Scale scale;
     Ticks ticks;
@@ -41,8 +42,16 @@ struct PlacedAxis {
     std::vector<PlacedText> texts;
 };
 
+// The colours of a layer, with an axis at their right.
+struct PlacedColorBar {
+    const ColorKey* key = nullptr;
+    PlacedAxis axis;
+    Box box;
+};
+
 struct LegendEntry {
     Zel2Layer* layer = nullptr;  // null for the note that some are left out
+    int part = -1;               // of the layer's further lines; -1 for its name
     Box key;
     Box whole;
     PlacedText name;
@@ -57,7 +66,8 @@ struct PlotMargins {
 struct ChartLayout {
     CSize size;
     Box plot;
-    std::vector<PlacedAxis> axes;   // as many as the chart has, in its order
+    std::vector<PlacedAxis> axes;  // as many as the chart has, in its order
+    std::vector<PlacedColorBar> colorBars;
     std::vector<PlacedText> texts;  // titles and caption
     std::vector<LegendEntry> legend;
     Box legendBox;

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace zel {
 namespace {
 
-constexpr double kEdge = 6, kBlockGap = 5, kTick = 3.5, kLabelGap = 2.5, kAxisGap = 8;  // points
-constexpr double kLeastPlot = 24;  // points, of either side of a plot area that is worth drawing
+constexpr double kEdge = 6, kBlockGap = 5, kTick = 3.5, kLabelGap = 2.5, kAxisGap = 8, kColorBar = 10,
+                 kColorBarGap = 10;  // points
+constexpr double kLeastPlot = 24;    // points, of either side of a plot area that is worth drawing
 constexpr std::size_t kMostTitleLines = 3;
 constexpr int kMostPasses = 5;
 constexpr std::size_t kMostNameLines = 3;
@@ -64,7 +66,15 @@ void ChartLayouter::LayOut(int level, const PlotMargins& least) {
     inner_ = {edge, edge, layout_.size.cx - edge, layout_.size.cy - edge};
     PlaceTitles(level);
     PlaceLegend(level);
+    FindColorBars(level);
     FitAxes(level, least);
+    for (std::size_t i = 0; i < layout_.colorBars.size(); ++i) {
+        PlacedColorBar& bar = layout_.colorBars[i];
+        const int right = layout_.plot.right + bar.axis.offset;
+        bar.box = {right - UnitsOfPoints(kColorBar), layout_.plot.bottom, right, layout_.plot.top};
+        PlaceLabels(bar.axis, measuredBars_[i]);
+        PlaceAxisTitle(bar.axis, measuredBars_[i]);
+    }
     for (std::size_t i = 0; i < layout_.axes.size(); ++i) {
         if (!layout_.axes[i].drawn) continue;
         PlaceLabels(layout_.axes[i], measured_[i]);
@@ -139,12 +149,18 @@ void ChartLayouter::PlaceTitles(int level) {
 void ChartLayouter::PlaceLegend(int level) {
     LegendPlace place = chart_.Legend();
     if (level >= NO_LEGEND || place == LegendPlace::NONE) return;
-    std::vector<std::pair<Zel2Layer*, std::string>> entries;
-    for (Zel2Layer* layer : chart_.Layers())
-        if (!layer->Name().empty()) entries.emplace_back(layer, layer->Name());
+    std::vector<LegendLayout::Line> entries;
+    int keyHeight = 0;
+    for (Zel2Layer* layer : chart_.Layers()) {
+        if (!layer->Name().empty()) entries.push_back({layer, -1, layer->Name()});
+        if (!layer->IsVisible()) continue;
+        int part = 0;
+        for (std::string& text : layer->KeyParts()) entries.push_back({layer, part++, std::move(text)});
+        keyHeight = std::max(keyHeight, layer->KeyHeight());
+    }
     if (entries.empty() || (place == LegendPlace::AUTOMATIC && entries.size() < 2)) return;
 
-    LegendLayout legend(text_, fonts_.text, std::move(entries));
+    LegendLayout legend(text_, fonts_.text, std::move(entries), keyHeight);
     const int gap = UnitsOfPoints(kBlockGap);
     const int width = inner_.Width(), height = inner_.Height();
     if (level >= SHORT_LEGEND && place != LegendPlace::INSIDE) {
@@ -242,7 +258,19 @@ void ChartLayouter::FitAxes(int level, const PlotMargins& fromEdges) {
                 inner_.top - margins.top};
         plot.right = std::max(plot.right, plot.left + 1);
         plot.top = std::max(plot.top, plot.bottom + 1);
-        for (std::size_t i = 0; i < scales_.size(); ++i) MeasureAxis(i, level);
+        for (std::size_t i = 0; i < scales_.size(); ++i) {
+            const ChartAxis& source = chart_.Axis(static_cast<int>(i));
+            PlacedAxis& axis = layout_.axes[i];
+            axis.index = static_cast<int>(i);
+            axis.side = source.GetSide();
+            axis.scale = scales_[i];
+            axis.drawn = source.IsVisible() && level < NO_AXES;
+            MeasureAxis(source, axis, measured_[i], level);
+        }
+        for (std::size_t i = 0; i < layout_.colorBars.size(); ++i) {
+            PlacedColorBar& bar = layout_.colorBars[i];
+            MeasureAxis(bar.key->Axis(), bar.axis, measuredBars_[i], level);
+        }
         PlotMargins needed = MarginsOfAxes();
         needed = {std::max(needed.left, least.left), std::max(needed.bottom, least.bottom),
                   std::max(needed.right, least.right), std::max(needed.top, least.top)};
@@ -254,10 +282,11 @@ void ChartLayouter::FitAxes(int level, const PlotMargins& fromEdges) {
         if (needed == margins) break;
         margins = needed;
     }
-    // Titles stand over the plot area where they have room there.
+    // All lines of titles begin at one place: that of the plot area, or as near as the longest has room.
+    int shift = layout_.plot.left - inner_.left;
+    for (const PlacedText& text : layout_.texts) shift = std::min(shift, inner_.right - text.box.right);
     for (PlacedText& text : layout_.texts) {
-        const int dx = layout_.plot.left - text.box.left;
-        if (text.box.right + dx > inner_.right) continue;
+        const int dx = std::max(shift, 0);
         text.at.x += dx;
         text.box = {text.box.left + dx, text.box.bottom, text.box.right + dx, text.box.top};
     }
@@ -277,37 +306,47 @@ void ChartLayouter::MoveLegend(int dx, int dy) {
     }
 }
 
-void ChartLayouter::MeasureAxis(std::size_t i, int level) {
-    const ChartAxis& source = chart_.Axis(static_cast<int>(i));
-    PlacedAxis& axis = layout_.axes[i];
-    axis.index = static_cast<int>(i);
-    axis.side = source.GetSide();
-    axis.scale = scales_[i];
-    axis.drawn = source.IsVisible() && level < NO_AXES;
-    measured_[i] = {};
-    if (source.IsHorizontal()) {
-        MeasureHorizontal(axis, measured_[i]);
+// Bars of colours go with the legend when there is no room.
+void ChartLayouter::FindColorBars(int level) {
+    measuredBars_.clear();
+    if (level >= NO_LEGEND) return;
+    for (Zel2Layer* layer : chart_.Layers()) {
+        const ColorKey* const key = layer->IsVisible() ? layer->ColorBar() : nullptr;
+        if (!key || !key->Axis().IsVisible()) continue;
+        PlacedColorBar bar;
+        bar.key = key;
+        bar.axis.side = Side::RIGHT;
+        bar.axis.scale = key->GetScale();
+        layout_.colorBars.push_back(std::move(bar));
+    }
+    measuredBars_.resize(layout_.colorBars.size());
+}
+
+void ChartLayouter::MeasureAxis(const ChartAxis& source, PlacedAxis& axis, Measured& measured, int level) {
+    measured = {};
+    const bool horizontal = axis.side == Side::BOTTOM || axis.side == Side::TOP;
+    if (horizontal) {
+        MeasureHorizontal(source, axis, measured);
     } else {
-        MeasureVertical(axis, measured_[i]);
+        MeasureVertical(source, axis, measured);
     }
     if (!axis.drawn) return;
     if (level < NO_AXIS_TITLES && (!source.Title().empty() || !source.Unit().empty())) {
         std::string title = source.Title();
         if (!source.Unit().empty()) title += title.empty() ? source.Unit() : " (" + source.Unit() + ")";
-        const double length = source.IsHorizontal() ? layout_.plot.Width() : layout_.plot.Height();
-        measured_[i].titleLines = axisTitle_.Wrapped(title, std::max(length, 1.0), 2);
+        const double length = horizontal ? layout_.plot.Width() : layout_.plot.Height();
+        measured.titleLines = axisTitle_.Wrapped(title, std::max(length, 1.0), 2);
     }
-    const Measured& m = measured_[i];
-    axis.thickness = LabelDistance() + m.labels + m.contexts;
+    axis.thickness = LabelDistance() + measured.labels + measured.contexts;
     // A factor of a horizontal axis stands in the line of the title, that of a vertical one above the axis.
-    const bool hasLine = !m.titleLines.empty() || (source.IsHorizontal() && !axis.ticks.factor.empty());
+    const bool hasLine = !measured.titleLines.empty() || (horizontal && !axis.ticks.factor.empty());
     if (hasLine)
-        axis.thickness += UnitsOfPoints(kLabelGap) +
-                          std::max<int>(1, static_cast<int>(m.titleLines.size())) * axisTitle_.LineHeight();
+        axis.thickness +=
+            UnitsOfPoints(kLabelGap) +
+            std::max<int>(1, static_cast<int>(measured.titleLines.size())) * axisTitle_.LineHeight();
 }
 
-void ChartLayouter::MeasureHorizontal(PlacedAxis& axis, Measured& measured) {
-    const ChartAxis& source = chart_.Axis(axis.index);
+void ChartLayouter::MeasureHorizontal(const ChartAxis& source, PlacedAxis& axis, Measured& measured) {
     const double length = layout_.plot.Width();
     TickRoom room;
     room.length = length;
@@ -371,8 +410,7 @@ void ChartLayouter::MeasureNames(PlacedAxis& axis, Measured& measured, TickRoom 
             std::max(measured.labels, Up(std::min(measured.longest, text_.WidthOf(Beginning(tick.label)))));
 }
 
-void ChartLayouter::MeasureVertical(PlacedAxis& axis, Measured& measured) {
-    const ChartAxis& source = chart_.Axis(axis.index);
+void ChartLayouter::MeasureVertical(const ChartAxis& source, PlacedAxis& axis, Measured& measured) {
     const double length = layout_.plot.Height();
     TickRoom room;
     room.length = length;
@@ -418,6 +456,13 @@ PlotMargins ChartLayouter::MarginsOfAxes() {
         int& high = horizontal ? margins.right : margins.top;
         low = std::max(low, m.beforeStart);
         high = std::max(high, m.behindEnd);
+    }
+    for (std::size_t i = 0; i < layout_.colorBars.size(); ++i) {
+        PlacedAxis& axis = layout_.colorBars[i].axis;
+        axis.offset = margins.right + UnitsOfPoints(kColorBarGap + kColorBar);
+        margins.right = axis.offset + axis.thickness;
+        margins.bottom = std::max(margins.bottom, measuredBars_[i].beforeStart);
+        margins.top = std::max(margins.top, measuredBars_[i].behindEnd);
     }
     return margins;
 }
@@ -482,7 +527,7 @@ void ChartLayouter::PlaceAxisTitle(PlacedAxis& axis, const Measured& measured) {
     const bool horizontal = axis.side == Side::BOTTOM || axis.side == Side::TOP;
     const auto count = static_cast<int>(measured.titleLines.size());
     for (int i = 0; i < count; ++i) {
-        CPoint at((plot.left + plot.right) / 2, (plot.bottom + plot.top) / 2);
+        CPoint at(std::midpoint(plot.left, plot.right), std::midpoint(plot.bottom, plot.top));
         unsigned flags = DT_CENTER;
         switch (axis.side) {
             case Side::BOTTOM:

@@ -45,10 +45,11 @@ class ChartLayouter {
     void MoveLegend(int dx, int dy);
     void MoveLegendInside();
     void FitAxes(int level, const PlotMargins& fromEdges);
-    void MeasureAxis(std::size_t i, int level);
-    void MeasureHorizontal(PlacedAxis& axis, Measured& measured);
+    void MeasureAxis(const ChartAxis& source, PlacedAxis& axis, Measured& measured, int level);
+    void MeasureHorizontal(const ChartAxis& source, PlacedAxis& axis, Measured& measured);
     void MeasureNames(PlacedAxis& axis, Measured& measured, TickRoom room);
-    void MeasureVertical(PlacedAxis& axis, Measured& measured);
+    void MeasureVertical(const ChartAxis& source, PlacedAxis& axis, Measured& measured);
+    void FindColorBars(int level);
     PlotMargins MarginsOfAxes();
     void PlaceLabels(PlacedAxis& axis, const Measured& measured);
     void PlaceAxisTitle(PlacedAxis& axis, const Measured& measured);
@@ -63,7 +64,7 @@ class ChartLayouter {
     std::vector<std::string> givenNotes_;
     TextRuler title_, subtitle_, caption_, text_, axisTitle_;
     ChartLayout layout_;
-    std::vector<Measured> measured_;
+    std::vector<Measured> measured_, measuredBars_;
     Box inner_;  // what is left for axes and plot area
     int titleLeft_ = 0;
 };

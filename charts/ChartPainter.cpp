@@ -7,6 +7,7 @@
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
 #include <zel/Zel2Chart.h>
+#include <zel/platform/DC.h>
 
 #include <algorithm>
 #include <cmath>
@@ -86,7 +87,7 @@ void ChartPainter::DrawGrid() {
     }
 }
 
-void ChartPainter::DrawTicks(const PlacedAxis& axis, DrawPen& pen) const {
+void ChartPainter::DrawTicks(const PlacedAxis& axis, bool allMinor, DrawPen& pen) const {
     const Box& plot = layout_.plot;
     const auto tick = [&](double value, double length) {
         const auto place = axis.scale.PlaceOf(value);
@@ -110,27 +111,40 @@ void ChartPainter::DrawTicks(const PlacedAxis& axis, DrawPen& pen) const {
     // Minor ticks tell most where the scale is curved; elsewhere the grid of labels is enough.
     const bool curved =
         axis.scale.GetKind() == Scale::Kind::LOGARITHM || axis.scale.GetKind() == Scale::Kind::TIME;
-    if (curved || chart_.Axis(axis.index).HasMinorGrid())
+    if (curved || allMinor)
         for (const double minor : axis.ticks.minor) tick(minor, kMinorTick);
 }
 
-void ChartPainter::DrawAxes() {
-    DrawPen* const pen = chart_.Pen(chart_.GetPenIndex("Chart Axis"));
+void ChartPainter::DrawAxis(const PlacedAxis& axis) const {
     const Box& plot = layout_.plot;
-    for (const PlacedAxis& axis : layout_.axes) {
-        if (!axis.drawn) continue;
-        if (pen) {
-            if (axis.side == Side::BOTTOM)
-                Line(*pen, plot.left, plot.bottom - axis.offset, plot.right, plot.bottom - axis.offset);
-            if (axis.side == Side::TOP)
-                Line(*pen, plot.left, plot.top + axis.offset, plot.right, plot.top + axis.offset);
-            if (axis.side == Side::LEFT)
-                Line(*pen, plot.left - axis.offset, plot.bottom, plot.left - axis.offset, plot.top);
-            if (axis.side == Side::RIGHT)
-                Line(*pen, plot.right + axis.offset, plot.bottom, plot.right + axis.offset, plot.top);
-            DrawTicks(axis, *pen);
-        }
-        for (const PlacedText& text : axis.texts) Write(text);
+    if (DrawPen* const pen = chart_.Pen(chart_.GetPenIndex("Chart Axis"))) {
+        if (axis.side == Side::BOTTOM)
+            Line(*pen, plot.left, plot.bottom - axis.offset, plot.right, plot.bottom - axis.offset);
+        if (axis.side == Side::TOP)
+            Line(*pen, plot.left, plot.top + axis.offset, plot.right, plot.top + axis.offset);
+        if (axis.side == Side::LEFT)
+            Line(*pen, plot.left - axis.offset, plot.bottom, plot.left - axis.offset, plot.top);
+        if (axis.side == Side::RIGHT)
+            Line(*pen, plot.right + axis.offset, plot.bottom, plot.right + axis.offset, plot.top);
+        const bool minor = axis.index >= 0 && chart_.Axis(axis.index).HasMinorGrid();
+        DrawTicks(axis, minor, *pen);
+    }
+    for (const PlacedText& text : axis.texts) Write(text);
+}
+
+void ChartPainter::DrawAxes() {
+    for (const PlacedAxis& axis : layout_.axes)
+        if (axis.drawn) DrawAxis(axis);
+}
+
+void ChartPainter::DrawColorBars() {
+    for (const PlacedColorBar& bar : layout_.colorBars) {
+        constexpr int kSteps = 256;
+        std::vector<std::uint32_t> colors;
+        for (int i = 0; i < kSteps; ++i)
+            colors.push_back(bar.key->Map().PixelAt((kSteps - 0.5 - i) / kSteps));
+        if (CDC* dc = chart_.DC()) dc->DrawPicture(ToLogical(bar.box), {colors.data(), 1, kSteps});
+        DrawAxis(bar.axis);
     }
 }
 
@@ -149,7 +163,9 @@ void ChartPainter::DrawLegend() {
     for (const LegendEntry& entry : layout_.legend) {
         if (entry.layer && entry.layer->IsVisible()) {
             entry.layer->SetDefaults();
-            entry.layer->DrawKey(ToLogical(entry.key));
+            const CRect key = ToLogical(entry.key);
+            entry.part < 0 ? entry.layer->DrawKey(key)
+                           : entry.layer->DrawKeyPart(static_cast<std::size_t>(entry.part), key);
         }
         PlacedText name = entry.name;
         if (entry.layer && !entry.layer->IsVisible()) name.font = chart_.GetFontIndex("Chart Hidden");

@@ -15,6 +15,7 @@ class ChartPainter {
     void DrawGround();
     void DrawGrid();
     void DrawAxes();
+    void DrawColorBars();
     void DrawTitles();
     void DrawLegend();
 
@@ -23,7 +24,8 @@ class ChartPainter {
     CRect ToLogical(const Box& box) const;
     void Line(DrawPen& pen, int x1, int y1, int x2, int y2) const;
     void DrawGridOf(const PlacedAxis& axis, const std::vector<double>& values, DrawPen* pen) const;
-    void DrawTicks(const PlacedAxis& axis, DrawPen& pen) const;
+    void DrawAxis(const PlacedAxis& axis) const;
+    void DrawTicks(const PlacedAxis& axis, bool minor, DrawPen& pen) const;
     void Write(const PlacedText& text) const;
 
     Zel2Chart& chart_;

@@ -5,17 +5,16 @@
 
 namespace zel {
 
-LegendLayout::LegendLayout(const TextRuler& ruler, int font,
-                           std::vector<std::pair<Zel2Layer*, std::string>> entries)
+LegendLayout::LegendLayout(const TextRuler& ruler, int font, std::vector<Line> entries, int keyHeight)
     : ruler_(ruler),
       font_(font),
       entries_(std::move(entries)),
-      rowHeight_(ruler.LineHeight() * 13 / 10),
-      keyWidth_(ruler.LineHeight() * 16 / 10),
+      rowHeight_(std::max(ruler.LineHeight() * 13 / 10, keyHeight * 11 / 10)),
+      keyWidth_(std::max(ruler.LineHeight() * 16 / 10, keyHeight)),
       keyGap_(ruler.LineHeight() * 4 / 10),
       columnGap_(ruler.LineHeight() * 12 / 10) {
     constexpr std::size_t kLongest = 400;  // bytes of a name that are looked at
-    for (const auto& [layer, name] : entries_)
+    for (const auto& [layer, part, name] : entries_)
         widths_.push_back(static_cast<int>(
             std::ceil(ruler_.WidthOf(name.size() > kLongest ? name.substr(0, kLongest) : name))));
 }
@@ -74,10 +73,14 @@ void LegendLayout::Place(std::size_t columns, int width, int height, bool column
         for (std::size_t c = 0; c < columnOf(i); ++c) left += key + nameWidth[c] + columnGap_;
         const int top = -static_cast<int>(rowOf(i)) * rowHeight_;
         LegendEntry entry;
-        const int inset = rowHeight_ / 4;
+        const int inset =
+            i < shown && entries_[i].part >= 0
+                ? 0
+                : std::max(rowHeight_ / 4, (rowHeight_ - ruler_.LineHeight()) / 2 + ruler_.LineHeight() / 6);
         entry.key = {left, top - rowHeight_ + inset, left + keyWidth_, top - inset};
-        const std::string& name = i < shown ? entries_[i].second : more;
-        entry.layer = i < shown ? entries_[i].first : nullptr;
+        const std::string& name = i < shown ? entries_[i].name : more;
+        entry.layer = i < shown ? entries_[i].layer : nullptr;
+        entry.part = i < shown ? entries_[i].part : -1;
         const int room = nameWidth[columnOf(i)] + 1;
         entry.name.text = ruler_.Shortened(name, room);
         if (entry.name.text != name) ++shortened_;

@@ -13,8 +13,13 @@ namespace zel {
 // A legend at (0, 0), growing to the right and downwards; MoveTo brings it to its place.
 class LegendLayout {
   public:
-    // `entries` in the order in which they are to stand.
-    LegendLayout(const TextRuler& ruler, int font, std::vector<std::pair<Zel2Layer*, std::string>> entries);
+    struct Line {
+        Zel2Layer* layer;
+        int part;  // LegendEntry::part
+        std::string name;
+    };
+    // `entries` in the order in which they are to stand; keys at least so high.
+    LegendLayout(const TextRuler& ruler, int font, std::vector<Line> entries, int keyHeight);
 
     // Lays the entries out within a width and a height: in as few rows as possible. Names that are too wide
     // are shortened; entries for which there is no room are counted in a last one ("… 12 more").
@@ -37,7 +42,7 @@ class LegendLayout {
 
     const TextRuler& ruler_;
     int font_;
-    std::vector<std::pair<Zel2Layer*, std::string>> entries_;
+    std::vector<Line> entries_;
     std::vector<int> widths_;  // of the names
     int rowHeight_, keyWidth_, keyGap_, columnGap_;
     std::vector<LegendEntry> placed_;

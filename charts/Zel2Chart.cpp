@@ -1,6 +1,7 @@
 #include "charts/ChartLayout.h"
 #include "charts/ChartLayouter.h"
 #include "charts/ChartPainter.h"
+#include "charts/FreeSpace.h"
 #include "charts/Palette.h"
 #include "charts/TextRuler.h"
 #include "core/ArchiveFields.h"
@@ -111,6 +112,86 @@ Zel2AreaLayer* Zel2Chart::AddArea(zel::Column x, zel::Column low, zel::Column hi
     return AddLayer(std::make_unique<Zel2AreaLayer>(std::move(x), std::move(low), std::move(high), options));
 }
 
+Zel2BarLayer* Zel2Chart::AddBars(zel::Column positions, zel::Column values, const zel::BarOptions& options) {
+    auto* const bars =
+        AddLayer(std::make_unique<Zel2BarLayer>(std::move(positions), std::move(values), options));
+    if (options.stacking == zel::Stacking::SHARES) {
+        zel::ChartAxis& axis = Axis(options.horizontal ? options.xAxis : options.yAxis);
+        zel::NumberFormat format = axis.Format();
+        format.percent = true;
+        axis.SetFormat(std::move(format));
+    }
+    return bars;
+}
+
+Zel2BarLayer* Zel2Chart::AddFloatingBars(zel::Column positions, zel::Column low, zel::Column high,
+                                         const zel::BarOptions& options) {
+    return AddLayer(
+        std::make_unique<Zel2BarLayer>(std::move(positions), std::move(low), std::move(high), options));
+}
+
+Zel2HistogramLayer* Zel2Chart::AddHistogram(zel::Column values, const zel::HistogramOptions& options) {
+    return AddLayer(std::make_unique<Zel2HistogramLayer>(std::move(values), options));
+}
+
+Zel2ErrorLayer* Zel2Chart::AddErrors(zel::Column x, zel::Column y, zel::Column error,
+                                     const zel::ErrorOptions& options) {
+    return AddLayer(std::make_unique<Zel2ErrorLayer>(std::move(x), std::move(y), std::move(error), options));
+}
+
+Zel2ErrorLayer* Zel2Chart::AddUnevenErrors(zel::Column x, zel::Column y, zel::Column below, zel::Column above,
+                                           const zel::ErrorOptions& options) {
+    return AddLayer(std::make_unique<Zel2ErrorLayer>(std::move(x), std::move(y), std::move(below),
+                                                     std::move(above), options));
+}
+
+Zel2AreaLayer* Zel2Chart::AddBand(const zel::Column& x, const zel::Column& y, const zel::Column& below,
+                                  const zel::Column& above, const zel::AreaOptions& options) {
+    std::vector<double> low, high;
+    for (std::size_t i = 0; i < std::min({y.Size(), below.Size(), above.Size()}); ++i) {
+        low.push_back(y.At(i) + y.Origin() - below.At(i));
+        high.push_back(y.At(i) + y.Origin() + above.At(i));
+    }
+    return AddArea(x, std::move(low), std::move(high), options);
+}
+
+Zel2BoxLayer* Zel2Chart::AddBoxes(zel::Column groups, zel::Column values, const zel::BoxOptions& options) {
+    return AddLayer(std::make_unique<Zel2BoxLayer>(std::move(groups), std::move(values), options));
+}
+
+Zel2CandleLayer* Zel2Chart::AddCandles(zel::Column times, zel::Column open, zel::Column high, zel::Column low,
+                                       zel::Column close, const zel::CandleOptions& options) {
+    return AddLayer(std::make_unique<Zel2CandleLayer>(std::move(times), std::move(open), std::move(high),
+                                                      std::move(low), std::move(close), options));
+}
+
+Zel2HeatLayer* Zel2Chart::AddHeatMap(zel::Column x, zel::Column y, zel::Column values,
+                                     const zel::HeatMapOptions& options) {
+    return AddLayer(std::make_unique<Zel2HeatLayer>(std::move(x), std::move(y), std::move(values), options));
+}
+
+Zel2HeatLayer* Zel2Chart::AddHeatMapOfRows(const zel::Column& x, const zel::Column& y,
+                                           const zel::Column& values, const zel::HeatMapOptions& options) {
+    return AddLayer(Zel2HeatLayer::OfRows(x, y, values, options));
+}
+
+Zel2BubbleLayer* Zel2Chart::AddBubbles(zel::Column x, zel::Column y, const zel::BubbleOptions& options) {
+    return AddLayer(std::make_unique<Zel2BubbleLayer>(std::move(x), std::move(y), options));
+}
+
+Zel2TextLayer* Zel2Chart::AddTexts(zel::Column x, zel::Column y, zel::Column texts,
+                                   const zel::TextOptions& options) {
+    return AddLayer(std::make_unique<Zel2TextLayer>(std::move(x), std::move(y), std::move(texts), options));
+}
+
+int Zel2Chart::TextFont() {
+    return FontFor("Chart Text", 1, false, kInk);
+}
+
+int Zel2Chart::LightTextFont() {
+    return FontFor("Chart Light Text", 1, false, RGB(255, 255, 255));
+}
+
 Zel2PointLayer* Zel2Chart::AddPoints(zel::Column x, zel::Column y, const zel::PointOptions& options) {
     return AddLayer(std::make_unique<Zel2PointLayer>(std::move(x), std::move(y), options));
 }
@@ -212,6 +293,18 @@ int Zel2Chart::PaletteColor(int entry) {
 
 namespace {
 
+// Marks at the ends of the data would be cut, or lie on the axes. An end at 0 stays.
+zel::Scale WithRoomForMarks(const zel::Scale& scale, const zel::Scale& data) {
+    constexpr double kMargin = 0.02;
+    const auto end = [&](double present, double limit, double outwards) {
+        const std::optional<double> from = scale.PlaceOf(present), to = scale.PlaceOf(limit);
+        if (limit == 0 || !from || !to || std::fabs(*to - *from) >= kMargin) return present;
+        const double moved = scale.ValueAt(*from + outwards);
+        return std::isfinite(moved) ? moved : present;
+    };
+    return scale.WithEnds(end(scale.Low(), data.Low(), -kMargin), end(scale.High(), data.High(), kMargin));
+}
+
 // The scale of an axis from what its layers have told.
 zel::Scale Resolved(const zel::ChartAxis& axis, const zel::AxisRange& range, bool tight, bool margin) {
     const double origin = range.Origin();
@@ -234,13 +327,7 @@ zel::Scale Resolved(const zel::ChartAxis& axis, const zel::AxisRange& range, boo
     scale = scale.WithUsableEnds();
     if (!tight || margin) {
         const zel::Scale round = scale.WithRoundEnds();
-        const bool same = round.Low() == scale.Low() && round.High() == scale.High();
-        constexpr double kMargin = 0.02;
-        if (same && margin && scale.GetKind() == zel::Scale::Kind::TIME) {
-            scale = scale.WithEnds(scale.ValueAt(-kMargin), scale.ValueAt(1 + kMargin));
-        } else {
-            scale = round;
-        }
+        scale = margin ? WithRoomForMarks(round, scale) : round;
     }
     return axis.IsReversed() ? scale.Reversed() : scale;
 }
@@ -250,7 +337,7 @@ zel::Scale Resolved(const zel::ChartAxis& axis, const zel::AxisRange& range, boo
 std::vector<zel::Scale> Zel2Chart::Scales(std::vector<std::string>& notes) {
     const std::size_t n = axes_.size();
     std::vector<zel::AxisRange> ranges(n);
-    std::vector<bool> isX(n, false), margin(n, false);
+    std::vector<bool> tight(n, false), margin(n, false);
     std::vector<Zel2Layer*> layers = Layers();
     std::erase_if(layers, [](const Zel2Layer* layer) { return !layer->IsVisible(); });
     const auto x = [&](const Zel2Layer* layer) { return static_cast<std::size_t>(layer->XAxis()); };
@@ -271,15 +358,21 @@ std::vector<zel::Scale> Zel2Chart::Scales(std::vector<std::string>& notes) {
     }
     for (Zel2Layer* layer : layers) {
         layer->TakeRange(ranges[x(layer)], ranges[y(layer)]);
-        isX[x(layer)] = true;
         if (layer->NeedsMargin()) margin[x(layer)] = margin[y(layer)] = true;
-        if (const auto value = layer->IncludedY(); value && ranges[y(layer)].GetScale().HasPlace(*value))
-            ranges[y(layer)].Add(*value);
+        for (const auto coordinate : {zel::AxisRange::Coordinate::X, zel::AxisRange::Coordinate::Y}) {
+            const std::size_t axis = coordinate == zel::AxisRange::Coordinate::X ? x(layer) : y(layer);
+            if (layer->EndsWithData(coordinate)) tight[axis] = true;
+            if (const auto value = layer->Included(coordinate);
+                value && ranges[axis].GetScale().HasPlace(*value))
+                ranges[axis].Add(*value);
+        }
+        for (std::string& note : layer->Notes(ranges[x(layer)].GetScale(), ranges[y(layer)].GetScale()))
+            notes.push_back(std::move(note));
     }
     std::vector<zel::Scale> scales;
     for (std::size_t i = 0; i < n; ++i) {
         if (axes_[i]->Included()) ranges[i].Add(*axes_[i]->Included() - ranges[i].Origin());
-        scales.push_back(Resolved(*axes_[i], ranges[i], isX[i], margin[i]));
+        scales.push_back(Resolved(*axes_[i], ranges[i], tight[i], margin[i]));
         if (ranges[i].WithoutPlace() > 0) {
             notes.push_back(
                 std::to_string(ranges[i].WithoutPlace()) + " values of " +
@@ -520,11 +613,31 @@ void Zel2Chart::OnDraw() {
     painter.DrawGround();
     painter.DrawGrid();
     Zel2Set::OnDraw();
+    DrawLabels();
     painter.DrawAxes();
+    painter.DrawColorBars();
     painter.DrawTitles();
     painter.DrawLegend();
     if (!Selected()) return;
     for (int i = 0; i < kCorners; ++i) DrawCPT(i);
+}
+
+void Zel2Chart::DrawLabels() {
+    std::vector<Zel2Layer*> layers = Layers();
+    std::erase_if(layers, [](const Zel2Layer* layer) { return !layer->IsVisible(); });
+    if (std::none_of(layers.begin(), layers.end(), [](const Zel2Layer* layer) { return layer->HasLabels(); }))
+        return;
+    const zel::TextRuler ruler(*Font(TextFont()));
+    const CSize line = Map()->ToLogical(CSize(ruler.LineHeight() * 3, ruler.LineHeight()));
+    const WorldFrame world = FrameOf(*layers.front()).world;
+    const CSize cell(zel::Magnitude(line.cx), zel::Magnitude(line.cy));
+    CRect bounds(world.lower, world.upper);
+    bounds.NormalizeRect();
+    // There is a little room around the plot area before the labels of the axes begin.
+    bounds.InflateRect(cell.cy * 2 / 5, cell.cy * 2 / 5);
+    zel::FreeSpace space(bounds, cell);
+    for (Zel2Layer* layer : layers) layer->BlockLabels(FrameOf(*layer), space);
+    for (Zel2Layer* layer : layers) layer->DrawLabels(FrameOf(*layer), space);
 }
 
 void Zel2Chart::OnPrint(CDC*, CPrintInfo*) {

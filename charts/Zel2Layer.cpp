@@ -160,9 +160,24 @@ int Zel2Layer::RegisterOwnPen(double width, zel::Dash dash) {
 }
 
 int Zel2Layer::RegisterOwnColor() {
+    return RegisterOwnColor(OwnColor());
+}
+
+int Zel2Layer::RegisterOwnColor(COLORREF color) {
     const std::string name = FreeName((name_.empty() ? "Layer" : name_) + " area",
                                       [this](const char* n) { return GetColorIndex(n); });
-    return zel::RegisterColor(*this, name, {OwnColor(), opacity_});
+    return zel::RegisterColor(*this, name, {color, opacity_});
+}
+
+int Zel2Layer::RegisterOwnTint(double share) {
+    const std::string name = FreeName((name_.empty() ? "Layer" : name_) + " tint",
+                                      [this](const char* n) { return GetColorIndex(n); });
+    const COLORREF color = OwnColor();
+    const auto mixed = [share](int channel) {
+        return static_cast<int>(std::lround(channel * share + 255 * (1 - share)));
+    };
+    const COLORREF tint = RGB(mixed(GetRValue(color)), mixed(GetGValue(color)), mixed(GetBValue(color)));
+    return zel::RegisterColor(*this, name, {tint, opacity_});
 }
 
 int Zel2Layer::RegisterOwnSymbol(double size, std::optional<zel::SymbolKind> shape) {

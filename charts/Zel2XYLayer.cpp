@@ -1,3 +1,4 @@
+#include "charts/ScaleValues.h"
 #include "core/ArchiveFields.h"
 #include "series/SeriesHit.h"
 #include "series/SeriesIndex.h"
@@ -11,42 +12,15 @@
 
 IMPLEMENT_DYNAMIC(Zel2XYLayer, Zel2Layer)
 
-// The texts of a column as places among the names of an axis.
-class Zel2XYLayer::Coded {
-  public:
-    Coded(const zel::Column& column, const std::vector<std::string>& names) : names_(names) {
-        std::vector<std::pair<std::string, double>> places;
-        for (std::size_t i = 0; i < names.size(); ++i) places.emplace_back(names[i], static_cast<double>(i));
-        std::stable_sort(places.begin(), places.end(),
-                         [](const auto& a, const auto& b) { return a.first < b.first; });
-        std::vector<double> placeOf;
-        for (const std::string& name : column.Names()) {
-            const auto at = std::lower_bound(
-                places.begin(), places.end(), name,
-                [](const auto& place, const std::string& wanted) { return place.first < wanted; });
-            placeOf.push_back(at != places.end() && at->first == name ? at->second : std::nan(""));
-        }
-        codes_.reserve(column.Size());
-        for (std::size_t i = 0; i < column.Size(); ++i) {
-            const double code = column.At(i);
-            codes_.push_back(std::isfinite(code) ? placeOf[static_cast<std::size_t>(code)] : code);
-        }
-        values_ = zel::SeriesValues(codes_.data());
-    }
-    const zel::SeriesValues& Values() const { return values_; }
-    bool IsFor(const std::vector<std::string>& names) const { return names_ == names; }
-
-  private:
-    std::vector<std::string> names_;
-    std::vector<double> codes_;
-    zel::SeriesValues values_;
-};
-
-Zel2XYLayer::Zel2XYLayer() = default;
+Zel2XYLayer::Zel2XYLayer() : Zel2XYLayer({}, {}, {}) {}
 Zel2XYLayer::~Zel2XYLayer() = default;
 
 Zel2XYLayer::Zel2XYLayer(const zel::LayerOptions& options, zel::Column x, zel::Column y)
-    : Zel2Layer(options), x_(std::move(x)), y_(std::move(y)) {
+    : Zel2Layer(options),
+      x_(std::move(x)),
+      y_(std::move(y)),
+      onX_(std::make_unique<zel::ScaleValues>()),
+      onY_(std::make_unique<zel::ScaleValues>()) {
     if (options.name.empty()) SetName(y_.Name());
 }
 
@@ -64,8 +38,8 @@ void Zel2XYLayer::SetSource(std::unique_ptr<Zel2PointSet> source) {
 
 void Zel2XYLayer::DataChanged() {
     index_.reset();
-    codedX_.reset();
-    codedY_.reset();
+    onX_->Forget();
+    onY_->Forget();
     Changed();
 }
 
@@ -73,29 +47,14 @@ std::size_t Zel2XYLayer::Rows() const {
     return source_ ? source_->NPoints() : std::min(x_.Size(), y_.Size());
 }
 
-namespace {
-
-void Describe(zel::AxisRange& axis, const zel::Column& column) {
-    if (column.GetKind() == zel::Column::Kind::TEXTS) axis.AddNames(column.Names());
-    if (column.GetKind() == zel::Column::Kind::TIMES) axis.AddTimes(column.Origin());
-    if (column.GetKind() == zel::Column::Kind::NUMBERS && !column.IsEmpty()) axis.AddNumbers();
-}
-
-// Whether names are the first of others, so that their codes are the same.
-bool Begin(const std::vector<std::string>& names, const std::vector<std::string>& others) {
-    return names.size() <= others.size() && std::equal(names.begin(), names.end(), others.begin());
-}
-
-}  // namespace
-
 void Zel2XYLayer::DescribeAxes(zel::AxisRange& x, zel::AxisRange& y) {
     if (source_) {
         x.AddNumbers();
         y.AddNumbers();
         return;
     }
-    Describe(x, x_);
-    Describe(y, y_);
+    zel::Describe(x, x_);
+    zel::Describe(y, y_);
 }
 
 void Zel2XYLayer::TakeRange(zel::AxisRange& x, zel::AxisRange& y) {
@@ -105,24 +64,10 @@ void Zel2XYLayer::TakeRange(zel::AxisRange& x, zel::AxisRange& y) {
     }
 }
 
-const zel::SeriesValues& Zel2XYLayer::ValuesOn(const zel::Column& column, const zel::Scale& scale,
-                                               std::unique_ptr<Coded>& coded) {
-    thread_local zel::SeriesValues times;
-    if (column.GetKind() == zel::Column::Kind::TIMES) return times = column.ValuesFrom(scale.Origin());
-    const bool coding = column.GetKind() == zel::Column::Kind::TEXTS &&
-                        scale.GetKind() == zel::Scale::Kind::CATEGORIES &&
-                        !Begin(column.Names(), scale.Names());
-    if (!coding) return column.Values();
-    if (!coded || !coded->IsFor(scale.Names())) {
-        coded = std::make_unique<Coded>(column, scale.Names());
-        index_.reset();
-    }
-    return coded->Values();
-}
-
 std::vector<zel::SeriesStretch> Zel2XYLayer::StretchesOn(const zel::Scale& x, const zel::Scale& y) {
     if (source_) return source_->Stretches();
-    const zel::SeriesValues xs = ValuesOn(x_, x, codedX_), ys = ValuesOn(y_, y, codedY_);
+    const zel::SeriesValues xs = onX_->On(x_, x), ys = onY_->On(y_, y);
+    if (onX_->HasChanged() || onY_->HasChanged()) index_.reset();
     const std::size_t n = Rows();
     if (n < zel::SeriesIndex::kLeastPoints) return {{xs, ys, 0, n}};
     if (!index_) index_ = std::make_unique<zel::SeriesIndex>();
@@ -152,15 +97,8 @@ std::optional<zel::Datum> Zel2XYLayer::Nearest(const CPoint& device, double reac
     Map()->GetDevice(origin, extent);
     const double atX = device.x - origin.x, atY = device.y - origin.y;
     const WorldFrame& world = frame.world;
-    const auto along = [](double v, double low, double high, double from, double to) {
-        return from + (v - low) / (high - low) * (to - from);
-    };
-    const auto toX = [&](double v) {
-        return along(v, world.xmin, world.xmax, world.lower.x, world.upper.x) - atX;
-    };
-    const auto toY = [&](double v) {
-        return along(v, world.ymin, world.ymax, world.lower.y, world.upper.y) - atY;
-    };
+    const auto toX = [&](double v) { return world.XAt(v) - atX; };
+    const auto toY = [&](double v) { return world.YAt(v) - atY; };
     std::optional<zel::Datum> nearest;
     double best = reach;
     std::size_t first = 0;

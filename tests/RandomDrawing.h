@@ -164,6 +164,49 @@ class RandomDrawing {
         }
         return column.SetName(Below(2) ? "column" : "").SetUnit("m");
     }
+    zel::BarOptions AnyBars(const zel::LayerOptions& layer) {
+        zel::BarOptions options{layer};
+        options.horizontal = Below(2) != 0;
+        options.stacking = static_cast<zel::Stacking>(Below(3));
+        options.group = Below(2) ? "group" : "";
+        options.baseline = Below(3) - 1.0;
+        options.width = Below(9) / 8.0;
+        options.labels = Below(2) != 0;
+        options.labelFormat.decimals = Below(3) - 1;
+        return options;
+    }
+    void AddHistogram(Zel2Chart& chart, const zel::LayerOptions& layer) {
+        zel::HistogramOptions options{layer};
+        options.horizontal = Below(3) == 0;
+        if (Below(4) == 0) options.edges = {-20, 0, 30.5, 90};
+        if (Below(3) == 0) options.binWidth = 0.5 * Below(50);
+        if (Below(3) == 0) options.bins = Below(20);
+        options.rule = static_cast<zel::BinRule>(Below(3));
+        options.measure = static_cast<zel::BinMeasure>(Below(3));
+        if (Below(2)) options.weights = Numbers();
+        chart.AddHistogram(Numbers(), options);
+    }
+    zel::ColorOptions AnyColors() {
+        zel::ColorOptions colors;
+        colors.scheme = static_cast<zel::ColorScheme>(Below(4));
+        colors.spread = static_cast<zel::ColorSpread>(Below(4));
+        colors.reversed = Below(2) != 0;
+        if (Below(3) == 0) colors.from = -5;
+        if (Below(3) == 0) colors.to = 50;
+        colors.bar = Below(3) != 0;
+        colors.title = Below(2) ? "colours" : "";
+        return colors;
+    }
+    void AddHeatMap(Zel2Chart& chart, const zel::LayerOptions& layer) {
+        if (Below(2)) {
+            chart.AddHeatMapOfRows(Data(), Data(), Numbers(), {layer, AnyColors()});
+            return;
+        }
+        const zel::Column x = Below(2) ? zel::Column(std::vector<double>{1, 3, 10, 40})
+                                       : zel::Column(std::vector<std::string>{"two", "three", "one"});
+        chart.AddHeatMap(x, std::vector<double>{9, 5, 1}, Numbers(),
+                         {layer, AnyColors(), x.GetKind() == zel::Column::Kind::NUMBERS && Below(2) != 0});
+    }
     void SetAxis(zel::ChartAxis& axis) {
         if (Below(3) == 0) axis.SetRange(Below(100) + 1, Below(100) + 200);
         if (Below(4) == 0) axis.SetLogarithm(Below(2) ? 2 : 10);
@@ -192,7 +235,39 @@ class RandomDrawing {
             zel::LayerOptions layer{.name = Below(2) ? "layer " + std::to_string(i) : "",
                                     .opacity = Below(5) / 4.0};
             if (Below(2)) layer.color = zel::Color(static_cast<COLORREF>(Below(1 << 24)));
-            switch (Below(5)) {
+            switch (Below(14)) {
+                case 4:
+                    Below(3) ? chart->AddBars(Data(), Data(), AnyBars(layer))
+                             : chart->AddFloatingBars(Data(), Data(), Data(), AnyBars(layer));
+                    break;
+                case 5:
+                    AddHistogram(*chart, layer);
+                    break;
+                case 6:
+                    Below(2) ? chart->AddErrors(Data(), Data(), Numbers(),
+                                                {layer, Below(2) != 0, 1, 4.0 * Below(2)})
+                             : chart->AddUnevenErrors(Data(), Data(), Numbers(), Numbers(), {layer});
+                    break;
+                case 10:
+                    chart->AddBubbles(Data(), Data(),
+                                      {layer, Below(2) ? zel::Column(Numbers()) : zel::Column(),
+                                       Below(2) ? Data() : zel::Column(), 1.0 + Below(20), AnyColors()});
+                    break;
+                case 11:
+                    chart->AddTexts(Data(), Data(), std::vector<std::string>{"a", "longer text", ""},
+                                    {layer});
+                    break;
+                case 9:
+                    AddHeatMap(*chart, layer);
+                    break;
+                case 7:
+                    chart->AddBoxes(
+                        Data(), Data(),
+                        {layer, Below(2) != 0, Below(9) / 8.0, Below(4) / 2.0, Below(2) != 0, Below(2) != 0});
+                    break;
+                case 8:
+                    chart->AddCandles(Data(), Data(), Data(), Data(), Data(), {layer, {}, Below(9) / 8.0});
+                    break;
                 case 0:
                     chart->AddLine(Data(), Data(),
                                    {layer, Below(30) / 10.0, static_cast<zel::Dash>(Below(5)),

@@ -72,6 +72,10 @@ void DrawColor::FillRect(const CRect& rect) {
     ::FillRect(Dc()->m_hDC, &rect, brush_ ? static_cast<HBRUSH>(*brush_) : nullptr);
 }
 
+void DrawColor::FillRects(std::span<const CRect> rects) {
+    if (Dc() && !rects.empty()) Dc()->FillRects(rects, brush_.get());
+}
+
 // Runs `draw` with the own brush and a pen that draws nothing.
 template <class Draw>
 void DrawColor::WithoutOutline(Draw draw) {

@@ -1,21 +1,30 @@
 #include "apps/zel/Figure.h"
 
-#include "apps/zel/Csv.h"
-
 #include <algorithm>
 #include <cmath>
 
 namespace zel::cli {
 namespace {
 
-bool HasPoint(const Series& series) {
-    const std::size_t n =
-        series.source ? series.source->NPoints() : std::min(series.x.Size(), series.y.Size());
-    for (std::size_t i = 0; i < n; ++i) {
-        const auto row = static_cast<long>(i);
-        const double x = series.source ? series.source->X(row) : series.x.At(i);
-        const double y = series.source ? series.source->Y(row) : series.y.At(i);
-        if (std::isfinite(x) && std::isfinite(y)) return true;
+// The points of a database as columns.
+Series WithColumns(Series series) {
+    if (!series.source) return series;
+    std::vector<double> x, y;
+    for (std::size_t i = 0; i < series.source->NPoints(); ++i) {
+        x.push_back(series.source->X(static_cast<long>(i)));
+        y.push_back(series.source->Y(static_cast<long>(i)));
+    }
+    series.x = std::move(x);
+    series.y = zel::Column(std::move(y)).SetName(series.name);
+    return series;
+}
+
+bool HasPoint(const Series& series, FigureKind kind) {
+    const Series columns = WithColumns(series);
+    const bool needsX = kind != FigureKind::HISTOGRAM;
+    for (std::size_t i = 0; i < columns.y.Size(); ++i) {
+        const bool hasX = !needsX || (i < columns.x.Size() && std::isfinite(columns.x.At(i)));
+        if (hasX && std::isfinite(columns.y.At(i))) return true;
     }
     return false;
 }
@@ -23,6 +32,42 @@ bool HasPoint(const Series& series) {
 // A copy of the points, when they are a database's: they can be read from there again.
 void GiveData(Zel2XYLayer& layer, const Series& series) {
     if (series.source) layer.SetSource(std::make_unique<Zel2DaoPointSet>(*series.source));
+}
+
+void AddBars(Zel2Chart& chart, const Series& series, const LayerOptions& layer,
+             const FigureOptions& options) {
+    BarOptions bars{layer};
+    bars.stacking = options.stack ? Stacking::VALUES : Stacking::NONE;
+    chart.AddBars(series.x, series.y, bars);
+    if (series.error.IsEmpty()) return;
+    ErrorOptions errors;
+    errors.color = RGB(60, 60, 60);
+    errors.bars = series.name;
+    chart.AddErrors(series.x, series.y, series.error, errors)->SetName("");
+}
+
+void AddHistogram(Zel2Chart& chart, const Series& series, const LayerOptions& layer,
+                  const FigureOptions& options, bool alone) {
+    HistogramOptions histogram{layer};
+    constexpr double kSeeThrough = 0.6;
+    if (!alone) histogram.opacity = kSeeThrough;
+    histogram.bins = options.bins;
+    chart.AddHistogram(series.y, histogram);
+}
+
+void AddHeatMap(Zel2Chart& chart, const Series& series) {
+    chart.AddHeatMapOfRows(series.x, series.y, series.color)->SetName("");
+}
+
+// Marks with a size or a colour of their own.
+void AddBubbles(Zel2Chart& chart, const Series& series, const LayerOptions& layer) {
+    constexpr double kLargest = 20, kAll = 5;  // points
+    BubbleOptions bubbles{layer};
+    bubbles.sizes = series.size;
+    bubbles.colors = series.color;
+    bubbles.size = series.size.IsEmpty() ? kAll : kLargest;
+    bubbles.opacity = series.size.IsEmpty() ? 1 : 0.7;
+    chart.AddBubbles(series.x, series.y, bubbles);
 }
 
 // All that is drawn of one series has the colour of its place among them, and one name in the legend.
@@ -36,9 +81,15 @@ void AddSeries(Zel2Chart& chart, const Series& series, int place, const FigureOp
         GiveData(*chart.AddArea(series.x, series.y, {area}), series);
         if (options.line || options.symbols) chart.Layers().back()->SetName("");
     }
+    if (!series.error.IsEmpty())
+        chart.AddErrors(series.x, series.y, series.error, {{.color = Color::Palette(place)}})->SetName("");
     if (options.line) {
         GiveData(*chart.AddLine(series.x, series.y, {layer}), series);
         layer.name.clear();
+    }
+    if (!series.color.IsEmpty() || !series.size.IsEmpty()) {
+        AddBubbles(chart, series, layer);
+        return;
     }
     if (!options.symbols) return;
     constexpr double kMarkSize = 4;  // points
@@ -56,7 +107,8 @@ void SetAxis(ChartAxis& axis, const std::string& title,
 }  // namespace
 
 std::unique_ptr<Zel2Main> MakeFigure(const std::vector<Series>& series, const FigureOptions& options) {
-    if (std::none_of(series.begin(), series.end(), HasPoint)) {
+    if (std::none_of(series.begin(), series.end(),
+                     [&](const Series& one) { return HasPoint(one, options.kind); })) {
         throw Error("Cannot plot: no row has a number in both the x and a y column");
     }
     if (!(options.width >= 30 && options.height >= 30 && options.width <= 2000 && options.height <= 2000)) {
@@ -71,8 +123,32 @@ std::unique_ptr<Zel2Main> MakeFigure(const std::vector<Series>& series, const Fi
     if (ofDates) chart->X().SetTime();
     SetAxis(chart->X(), options.xTitle, options.xRange);
     SetAxis(chart->Y(), options.yTitle, options.yRange);
+    if (options.logX) chart->X().SetLogarithm();
+    if (options.logY) chart->Y().SetLogarithm();
     int place = 0;
-    for (const Series& one : series) AddSeries(*chart, one, place++, options);
+    for (const Series& one : series) {
+        const LayerOptions layer{.name = one.name, .color = Color::Palette(place)};
+        switch (options.kind) {
+            case FigureKind::BARS:
+                AddBars(*chart, WithColumns(one), layer, options);
+                break;
+            case FigureKind::HISTOGRAM:
+                AddHistogram(*chart, WithColumns(one), layer, options, series.size() == 1);
+                break;
+            case FigureKind::BOX:
+                chart->AddBoxes(WithColumns(one).x, WithColumns(one).y, {layer});
+                break;
+            case FigureKind::HEAT:
+                AddHeatMap(*chart, one);
+                break;
+            default:
+                AddSeries(*chart, one, place, options);
+        }
+        ++place;
+    }
+    // Its colours and sizes say what it is.
+    auto* const bubbles = dynamic_cast<Zel2BubbleLayer*>(chart->Layers().back());
+    if (bubbles && series.size() == 1) bubbles->SetName("");
     return root;
 }
 

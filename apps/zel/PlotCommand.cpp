@@ -1,13 +1,15 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 #include "apps/zel/Database.h"
 #include "apps/zel/Figure.h"
+#include "apps/zel/TableChoice.h"
+
+#include <map>
 
 namespace zel::cli {
 namespace {
 
 struct PlotChoice {
-    std::string input;
+    TableChoice table;
     DatabaseChoice database;
     std::string x;
     std::vector<std::string> ys;
@@ -15,6 +17,9 @@ struct PlotChoice {
     std::vector<double> yRange;
     std::vector<double> size;
     bool noLine = false;
+    std::vector<std::string> errors;
+    std::string colorBy, sizeBy;
+    std::vector<std::string> logarithms;
     FigureOptions figure;
     OutputChoice output;
 };
@@ -26,31 +31,78 @@ std::optional<std::pair<double, double>> RangeOf(const std::vector<double>& valu
     return std::pair(values[0], values[1]);
 }
 
+// Options that say nothing about what is drawn.
+void RefuseWhatCannotApply(const PlotChoice& choice) {
+    const FigureOptions& figure = choice.figure;
+    const FigureKind kind = figure.kind;
+    const auto refuse = [](bool given, bool applies, const char* what, const char* where) {
+        if (given && !applies) throw Error(std::string("Cannot use ") + what + " here: it is for " + where);
+    };
+    const bool points = kind == FigureKind::LINES;
+    refuse(figure.stack, kind == FigureKind::BARS, "--stack", "--kind bars");
+    refuse(figure.bins != 0, kind == FigureKind::HISTOGRAM, "--bins", "--kind histogram");
+    refuse(!choice.errors.empty(), points || kind == FigureKind::BARS, "--error", "lines, points and bars");
+    refuse(!choice.colorBy.empty(), points || kind == FigureKind::HEAT, "--color-by", "points and heat maps");
+    refuse(!choice.sizeBy.empty(), points, "--size-by", "points");
+    refuse(choice.noLine || figure.fill || figure.symbols, points, "--no-line, --fill or --symbols",
+           "lines and points");
+    if (kind == FigureKind::HISTOGRAM ? !choice.x.empty() : choice.x.empty())
+        throw Error(kind == FigureKind::HISTOGRAM
+                        ? "Cannot use --x here: a histogram counts the values of --y"
+                        : "Cannot plot: --x must name the column of the x values");
+    if (kind == FigureKind::HEAT && (choice.colorBy.empty() || choice.ys.size() != 1))
+        throw Error("Cannot draw a heat map: it takes --x, one --y and the values by --color-by");
+    if (!choice.errors.empty() && choice.errors.size() != choice.ys.size())
+        throw Error("Cannot draw error bars: there must be one --error for each --y");
+    if (!choice.database.database.empty() &&
+        (kind == FigureKind::HEAT || kind == FigureKind::HISTOGRAM || !choice.errors.empty() ||
+         !choice.colorBy.empty() || !choice.sizeBy.empty()))
+        throw Error("Cannot plot this from a database: it takes more or fewer columns than x and y");
+}
+
 std::vector<Series> ReadSeries(const PlotChoice& choice) {
-    if (choice.input.empty() == choice.database.database.empty())
-        throw Error("Cannot plot: either a CSV file or --db must say where the data is");
-    if (choice.input.empty()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
-    const CsvTable table = CsvTable::Read(choice.input);
-    const zel::Column x = table.Column(choice.x);
+    if (choice.table.IsGiven() != choice.database.database.empty())
+        throw Error("Cannot plot: either a table or --db must say where the data is");
+    RefuseWhatCannotApply(choice);
+    if (!choice.table.IsGiven()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
+    const tables::Table table = choice.table.Read();
+    const FigureKind kind = choice.figure.kind;
+    Series common;
+    if (!choice.x.empty()) common.x = CoordinateOf(table, choice.x);
+    if (!choice.colorBy.empty()) common.color = CoordinateOf(table, choice.colorBy);
+    if (!choice.sizeBy.empty()) common.size = MeasureOf(table, choice.sizeBy);
     std::vector<Series> series;
-    for (const std::string& y : choice.ys) series.push_back({y, x, table.Column(y), nullptr});
+    for (std::size_t i = 0; i < choice.ys.size(); ++i) {
+        Series one = common;
+        one.y = kind == FigureKind::HEAT ? CoordinateOf(table, choice.ys[i]) : MeasureOf(table, choice.ys[i]);
+        one.name = one.y.Name();
+        if (!choice.errors.empty()) one.error = MeasureOf(table, choice.errors[i]);
+        series.push_back(std::move(one));
+    }
     return series;
 }
 
 void Plot(PlotChoice& choice) {
     const std::vector<Series> series = ReadSeries(choice);
     FigureOptions& figure = choice.figure;
-    figure.line = !choice.noLine;
+    const bool bubbles =
+        figure.kind == FigureKind::LINES && (!choice.colorBy.empty() || !choice.sizeBy.empty());
+    figure.line = !choice.noLine && !bubbles;
     figure.symbols = figure.symbols || (choice.noLine && !figure.fill);
+    for (const std::string& axis : choice.logarithms) (axis == "x" ? figure.logX : figure.logY) = true;
     figure.xRange = RangeOf(choice.xRange, "--x-range");
     figure.yRange = RangeOf(choice.yRange, "--y-range");
     // A date says by itself what it is.
     const bool ofDates =
         !series.empty() && (series.front().source ? series.front().source->HasDates()
                                                   : series.front().x.GetKind() == zel::Column::Kind::TIMES);
-    if (figure.xTitle.empty() && !ofDates)
-        figure.xTitle = choice.input.empty() ? ColumnTitle(choice.x) : series.front().x.Name();
-    if (figure.yTitle.empty() && choice.ys.size() == 1) figure.yTitle = series.front().name;
+    if (figure.xTitle.empty() && !ofDates && !choice.x.empty())
+        figure.xTitle = choice.table.IsGiven() ? series.front().x.Name() : ColumnTitle(choice.x);
+    if (figure.kind == FigureKind::HISTOGRAM) {
+        if (choice.ys.size() == 1) figure.xTitle = series.front().name;
+    } else if (figure.yTitle.empty() && choice.ys.size() == 1) {
+        figure.yTitle = series.front().name;
+    }
     if (!choice.size.empty()) {
         figure.width = choice.size[0];
         figure.height = choice.size[1];
@@ -62,7 +114,7 @@ void Plot(PlotChoice& choice) {
 void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
     CLI::Option* const database = command.add_option(
         "--db", choice.database,
-        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a CSV file");
+        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a table");
     command.add_option("--table", choice.table, "Table of the database")->needs(database);
     command.add_option("--where", choice.where, "Condition in SQL that records must meet")->needs(database);
     command
@@ -74,16 +126,34 @@ void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
 
 void AddPlotCommand(CLI::App& app) {
     CLI::App* command =
-        app.add_subcommand("plot", "Draw columns of a CSV file or a database table as a graph");
+        app.add_subcommand("plot", "Draw columns of a table, of a file or a database, as a chart");
     auto choice = std::make_shared<PlotChoice>();
-    command->add_option("data", choice->input, "CSV file; its first row names the columns");
+    choice->table.AddTo(*command);
     AddDatabaseOptions(*command, choice->database);
-    command
-        ->add_option("--x", choice->x,
-                     "Column of the x values, by name or number; a column of dates makes a time axis")
-        ->required();
+    command->add_option(
+        "--x", choice->x,
+        "Column of the x values, by name or number; a column of dates makes a time axis, one of "
+        "words the names of bars, boxes and cells");
     command->add_option("--y", choice->ys, "Column of y values; repeat it for several series")
         ->required()
+        ->take_all();
+    static const std::map<std::string, FigureKind> kKinds{{"lines", FigureKind::LINES},
+                                                          {"bars", FigureKind::BARS},
+                                                          {"histogram", FigureKind::HISTOGRAM},
+                                                          {"box", FigureKind::BOX},
+                                                          {"heat", FigureKind::HEAT}};
+    command->add_option("--kind", choice->figure.kind, "What is drawn (default: lines)")
+        ->transform(CLI::CheckedTransformer(kKinds).description("lines, bars, histogram, box or heat"));
+    command->add_flag("--stack", choice->figure.stack, "Bars of several columns stand on each other");
+    command->add_option("--bins", choice->figure.bins, "Number of bins of a histogram (default: by a rule)")
+        ->check(CLI::PositiveNumber);
+    command->add_option("--error", choice->errors, "Column of distances for error bars, one for each --y")
+        ->take_all();
+    command->add_option("--color-by", choice->colorBy,
+                        "Column of numbers or words that colours points, or cells of a heat map");
+    command->add_option("--size-by", choice->sizeBy, "Column of numbers that sizes points, by their area");
+    command->add_option("--log", choice->logarithms, "Logarithmic axis: x or y; repeat it for both")
+        ->check(CLI::IsMember({"x", "y"}))
         ->take_all();
     command->add_flag("--no-line", choice->noLine, "Do not connect the points");
     command->add_flag("--fill", choice->figure.fill, "Fill the area between a series and the bottom edge");
@@ -104,7 +174,11 @@ void AddPlotCommand(CLI::App& app) {
         "  zel plot global-temp.csv --x year --y temp --fill -o temperature.pdf\n"
         "  zel plot weather.csv --x date --y temp_max --y temp_min --title Seattle -o weather.png\n"
         "  zel plot --db weather.sqlite --table daily --x date --y temp_max --where \"wind > 5\" -o out.pdf\n"
-        "  zel plot quakes.csv --x longitude --y latitude --no-line --symbols -o map.svg");
+        "  zel plot quakes.csv --x longitude --y latitude --no-line --symbols -o map.svg\n"
+        "  zel plot quakes.csv --x longitude --y latitude --color-by depth --size-by energy -o map.pdf\n"
+        "  zel plot weather.csv --kind histogram --y temp_max --bins 30 -o temperatures.pdf\n"
+        "  zel plot weather.csv --kind box --x weather --y wind -o wind.pdf\n"
+        "  zel plot normals.csv --kind heat --x day --y hour --color-by temperature -o year.png");
     command->callback([choice] { Plot(*choice); });
 }
 

@@ -445,6 +445,46 @@ class ImageDevice::Impl {
         }
     }
 
+    // Each pixel has the colour of the cell that its centre lies in.
+    void DrawPicture(const CRect& box, const PictureView& picture) {
+        FinishCurve();
+        std::vector<int> columns(
+            static_cast<std::size_t>(std::min(width, box.right) - std::max(0, box.left)));
+        const auto cellAt = [](std::int64_t place, std::int64_t length, std::int64_t cells) {
+            return static_cast<int>((2 * place + 1) * cells / (2 * length));
+        };
+        const int first = std::max(0, box.left);
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            columns[i] = cellAt(first + static_cast<int>(i) - box.left, box.Width(), picture.width);
+        for (const CRect& part : clips) {
+            CRect seen;
+            if (!seen.IntersectRect(box, part)) continue;
+            for (int y = seen.top; y < seen.bottom; ++y) {
+                const int row = cellAt(y - box.top, box.Height(), picture.height);
+                std::uint32_t* const target = pixels.data() + std::ptrdiff_t{y} * width;
+                for (int x = seen.left; x < seen.right; ++x)
+                    Lay(target[x], picture.At(columns[static_cast<std::size_t>(x - first)], row));
+            }
+        }
+    }
+
+    // `color` is not premultiplied, the pixel is.
+    static void Lay(std::uint32_t& pixel, std::uint32_t color) {
+        const std::uint32_t alpha = color >> 24;
+        if (alpha == 255) {
+            pixel = color;
+            return;
+        }
+        if (alpha == 0) return;
+        std::uint32_t mixed = 0;
+        for (int shiftOf = 0; shiftOf < 32; shiftOf += 8) {
+            const std::uint32_t over = shiftOf == 24 ? 255 : color >> shiftOf & 0xFF;
+            const std::uint32_t under = pixel >> shiftOf & 0xFF;
+            mixed |= (over * alpha + under * (255 - alpha) + 127) / 255 << shiftOf;
+        }
+        pixel = mixed;
+    }
+
     int shift;
     int sub;  // device units to a pixel
     int width;
@@ -633,6 +673,19 @@ void ImageDevice::FillRect(const GraphicsState& state, const CRect& rect, const 
     CRect seen;
     if (seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height)))
         impl_->FillBox(state, seen, brush, operation);
+}
+
+void ImageDevice::DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) {
+    CRect units = state.map.ToDevice(rect);
+    units.NormalizeRect();
+    const CRect box(impl_->PixelOf(units.left), impl_->PixelOf(units.top), impl_->PixelOf(units.right),
+                    impl_->PixelOf(units.bottom));
+    CRect seen;
+    if (picture.width < 1 || picture.height < 1 ||
+        !seen.IntersectRect(box, CRect(0, 0, impl_->width, impl_->height)))
+        return;
+    impl_->UseClip(state);
+    impl_->DrawPicture(box, picture);
 }
 
 void ImageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {

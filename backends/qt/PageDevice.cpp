@@ -3,6 +3,7 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/Pictures.h"
 #include "backends/qt/SeenMarks.h"
 #include "platform/graphics/RunThinner.h"
 
@@ -156,6 +157,40 @@ void PageDevice::FillRect(const GraphicsState& state, const CRect& rect, const L
     QPainterPath path;
     path.addRect(QRectF(box.left, box.top, box.Width(), box.Height()));
     Paint(how, path);
+}
+
+// One path: readers blend the edges of several apart, and the ground would show between neighbours.
+void PageDevice::FillRects(const GraphicsState& state, std::span<const CRect> rects, const LOGBRUSH& brush) {
+    if (rects.empty()) return;
+    UseClip(state);
+    GraphicsState how = state;
+    how.pen.lopnStyle = PS_NULL;
+    how.rasterMode = R2_COPYPEN;
+    how.brush = brush;
+    QPainterPath path;
+    path.setFillRule(Qt::WindingFill);
+    for (const CRect& rect : rects) {
+        CRect box = state.map.ToDevice(rect);
+        box.NormalizeRect();
+        if (!box.IsRectEmpty()) path.addRect(QRectF(box.left, box.top, box.Width(), box.Height()));
+    }
+    Paint(how, path);
+}
+
+void PageDevice::DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) {
+    if (pieces_) {
+        otherPieces_ = true;
+        return;
+    }
+    if (picture.width < 1 || picture.height < 1) return;
+    UseClip(state);
+    CRect box = state.map.ToDevice(rect);
+    box.NormalizeRect();
+    const QRectF place(box.left, box.top, box.Width(), box.Height());
+    FlushLines();
+    FlushDiscs();
+    FlushTextBelow(place, 0);
+    painter_.drawImage(place, ImageOf(picture));
 }
 
 void PageDevice::Ellipse(const GraphicsState& state, const CRect& rect) {

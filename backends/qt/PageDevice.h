@@ -37,6 +37,8 @@ class PageDevice : public MeasuringDevice {
                   std::span<const int> counts) override;
     void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                   DWORD operation) override;
+    void FillRects(const GraphicsState& state, std::span<const CRect> rects, const LOGBRUSH& brush) override;
+    void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
     void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,

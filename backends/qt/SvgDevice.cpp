@@ -4,6 +4,7 @@
 #include "backends/qt/Fonts.h"
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/Pictures.h"
 #include "backends/qt/SeenMarks.h"
 #include "platform/graphics/ComplexText.h"
 #include "platform/graphics/RunThinner.h"
@@ -11,6 +12,7 @@
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
 
+#include <QBuffer>
 #include <QXmlStreamWriter>
 
 #include <charconv>
@@ -131,6 +133,43 @@ class SvgDevice : public MeasuringDevice {
         WriteBox(box);
         xml_.writeAttribute("fill", fill);
         if (operation == PATCOPY) WriteOpacity("fill-opacity", brush.lbTransparency);
+    }
+
+    void FillRects(const GraphicsState& state, std::span<const CRect> rects, const LOGBRUSH& brush) override {
+        QString path;
+        for (const CRect& rect : rects) {
+            CRect box = state.map.ToDevice(rect);
+            box.NormalizeRect();
+            if (box.IsRectEmpty()) continue;
+            path += "M" + QString::number(box.left) + ',' + QString::number(box.top) + "h" +
+                    QString::number(box.Width()) + "v" + QString::number(box.Height()) + "h" +
+                    QString::number(-box.Width()) + "z";
+        }
+        if (path.isEmpty()) return;
+        UseClip(state);
+        EndFigure();
+        const QString fill = FillOf(state, brush);
+        xml_.writeEmptyElement("path");
+        xml_.writeAttribute("d", path);
+        xml_.writeAttribute("fill", fill);
+        WriteOpacity("fill-opacity", brush.lbTransparency);
+    }
+
+    void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) override {
+        if (picture.width < 1 || picture.height < 1) return;
+        UseClip(state);
+        EndFigure();
+        CRect box = state.map.ToDevice(rect);
+        box.NormalizeRect();
+        QByteArray png;
+        QBuffer buffer(&png);
+        ImageOf(picture).save(&buffer, "PNG");
+        xml_.writeEmptyElement("image");
+        WriteBox(box);
+        xml_.writeAttribute("preserveAspectRatio", "none");
+        xml_.writeAttribute("style", "image-rendering:pixelated;image-rendering:-inkscape-crisp-edges");
+        xml_.writeAttribute("image-rendering", "optimizeSpeed");
+        xml_.writeAttribute("xlink:href", "data:image/png;base64," + QString::fromLatin1(png.toBase64()));
     }
 
     void Ellipse(const GraphicsState& state, const CRect& rect) override {
@@ -442,9 +481,16 @@ class SvgDevice : public MeasuringDevice {
 
 }  // namespace
 
-std::unique_ptr<DocumentDevice> CreateSvgDevice(const FileDeviceOptions& options) {
-    EnsureApplication();
-    return std::make_unique<SvgDevice>(options);
+FileFormat SvgFormat() {
+    return {.endings = {"svg"},
+            .name = "SVG",
+            .transparent = true,
+            .unitsPerInch = [](const FileDeviceOptions&) { return kSvgUnitsPerInch; },
+            .create =
+                [](const FileDeviceOptions& options) {
+                    EnsureApplication();
+                    return std::make_unique<SvgDevice>(options);
+                }};
 }
 
 }  // namespace zel::qt

@@ -21,7 +21,11 @@ namespace zel {
 // The chart owns its axes. Each setter returns the axis, so that calls can be chained.
 class ChartAxis {
   public:
-    explicit ChartAxis(Zel2Chart& chart, Side side) : chart_(&chart) { fields_.side = side; }
+    ChartAxis(Zel2Chart& chart, Side side) : chart_(&chart) { fields_.side = side; }
+    // An axis that stands in no chart yet.
+    explicit ChartAxis(Side side) { fields_.side = side; }
+    // Tells it which chart is to hear of its settings; null for none.
+    void Attach(Zel2Chart* chart) { chart_ = chart; }
 
     ChartAxis& SetLinear() { return SetKind(Scale::Kind::LINEAR); }
     // Values of one sign; what is not is left out and noted (Zel2Chart::Notes). `base` is above 1.
@@ -107,7 +111,7 @@ class ChartAxis {
     template <class Value>
     ChartAxis& Set(Value Fields::*field, Value value);
 
-    Zel2Chart* chart_;
+    Zel2Chart* chart_ = nullptr;
     Fields fields_;
 };
 

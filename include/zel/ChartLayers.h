@@ -1,11 +1,18 @@
 // The layers of charts that draw points of two columns: lines, areas, marks.
 #pragma once
 
+#include <zel/ColorKey.h>
 #include <zel/Column.h>
 #include <zel/Zel2Layer.h>
 #include <zel/Zel2PointSet.h>
 
+#include <cstdint>
 #include <memory>
+#include <span>
+
+namespace zel {
+class ScaleValues;
+}
 
 // A layer over x and y, from two columns or from a series (Zel2PointArray, Zel2PointView, Zel2PointRing,
 // Zel2DaoPointSet). Long data keep an index (see Zel2PointArray), made when they are first drawn.
@@ -47,14 +54,10 @@ class Zel2XYLayer : public Zel2Layer {
     static void Transform(std::vector<zel::SeriesStretch>& stretches, const zel::LayerFrame& frame);
 
   private:
-    class Coded;
-    const zel::SeriesValues& ValuesOn(const zel::Column& column, const zel::Scale& scale,
-                                      std::unique_ptr<Coded>& coded);
-
     zel::Column x_, y_;
     std::unique_ptr<Zel2PointSet> source_;
     std::unique_ptr<zel::SeriesIndex> index_;
-    std::unique_ptr<Coded> codedX_, codedY_;  // values that are not those of the column
+    std::unique_ptr<zel::ScaleValues> onX_, onY_;
 };
 
 // A line from point to point, or in steps.
@@ -100,7 +103,7 @@ class Zel2AreaLayer : public Zel2XYLayer {
 
     void DrawIn(const zel::LayerFrame& frame) override;
     void TakeRange(zel::AxisRange& x, zel::AxisRange& y) override;
-    std::optional<double> IncludedY() const override;
+    std::optional<double> Included(Coordinate coordinate) const override;
     void SetDefaults() override;
     void DrawKey(const CRect& box) override;
     void Serialize(CArchive& ar) override;
@@ -138,4 +141,68 @@ class Zel2PointLayer : public Zel2XYLayer {
     int symbol_ = -1;
     double size_ = 5;
     std::optional<zel::SymbolKind> shape_;
+};
+
+// A disc at each point, with a size and a colour by two more columns. Large marks lie behind small ones, and
+// those of low values behind those of high ones.
+class Zel2BubbleLayer : public Zel2XYLayer {
+    DECLARE_SERIAL(Zel2BubbleLayer)
+  public:
+    Zel2BubbleLayer();
+    Zel2BubbleLayer(zel::Column x, zel::Column y, const zel::BubbleOptions& options = {});
+
+    // How numbers become colours.
+    zel::ColorKey& Key() { return key_; }
+
+    void DrawIn(const zel::LayerFrame& frame) override;
+    bool NeedsMargin() const override { return true; }
+    std::vector<std::string> Notes(const zel::Scale& x, const zel::Scale& y) override;
+    void BlockLabels(const zel::LayerFrame& frame, zel::FreeSpace& space) override;
+    zel::ColorKey* ColorBar() override;
+    void DrawKey(const CRect& box) override;
+    // Categories of colours and round sizes.
+    std::vector<std::string> KeyParts() override;
+    void DrawKeyPart(std::size_t part, const CRect& box) override;
+    int KeyHeight() const override;
+    void SetDefaults() override;
+    std::size_t Rows() const override;
+    void Serialize(CArchive& ar) override;
+
+  private:
+    void Fit();
+    std::optional<std::size_t> ColorStep(std::size_t row) const;
+    std::optional<std::size_t> SizeStep(std::size_t row) const;
+    COLORREF ColorOfStep(std::size_t step);
+    // In logical units, for a share of the largest one.
+    int DiameterOf(double share);
+    void PlotDiscs(std::span<const CPoint> places, int diameter, COLORREF ink);
+    std::vector<double> SizesInLegend() const;
+
+    zel::Column sizes_, colors_;
+    int colorIndex_ = -1;
+    double size_ = 5;
+    zel::ColorKey key_;
+    std::uint64_t fitted_ = 0;  // the revision of the chart and 1; 0 for never
+    double largest_ = 0;
+    std::size_t notPositive_ = 0;
+};
+
+// A text at each point, beside it where there is room: texts never overlap each other, marks or bars. One for
+// which there is none is left out.
+class Zel2TextLayer : public Zel2XYLayer {
+    DECLARE_SERIAL(Zel2TextLayer)
+  public:
+    Zel2TextLayer() = default;
+    Zel2TextLayer(zel::Column x, zel::Column y, zel::Column texts, const zel::TextOptions& options = {});
+
+    void DrawIn(const zel::LayerFrame&) override {}
+    bool NeedsMargin() const override { return true; }
+    bool HasLabels() const override { return true; }
+    void BlockLabels(const zel::LayerFrame& frame, zel::FreeSpace& space) override;
+    void DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& space) override;
+    void Serialize(CArchive& ar) override;
+
+  private:
+    zel::Column texts_;
+    double distance_ = 4;
 };

@@ -47,6 +47,8 @@ class DrawColor : public DrawTool {
     void Rect(const CRect& rect);
     // Exactly the given rectangle, right and bottom edges outside.
     void FillRect(const CRect& rect);
+    // Rectangles that do not overlap, as one figure: neighbours meet without a seam.
+    void FillRects(std::span<const CRect> rects);
     // `corner` is the width and height of the ellipse of the corners.
     void RoundRect(const CRect& rect, const CSize& corner);
     void Ellipse(const CRect& rect);

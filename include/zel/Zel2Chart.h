@@ -2,8 +2,11 @@
 #pragma once
 
 #include <zel/ChartAxis.h>
+#include <zel/ChartBars.h>
 #include <zel/ChartLayers.h>
+#include <zel/ChartMaps.h>
 #include <zel/ChartOptions.h>
+#include <zel/ChartSpreads.h>
 #include <zel/Zel2Set.h>
 
 #include <cstdint>
@@ -57,6 +60,33 @@ class Zel2Chart : public Zel2Set {
     Zel2AreaLayer* AddArea(zel::Column x, zel::Column low, zel::Column high,
                            const zel::AreaOptions& options = {});
     Zel2PointLayer* AddPoints(zel::Column x, zel::Column y, const zel::PointOptions& options = {});
+    // Positions are names, numbers or times. Shares of stacks write their axis in percent.
+    Zel2BarLayer* AddBars(zel::Column positions, zel::Column values, const zel::BarOptions& options = {});
+    Zel2BarLayer* AddFloatingBars(zel::Column positions, zel::Column low, zel::Column high,
+                                  const zel::BarOptions& options = {});
+    Zel2HistogramLayer* AddHistogram(zel::Column values, const zel::HistogramOptions& options = {});
+    // Distances from `y`; with `horizontal` in the options from `x`.
+    Zel2ErrorLayer* AddErrors(zel::Column x, zel::Column y, zel::Column error,
+                              const zel::ErrorOptions& options = {});
+    Zel2ErrorLayer* AddUnevenErrors(zel::Column x, zel::Column y, zel::Column below, zel::Column above,
+                                    const zel::ErrorOptions& options = {});
+    // The area between `y` - `below` and `y` + `above`.
+    Zel2AreaLayer* AddBand(const zel::Column& x, const zel::Column& y, const zel::Column& below,
+                           const zel::Column& above, const zel::AreaOptions& options = {});
+    // A box plot of the values of each group.
+    Zel2BoxLayer* AddBoxes(zel::Column groups, zel::Column values, const zel::BoxOptions& options = {});
+    Zel2CandleLayer* AddCandles(zel::Column times, zel::Column open, zel::Column high, zel::Column low,
+                                zel::Column close, const zel::CandleOptions& options = {});
+    // A matrix, row by row from the first y on; and rows of x, y and value.
+    Zel2HeatLayer* AddHeatMap(zel::Column x, zel::Column y, zel::Column values,
+                              const zel::HeatMapOptions& options = {});
+    Zel2HeatLayer* AddHeatMapOfRows(const zel::Column& x, const zel::Column& y, const zel::Column& values,
+                                    const zel::HeatMapOptions& options = {});
+    // Points with size and colour by columns.
+    Zel2BubbleLayer* AddBubbles(zel::Column x, zel::Column y, const zel::BubbleOptions& options = {});
+    // A text beside each point.
+    Zel2TextLayer* AddTexts(zel::Column x, zel::Column y, zel::Column texts,
+                            const zel::TextOptions& options = {});
     // A line along a series, which the chart owns; the host may keep the pointer to append points.
     template <class Series>
     Series* AddLine(std::unique_ptr<Series> series, const zel::LineOptions& options = {}) {
@@ -130,6 +160,10 @@ class Zel2Chart : public Zel2Set {
     int PalettePen(int entry);
     int PaletteColor(int entry);
 
+    // Indexes of the fonts in which layers write: on the ground of the chart, and on dark colours.
+    int TextFont();
+    int LightTextFont();
+
   protected:
     // A layer at the place, else the chart itself.
     Zel2* GetSelectableAt(const CPoint& pt) override;
@@ -143,6 +177,7 @@ class Zel2Chart : public Zel2Set {
     zel::ChartLayout MakeLayout(const zel::PlotMargins& least);
     const zel::PlotMargins& OwnMargins();
     zel::PlotMargins AlignedMargins();
+    void DrawLabels();
     template <class Layer>
     Layer* AddLayer(std::unique_ptr<Layer> layer);
 

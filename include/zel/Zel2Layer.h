@@ -16,6 +16,9 @@ class Zel2Chart;
 
 namespace zel {
 
+class ColorKey;
+class FreeSpace;
+
 // The values that an axis has to show, as layers tell them.
 class AxisRange {
   public:
@@ -106,12 +109,28 @@ class Zel2Layer : public Zel2 {
     virtual void DescribeAxes(zel::AxisRange& x, zel::AxisRange& y);
     // Adds the values that both axes should show, as numbers on their scales. The default adds none.
     virtual void TakeRange(zel::AxisRange& x, zel::AxisRange& y);
-    // Whether the range of x may end where the data does, or needs a margin for marks.
+    using Coordinate = zel::AxisRange::Coordinate;
+    // Whether a range ends where the data does, else at round values. The default: that of x does.
+    virtual bool EndsWithData(Coordinate coordinate) const { return coordinate == Coordinate::X; }
+    // Whether ranges need a margin for marks all the same.
     virtual bool NeedsMargin() const { return false; }
-    // A value that the range of y should contain, such as the baseline of an area.
-    virtual std::optional<double> IncludedY() const { return std::nullopt; }
+    // A value that a range should contain, such as the baseline of an area.
+    virtual std::optional<double> Included(Coordinate) const { return std::nullopt; }
+    // What cannot be drawn as asked on these scales, a sentence each. Asked after TakeRange.
+    virtual std::vector<std::string> Notes(const zel::Scale&, const zel::Scale&) { return {}; }
+    // Labels are drawn over all layers, and avoid each other and what layers block for them.
+    virtual bool HasLabels() const { return false; }
+    virtual void BlockLabels(const zel::LayerFrame&, zel::FreeSpace&) {}
+    virtual void DrawLabels(const zel::LayerFrame&, zel::FreeSpace&) {}
+    // The colours of numbers, fitted to the data, whose bar stands beside the chart; null for none.
+    virtual zel::ColorKey* ColorBar() { return nullptr; }
     // Draws the key of the legend into a rectangle of logical units. The default fills it.
     virtual void DrawKey(const CRect& box);
+    // Further lines of the legend below the name: what each says, and its key. The default has none.
+    virtual std::vector<std::string> KeyParts() { return {}; }
+    virtual void DrawKeyPart(std::size_t, const CRect&) {}
+    // The least height of a line of the legend, world units.
+    virtual int KeyHeight() const { return 0; }
     // Registers the tools that it draws with, where it has not done so.
     virtual void SetDefaults() {}
     // The row nearest to a place in device pixels, within `reach`; the default finds none.
@@ -144,6 +163,9 @@ class Zel2Layer : public Zel2 {
     // made from the layer's. Lengths in points.
     int RegisterOwnPen(double width, zel::Dash dash);
     int RegisterOwnColor();
+    int RegisterOwnColor(COLORREF color);
+    // The colour mixed with white: `share` of it, from 0 to 1.
+    int RegisterOwnTint(double share);
     int RegisterOwnSymbol(double size, std::optional<zel::SymbolKind> shape);
     // Tells the chart that ranges and layout are to be made anew.
     void Changed();

@@ -2,8 +2,13 @@
 #pragma once
 
 #include <zel/ChartAxis.h>
+#include <zel/ChartBars.h>
 #include <zel/ChartLayers.h>
+#include <zel/ChartMaps.h>
 #include <zel/ChartOptions.h>
+#include <zel/ChartSpreads.h>
+#include <zel/ColorKey.h>
+#include <zel/ColorMap.h>
 #include <zel/Column.h>
 #include <zel/DBField.h>
 #include <zel/DrawColor.h>
@@ -13,6 +18,7 @@
 #include <zel/Error.h>
 #include <zel/Mapping.h>
 #include <zel/Scale.h>
+#include <zel/Statistics.h>
 #include <zel/ToolDialogs.h>
 #include <zel/ToolEditors.h>
 #include <zel/ToolOptions.h>

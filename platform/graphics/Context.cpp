@@ -117,6 +117,14 @@ void DrawMarks(HDC dc, std::span<const CPoint> places, const CRect& box, const s
     const GraphicsState state = StateOf(dc);
     dc->Draw().Marks(state, places, box, paint);
 }
+void FillRects(HDC dc, std::span<const CRect> rects, HBRUSH brush) {
+    LOGBRUSH record = dc->now.graphics.brush;
+    if (brush && !GetBrush(brush, record)) return;
+    dc->Draw().FillRects(dc->now.graphics, rects, record);
+}
+void DrawPicture(HDC dc, const CRect& rect, const PictureView& picture) {
+    dc->Draw().DrawPicture(dc->now.graphics, rect, picture);
+}
 void FlushContext(HDC dc) {
     dc->Draw().Flush();
 }

@@ -73,6 +73,40 @@ void OneRing(GraphicsDevice& device, const GraphicsState& inDeviceUnits, const s
 GraphicsDevice::~GraphicsDevice() = default;
 
 template <class Interface>
+void BasicDevice<Interface>::FillRects(const GraphicsState& state, std::span<const CRect> rects,
+                                       const LOGBRUSH& brush) {
+    for (const CRect& rect : rects) this->FillRect(state, rect, brush, PATCOPY);
+}
+
+template <class Interface>
+void BasicDevice<Interface>::DrawPicture(const GraphicsState& state, const CRect& rect,
+                                         const PictureView& picture) {
+    if (picture.width < 1 || picture.height < 1) return;
+    const CRect box = DeviceBox(state, rect);
+    const GraphicsState device = InDeviceUnits(state);
+    const auto at = [](LONG from, LONG to, int i, int n) {
+        return from + static_cast<LONG>((static_cast<std::int64_t>(to) - from) * i / n);
+    };
+    for (int y = 0; y < picture.height; ++y) {
+        const LONG top = at(box.top, box.bottom, y, picture.height),
+                   bottom = at(box.top, box.bottom, y + 1, picture.height);
+        if (top == bottom) continue;
+        for (int x = 0; x < picture.width;) {
+            const int begin = x;
+            const std::uint32_t color = picture.At(x, y);
+            while (x < picture.width && picture.At(x, y) == color) ++x;
+            if (color >> 24 == 0) continue;
+            const CRect run(at(box.left, box.right, begin, picture.width), top,
+                            at(box.left, box.right, x, picture.width), bottom);
+            const auto channel = [color](int shift) { return static_cast<int>(color >> shift & 0xFF); };
+            const LOGBRUSH brush{BS_SOLID, RGB(channel(16), channel(8), channel(0)), 0,
+                                 static_cast<BYTE>(255 - channel(24))};
+            if (!run.IsRectEmpty()) this->FillRect(device, run, brush, PATCOPY);
+        }
+    }
+}
+
+template <class Interface>
 void BasicDevice<Interface>::Rectangle(const GraphicsState& state, const CRect& rect) {
     const CRect box = DeviceBox(state, rect);
     const GraphicsState device = InDeviceUnits(state);

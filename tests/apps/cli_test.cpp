@@ -37,7 +37,14 @@ TEST_F(Program, PlotsAllDataSets) {
         {"co2-concentration.csv", "--x Date --y CO2 --y 'adjusted CO2' --title CO2"},
         {"seattle-weather.csv", "--x date --y temp_max --y temp_min --x-range 2013 2014"},
         {"seattle-weather-hourly-normals.csv", "--x date --y temperature"},
-        {"earthquakes-week.csv", "--x longitude --y latitude --no-line"}};
+        {"earthquakes-week.csv", "--x longitude --y latitude --no-line"},
+        {"earthquakes-week.csv", "--x longitude --y latitude --color-by depth_km --size-by magnitude"},
+        {"seattle-weather.csv", "--kind histogram --y temp_max --y temp_min --bins 20"},
+        {"seattle-weather.csv", "--kind box --x weather --y wind"},
+        {"global-temp.csv", "--kind bars --x year --y temp --error temp"},
+        {"seattle-weather.csv", "--kind bars --stack --x weather --y wind --y temp_max"},
+        {"seattle-weather.csv", "--kind heat --x weather --y temp_min --color-by wind"},
+        {"co2-concentration.csv", "--x Date --y CO2 --log y"}};
     for (const auto& [data, options] : plots) {
         for (const char* ending : {"pdf", "png"}) {
             const std::string out = folder_ / (std::string(data) + "." + ending);
@@ -77,6 +84,23 @@ TEST_F(Program, ReadsAwkwardCsv) {
     EXPECT_EQ(y.At(0), 2.5);
     EXPECT_TRUE(std::isnan(y.At(1)) && std::isnan(y.At(2)));
     EXPECT_EQ(y.At(3), -1000);
+}
+
+TEST_F(Program, ReadsTablesOfOtherForms) {
+    const std::string csv = Csv("Messung vom Montag\nZeit;Wert;Ort\n15.01.2020;1,5;Ulm\n16.01.2020;x;Bonn\n");
+    const auto described = Run("describe - < " + csv);
+    EXPECT_THAT(described.text, AllOf(HasSubstr("2 rows of 3 columns"), HasSubstr("delimiter ;"),
+                                      HasSubstr("decimal sign ,"), HasSubstr("1 lines above"),
+                                      HasSubstr("15 Jan 2020 to 16 Jan 2020"), HasSubstr("\"x\" in row 2")));
+    EXPECT_EQ(Run("plot " + csv + " --x Zeit --y Wert -o " + (folder_ / "a.zel")).code, 0);
+    EXPECT_EQ(LastLayer(folder_ / "a.zel")->Y().At(0), 1.5);
+    EXPECT_THAT(Run("plot " + csv + " --x Zeit --y Ort -o " + (folder_ / "a.zel")).text,
+                HasSubstr("no numbers"));
+    EXPECT_EQ(Run("plot " + csv + " --delimiter . --no-header --skip 2 --decimal . --x 1 --y 2 -o " +
+                  (folder_ / "a.zel"))
+                  .code,
+              0)
+        << "what is given is not found out";
 }
 
 TEST_F(Program, ReadsDatesAsTimes) {
@@ -184,6 +208,16 @@ TEST_F(Program, SaysWhatIsWrong) {
     fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b --x-range 5 1" + out, "--x-range");
     fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b --size 0 10" + out, "millimetres");
     fails("plot " + Csv("a,b\n1,2\n") + " --x a --y b -o /no/such/a.pdf", "/no/such/a.pdf");
+    const std::string pair = "plot " + Csv("a,b\n1,2\n") + out;
+    fails(pair + " --y b", "--x must name");
+    fails(pair + " --x a --y b --kind histogram", "counts the values of --y");
+    fails(pair + " --x a --y b --stack", "--kind bars");
+    fails(pair + " --x a --y b --kind bars --bins 3", "--kind histogram");
+    fails(pair + " --x a --y b --kind box --error b", "lines, points and bars");
+    fails(pair + " --x a --y b --kind heat", "--color-by");
+    fails(pair + " --x a --y b --error b --error b", "one --error for each");
+    fails(pair + " --x a --y b --kind pyramid", "--kind");
+    fails(pair + " --x a --y b --log z", "--log");
     fails("convert " + Data("global-temp.csv") + " x.png", "no drawing document");
     fails("convert /no/such.zel x.png", "No such file");
     fails("frobnicate", "subcommand");

@@ -1,3 +1,4 @@
+#include "ChartDrawing.h"
 #include "RandomDrawing.h"
 #include "Support.h"
 #include "charts/ChartLayout.h"
@@ -12,32 +13,8 @@ using zel::Box;
 using zel::Column;
 using zel::Scale;
 
-std::vector<double> Count(int n) {
-    std::vector<double> numbers;
-    for (int i = 0; i < n; ++i) numbers.push_back(i);
-    return numbers;
-}
-
-class Chart : public testing::Test {
-  protected:
-    explicit Chart(const zel::ChartOptions& options = {}) {
-        chart = root.Add(std::make_unique<Zel2Chart>(options));
-    }
-    std::string Draw() {
-        zel::RecordingDevice device;
-        CDC dc(device);
-        root.PrepareMappingFor(&dc, nullptr, 0, 0);
-        root.Draw(&dc);
-        return device.Text();
-    }
-    std::string Notes() {
-        std::string all;
-        for (const std::string& note : chart->Notes()) all += note + "\n";
-        return all;
-    }
-    Zel2Main root;
-    Zel2Chart* chart = nullptr;  // the root's
-};
+using zel::test::Count;
+using Chart = zel::test::ChartDrawing;
 
 TEST_F(Chart, ranges_follow_the_data_until_they_are_set) {
     chart->AddLine(Count(8), std::vector<double>{1, 17.3, -2.96, std::nan(""), 3, 3, 3, 3});
@@ -83,6 +60,29 @@ TEST_F(Chart, lines_go_through_the_places_of_their_values) {
                std::to_string(static_cast<int>(lower.y + v * (upper.y - lower.y)));
     };
     EXPECT_NE(drawn.find(at(0, 0) + " " + at(0.5, 1) + " " + at(1, 0.5)), std::string::npos) << drawn;
+}
+
+TEST_F(Chart, shows_points_without_a_neighbour) {
+    const double none = std::nan("");
+    const auto drawn = [&] {
+        const std::string text = Draw();
+        std::size_t count = 0;
+        for (std::size_t at = text.find("polyline"); at != std::string::npos;
+             at = text.find("polyline", at + 1))
+            ++count;
+        return count;
+    };
+    chart->SetLegend(zel::LegendPlace::NONE);
+    chart->X().SetRange(-1, 10);
+    chart->Y().SetRange(0, 10);
+    const auto lines = [&](const std::vector<double>& y) {
+        const std::size_t without = drawn();
+        chart->AddLine(Count(static_cast<int>(y.size())), y);
+        return drawn() - without;
+    };
+    EXPECT_EQ(lines({1, 2, 3}), 1U);
+    EXPECT_EQ(lines({none, 5, none}), 2U) << "both strokes of a cross";
+    EXPECT_EQ(lines({5, none, 1, 2, none, 3}), 5U);
 }
 
 TEST_F(Chart, says_what_it_cannot_draw) {

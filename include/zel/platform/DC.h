@@ -136,6 +136,14 @@ class CDC : public CObject {
     }
 
     void FillRect(const RECT* rect, CBrush* brush);
+    // Rectangles that do not overlap, as one figure; the selected brush without another.
+    void FillRects(std::span<const CRect> rects, CBrush* brush) {
+        zel::FillRects(m_hDC, rects, brush ? static_cast<HBRUSH>(*brush) : nullptr);
+    }
+    // See zel::GraphicsDevice::DrawPicture.
+    void DrawPicture(const CRect& rect, const zel::PictureView& picture) {
+        zel::DrawPicture(m_hDC, rect, picture);
+    }
     void FillSolidRect(const RECT* rect, COLORREF color);
     void FrameRect(const RECT* rect, CBrush* brush);
     void InvertRect(const RECT* rect);

@@ -31,6 +31,14 @@ class ForwardingDevice : public Interface {
         Target().FillRect(state, rect, brush, operation);
         DrawnIn(state, rect);
     }
+    void FillRects(const GraphicsState& state, std::span<const CRect> rects, const LOGBRUSH& brush) override {
+        Target().FillRects(state, rects, brush);
+        for (const CRect& rect : rects) DrawnIn(state, rect);
+    }
+    void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) override {
+        Target().DrawPicture(state, rect, picture);
+        DrawnIn(state, rect);
+    }
     void Rectangle(const GraphicsState& state, const CRect& rect) override {
         Target().Rectangle(state, rect);
         DrawnIn(state, rect);

@@ -56,6 +56,9 @@ int CurveColumnOf(HDC dc);
 // Draws what `plot` draws on the context with its origin at each of `places` (GraphicsDevice::Marks). `plot`
 // leaves the settings as it found them.
 void DrawMarks(HDC dc, std::span<const CPoint> places, const CRect& box, const std::function<void()>& plot);
+// GraphicsDevice::FillRects with a brush, and DrawPicture.
+void FillRects(HDC dc, std::span<const CRect> rects, HBRUSH brush);
+void DrawPicture(HDC dc, const CRect& rect, const PictureView& picture);
 // Hands gathered lines to the device, and lets it show what it has.
 void FlushContext(HDC dc);
 }  // namespace zel

@@ -5,6 +5,8 @@
 #include <zel/platform/GdiTypes.h>
 #include <zel/platform/Region.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -47,6 +49,15 @@ struct EllipticArc {
 
 // Which part of an ellipse an arc primitive draws.
 enum class ArcKind { ARC, CHORD, PIE };
+
+// A picture of colours: rows of 0xAARRGGBB, not premultiplied, one after another, the topmost first.
+struct PictureView {
+    const std::uint32_t* colors = nullptr;
+    int width = 0;
+    int height = 0;
+
+    std::uint32_t At(int x, int y) const { return colors[std::ptrdiff_t{y} * width + x]; }
+};
 
 class GraphicsDevice;
 
@@ -98,6 +109,14 @@ class GraphicsDevice {
     // operation (PATCOPY, WHITENESS, DSTINVERT, ...). Neither the pen nor the pen's raster mode plays a part.
     virtual void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                           DWORD operation) = 0;
+
+    // Fills rectangles that do not overlap, as FillRect does with PATCOPY, as one figure: neighbours that
+    // have an edge in common meet without a seam.
+    virtual void FillRects(const GraphicsState& state, std::span<const CRect> rects,
+                           const LOGBRUSH& brush) = 0;
+    // Stretches a picture over [left, right) x [top, bottom), ordered in device units, its first row at the
+    // top and its first column at the left as they are seen. Its cells have sharp edges.
+    virtual void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) = 0;
 
     // The rectangle, filled with the brush and outlined with the pen, right and bottom edges outside.
     virtual void Rectangle(const GraphicsState& state, const CRect& rect) = 0;
@@ -160,6 +179,9 @@ class BasicDevice : public Interface {
     int CurveColumn(const GraphicsState& state) const override;
     void BeginCurve() override;
     void EndCurve() override;
+    void FillRects(const GraphicsState& state, std::span<const CRect> rects, const LOGBRUSH& brush) override;
+    // A rectangle for each run of one colour in a row.
+    void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) override;
     void Rectangle(const GraphicsState& state, const CRect& rect) override;
     void RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;

@@ -51,6 +51,7 @@ class ImageDevice : public BasicDevice<GraphicsDevice> {
                   std::span<const int> counts) override;
     void FillRect(const GraphicsState& state, const CRect& rect, const LOGBRUSH& brush,
                   DWORD operation) override;
+    void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
     void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
