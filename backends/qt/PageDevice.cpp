@@ -178,6 +178,10 @@ void PageDevice::FillRects(const GraphicsState& state, std::span<const CRect> re
 }
 
 void PageDevice::DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) {
+    if (pieces_) {
+        otherPieces_ = true;
+        return;
+    }
     if (picture.width < 1 || picture.height < 1) return;
     UseClip(state);
     CRect box = state.map.ToDevice(rect);
