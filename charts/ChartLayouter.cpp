@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 namespace zel {
 namespace {
@@ -281,10 +282,11 @@ void ChartLayouter::FitAxes(int level, const PlotMargins& fromEdges) {
         if (needed == margins) break;
         margins = needed;
     }
-    // Titles stand over the plot area where they have room there.
+    // All lines of titles begin at one place: that of the plot area, or as near as the longest has room.
+    int shift = layout_.plot.left - inner_.left;
+    for (const PlacedText& text : layout_.texts) shift = std::min(shift, inner_.right - text.box.right);
     for (PlacedText& text : layout_.texts) {
-        const int dx = layout_.plot.left - text.box.left;
-        if (text.box.right + dx > inner_.right) continue;
+        const int dx = std::max(shift, 0);
         text.at.x += dx;
         text.box = {text.box.left + dx, text.box.bottom, text.box.right + dx, text.box.top};
     }
@@ -525,7 +527,7 @@ void ChartLayouter::PlaceAxisTitle(PlacedAxis& axis, const Measured& measured) {
     const bool horizontal = axis.side == Side::BOTTOM || axis.side == Side::TOP;
     const auto count = static_cast<int>(measured.titleLines.size());
     for (int i = 0; i < count; ++i) {
-        CPoint at((plot.left + plot.right) / 2, (plot.bottom + plot.top) / 2);
+        CPoint at(std::midpoint(plot.left, plot.right), std::midpoint(plot.bottom, plot.top));
         unsigned flags = DT_CENTER;
         switch (axis.side) {
             case Side::BOTTOM:

@@ -1,11 +1,14 @@
 #include "core/ArchiveFields.h"
+#include "series/LonePoints.h"
 
 #include <zel/ChartLayers.h>
 #include <zel/DrawPen.h>
+#include <zel/Mapping.h>
 #include <zel/Zel2Chart.h>
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 IMPLEMENT_SERIAL(Zel2LineLayer, Zel2XYLayer, 0)
 
@@ -85,6 +88,17 @@ void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {
     const std::vector<zel::SeriesStretch> stretches = Stretches(frame);
     // The first point follows a gap.
     pen->SetWorldPoint(nullptr, std::nan(""), 0);
+    // A line needs two points; one without a neighbour is a small cross.
+    constexpr int kArm = 16;  // world units
+    const CSize arm = Map()->ToDevice(CSize(kArm, kArm));
+    zel::ForLonePoints(stretches, [&](double x, double y) {
+        if (!frame.world.Contains(x, y)) return;
+        const CPoint at = frame.world.ToLogical(x, y);
+        pen->MoveTo(zel::Subtract(at.x, arm.cx), at.y);
+        pen->LineTo(zel::Add(at.x, arm.cx), at.y);
+        pen->MoveTo(at.x, zel::Subtract(at.y, arm.cy));
+        pen->LineTo(at.x, zel::Add(at.y, arm.cy));
+    });
     if (step_ == zel::Step::NONE) {
         pen->LineTo(frame.world, stretches);
         return;
@@ -98,7 +112,7 @@ void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {
 void Zel2LineLayer::DrawKey(const CRect& box) {
     DrawPen* const pen = Pen(pen_);
     if (!pen) return;
-    const int y = (box.top + box.bottom) / 2;
+    const int y = std::midpoint(box.top, box.bottom);
     pen->MoveTo(box.left, y);
     pen->LineTo(box.right, y);
 }

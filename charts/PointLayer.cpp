@@ -5,6 +5,8 @@
 #include <zel/DrawSymbol.h>
 #include <zel/Zel2Chart.h>
 
+#include <numeric>
+
 IMPLEMENT_SERIAL(Zel2PointLayer, Zel2XYLayer, 0)
 
 Zel2PointLayer::Zel2PointLayer(zel::Column x, zel::Column y, const zel::PointOptions& options)
@@ -26,7 +28,7 @@ void Zel2PointLayer::DrawIn(const zel::LayerFrame& frame) {
 
 void Zel2PointLayer::DrawKey(const CRect& box) {
     if (DrawSymbol* symbol = Symbol(symbol_))
-        symbol->PlotOn(this, CPoint((box.left + box.right) / 2, (box.top + box.bottom) / 2));
+        symbol->PlotOn(this, CPoint(std::midpoint(box.left, box.right), std::midpoint(box.top, box.bottom)));
 }
 
 void Zel2PointLayer::Serialize(CArchive& ar) {

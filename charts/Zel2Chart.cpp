@@ -293,6 +293,18 @@ int Zel2Chart::PaletteColor(int entry) {
 
 namespace {
 
+// Marks at the ends of the data would be cut, or lie on the axes. An end at 0 stays.
+zel::Scale WithRoomForMarks(const zel::Scale& scale, const zel::Scale& data) {
+    constexpr double kMargin = 0.02;
+    const auto end = [&](double present, double limit, double outwards) {
+        const std::optional<double> from = scale.PlaceOf(present), to = scale.PlaceOf(limit);
+        if (limit == 0 || !from || !to || std::fabs(*to - *from) >= kMargin) return present;
+        const double moved = scale.ValueAt(*from + outwards);
+        return std::isfinite(moved) ? moved : present;
+    };
+    return scale.WithEnds(end(scale.Low(), data.Low(), -kMargin), end(scale.High(), data.High(), kMargin));
+}
+
 // The scale of an axis from what its layers have told.
 zel::Scale Resolved(const zel::ChartAxis& axis, const zel::AxisRange& range, bool tight, bool margin) {
     const double origin = range.Origin();
@@ -315,13 +327,7 @@ zel::Scale Resolved(const zel::ChartAxis& axis, const zel::AxisRange& range, boo
     scale = scale.WithUsableEnds();
     if (!tight || margin) {
         const zel::Scale round = scale.WithRoundEnds();
-        const bool same = round.Low() == scale.Low() && round.High() == scale.High();
-        constexpr double kMargin = 0.02;
-        if (same && margin && scale.GetKind() == zel::Scale::Kind::TIME) {
-            scale = scale.WithEnds(scale.ValueAt(-kMargin), scale.ValueAt(1 + kMargin));
-        } else {
-            scale = round;
-        }
+        scale = margin ? WithRoomForMarks(round, scale) : round;
     }
     return axis.IsReversed() ? scale.Reversed() : scale;
 }

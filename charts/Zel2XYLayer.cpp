@@ -97,15 +97,8 @@ std::optional<zel::Datum> Zel2XYLayer::Nearest(const CPoint& device, double reac
     Map()->GetDevice(origin, extent);
     const double atX = device.x - origin.x, atY = device.y - origin.y;
     const WorldFrame& world = frame.world;
-    const auto along = [](double v, double low, double high, double from, double to) {
-        return from + (v - low) / (high - low) * (to - from);
-    };
-    const auto toX = [&](double v) {
-        return along(v, world.xmin, world.xmax, world.lower.x, world.upper.x) - atX;
-    };
-    const auto toY = [&](double v) {
-        return along(v, world.ymin, world.ymax, world.lower.y, world.upper.y) - atY;
-    };
+    const auto toX = [&](double v) { return world.XAt(v) - atX; };
+    const auto toY = [&](double v) { return world.YAt(v) - atY; };
     std::optional<zel::Datum> nearest;
     double best = reach;
     std::size_t first = 0;

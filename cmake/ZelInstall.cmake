@@ -1,7 +1,7 @@
 # What cmake --install puts in place: libraries, headers, the package for find_package and the one for pkg-config.
 include(CMakePackageConfigHelpers)
 
-set(ZEL_INSTALL_TARGETS zel_framework zel_zel)
+set(ZEL_INSTALL_TARGETS zel_framework zel_zel zel_tables)
 if(ZEL_QT)
   list(APPEND ZEL_INSTALL_TARGETS zel_qt)
 endif()

@@ -1,5 +1,6 @@
 #include "core/ArchiveFields.h"
 #include "drawing/DocumentHeader.h"
+#include "platform/object/ByValue.h"
 
 #include <zel/ZelDocument.h>
 #include <zel/platform/Archive.h>
@@ -98,78 +99,93 @@ void StoreComplete(CFile& file, Zel2& object) {
 }  // namespace
 
 void SaveDocument(Zel2Main& drawing, const char* path) {
-    SafeFile target(path);
-    ChecksummedFile file(target.TemporaryPath().c_str(), path);
-    file.Seek(DocumentHeader::kSize, CFile::begin);
-    StoreComplete(file, drawing);
+    ByValue([&] {
+        SafeFile target(path);
+        ChecksummedFile file(target.TemporaryPath().c_str(), path);
+        file.Seek(DocumentHeader::kSize, CFile::begin);
+        StoreComplete(file, drawing);
 
-    DocumentHeader header;
-    header.rules = drawing.Rules();
-    header.contentLength = file.Length();
-    header.contentChecksum = file.Checksum();
-    const DocumentHeader::Bytes bytes = header.Encode();
-    file.Seek(0, CFile::begin);
-    file.CFile::Write(bytes.data(), bytes.size());
-    file.Close();
-    target.Commit();
+        DocumentHeader header;
+        header.rules = drawing.Rules();
+        header.contentLength = file.Length();
+        header.contentChecksum = file.Checksum();
+        const DocumentHeader::Bytes bytes = header.Encode();
+        file.Seek(0, CFile::begin);
+        file.CFile::Write(bytes.data(), bytes.size());
+        file.Close();
+        target.Commit();
+    });
 }
 
 std::vector<std::uint8_t> DocumentBytes(Zel2Main& drawing) {
-    CMemFile content(1 << 16);
-    StoreComplete(content, drawing);
-    DocumentHeader header;
-    header.rules = drawing.Rules();
-    header.contentLength = content.GetLength();
-    header.contentChecksum = AddToChecksum(0, content.GetData(), content.GetLength());
-    const DocumentHeader::Bytes begin = header.Encode();
-    std::vector<std::uint8_t> bytes(begin.size() + content.GetLength());
-    std::copy(begin.begin(), begin.end(), bytes.begin());
-    std::copy_n(content.GetData(), content.GetLength(), bytes.data() + begin.size());
-    return bytes;
+    return ByValue([&] {
+        CMemFile content(1 << 16);
+        StoreComplete(content, drawing);
+        DocumentHeader header;
+        header.rules = drawing.Rules();
+        header.contentLength = content.GetLength();
+        header.contentChecksum = AddToChecksum(0, content.GetData(), content.GetLength());
+        const DocumentHeader::Bytes begin = header.Encode();
+        std::vector<std::uint8_t> bytes(begin.size() + content.GetLength());
+        std::copy(begin.begin(), begin.end(), bytes.begin());
+        std::copy_n(content.GetData(), content.GetLength(), bytes.data() + begin.size());
+        return bytes;
+    });
 }
 
 std::unique_ptr<Zel2Main> LoadDocument(const char* path) {
-    CFile file(path, CFile::modeRead);
-    return Load(file, path);
+    return ByValue([&] {
+        CFile file(path, CFile::modeRead);
+        return Load(file, path);
+    });
 }
 
 std::unique_ptr<Zel2Main> LoadDocument(const void* bytes, std::size_t size, const char* name) {
-    CMemFile file(bytes, size);
-    return Load(file, name);
+    return ByValue([&] {
+        CMemFile file(bytes, size);
+        return Load(file, name);
+    });
 }
 
 DocumentFacts CheckDocument(const char* path) {
-    CFile file(path, CFile::modeRead);
-    const DocumentHeader header = ReadHeader(file, path);
-    CheckContent(file, header, path);
-    return {static_cast<int>(header.version), header.rules, header.contentLength};
+    return ByValue([&] {
+        CFile file(path, CFile::modeRead);
+        const DocumentHeader header = ReadHeader(file, path);
+        CheckContent(file, header, path);
+        return DocumentFacts{static_cast<int>(header.version), header.rules, header.contentLength};
+    });
 }
 
 void TraceDrawing(const char* path, ArchiveTrace& trace) {
-    CFile file(path, CFile::modeRead);
-    DocumentHeader::Bytes first{};
-    const bool tagged = file.Read(first.data(), first.size()) >= 2 && first[0] == 0xFF && first[1] == 0xFF;
-    const bool document = DocumentHeader::Begins(first);
-    file.Seek(document ? DocumentHeader::kSize : 0, CFile::begin);
-    CArchive ar(&file, CArchive::load);
-    if (document) ar.SetDialect(CArchive::Dialect::COMPLETE, DocumentHeader::VersionIn(first));
-    ar.SetTrace(&trace);
-    // Hosts store a drawing with its class or only what is in it.
-    if (document || tagged) {
-        const std::unique_ptr<CObject> drawing = ar.ReadNewObject(nullptr);
-    } else {
-        Zel2Main drawing;
-        drawing.Serialize(ar);
-    }
+    ByValue([&] {
+        CFile file(path, CFile::modeRead);
+        DocumentHeader::Bytes first{};
+        const bool tagged =
+            file.Read(first.data(), first.size()) >= 2 && first[0] == 0xFF && first[1] == 0xFF;
+        const bool document = DocumentHeader::Begins(first);
+        file.Seek(document ? DocumentHeader::kSize : 0, CFile::begin);
+        CArchive ar(&file, CArchive::load);
+        if (document) ar.SetDialect(CArchive::Dialect::COMPLETE, DocumentHeader::VersionIn(first));
+        ar.SetTrace(&trace);
+        // Hosts store a drawing with its class or only what is in it.
+        if (document || tagged) {
+            const std::unique_ptr<CObject> drawing = ar.ReadNewObject(nullptr);
+        } else {
+            Zel2Main drawing;
+            drawing.Serialize(ar);
+        }
+    });
 }
 
 std::unique_ptr<Zel2> DeepCopy(Zel2& object) {
-    CMemFile file;
-    StoreComplete(file, object);
-    file.SeekToBegin();
-    CArchive ar(&file, CArchive::load);
-    ar.SetDialect(CArchive::Dialect::COMPLETE);
-    return ReadOwned<Zel2>(ar);
+    return ByValue([&] {
+        CMemFile file;
+        StoreComplete(file, object);
+        file.SeekToBegin();
+        CArchive ar(&file, CArchive::load);
+        ar.SetDialect(CArchive::Dialect::COMPLETE);
+        return ReadOwned<Zel2>(ar);
+    });
 }
 
 }  // namespace zel

@@ -1,6 +1,7 @@
 // The charts of docs/charts.md.
-#include "apps/zel/Csv.h"
 #include "examples/gallery.h"
+
+#include <zel/tables/Table.h>
 
 #include <cmath>
 
@@ -35,14 +36,14 @@ std::vector<double> Of(const std::vector<double>& x, Function function) {
 }  // namespace
 
 std::unique_ptr<Zel2Main> MakeTimeChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
     Drawing drawing({.title = "Two weeks in May", .size = {160, 80}});
     Zel2Chart& chart = *drawing.chart;
     chart.X().SetRange(1'335'830'400, 1'337'040'000);  // the first half of May 2012
     chart.Y().SetTitle("Temperature").SetUnit("°C");
-    chart.AddArea(table.Column("date"), table.Column("temp_min"), table.Column("temp_max"),
+    chart.AddArea(table["date"], table["temp_min"], table["temp_max"],
                   {{.name = "range of the day", .opacity = 0.3}});
-    chart.AddLine(table.Column("date"), table.Column("temp_max"),
+    chart.AddLine(table["date"], table["temp_max"],
                   {{.name = "highest"}, 1.2, zel::Dash::SOLID, zel::Step::MIDDLE});
     return std::move(drawing.root);
 }
@@ -104,13 +105,11 @@ std::unique_ptr<Zel2Main> MakeStackChart(const std::string&) {
 }
 
 std::unique_ptr<Zel2Main> MakeCategoryChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
-    std::vector<std::string> kinds;
-    for (const auto& row : table.Rows()) kinds.push_back(row.back());
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
     Drawing drawing({.title = "Highest temperature by kind of weather", .size = {120, 80}});
     Zel2Chart& chart = *drawing.chart;
     chart.Y().SetUnit("°C");
-    chart.AddPoints(kinds, table.Column("temp_max"), {{}, 4});
+    chart.AddPoints(table["weather"], table["temp_max"], {{}, 4});
     return std::move(drawing.root);
 }
 

@@ -1,5 +1,6 @@
-#include "apps/zel/Csv.h"
 #include "examples/gallery.h"
+
+#include <zel/tables/Table.h>
 
 #include <chrono>
 #include <cmath>
@@ -28,6 +29,12 @@ std::vector<Example> AllExamples() {
     return all;
 }
 
+std::chrono::year_month_day DayOf(const zel::Column& times, std::size_t row) {
+    const auto seconds = std::chrono::seconds(std::llround(times.Origin() + times.At(row)));
+    return std::chrono::year_month_day(
+        std::chrono::floor<std::chrono::days>(std::chrono::sys_seconds(seconds)));
+}
+
 std::vector<double> ValuesOf(const zel::Column& column) {
     using namespace std::chrono;
     std::vector<double> values;
@@ -35,7 +42,7 @@ std::vector<double> ValuesOf(const zel::Column& column) {
         double value = column.At(i);
         if (column.GetKind() == zel::Column::Kind::TIMES && std::isfinite(value)) {
             const auto time = sys_seconds(seconds(std::llround(column.Origin() + value)));
-            const year_month_day date(floor<days>(time));
+            const year_month_day date = DayOf(column, i);
             const auto begin = sys_days(date.year() / January / 1),
                        end = sys_days((date.year() + years(1)) / January / 1);
             value = static_cast<int>(date.year()) +
@@ -47,5 +54,5 @@ std::vector<double> ValuesOf(const zel::Column& column) {
 }
 
 std::vector<double> ReadColumn(const std::string& path, const std::string& name) {
-    return ValuesOf(zel::cli::CsvTable::Read(path).Column(name));
+    return ValuesOf(zel::tables::Table::Read(path)[name]);
 }

@@ -3,7 +3,6 @@
 //     zel_gallery DATA_FOLDER OUTPUT_FOLDER
 #include "examples/gallery.h"
 
-#include <zel/platform/Exception.h>
 #include <zel/platform/MessageBox.h>
 #include <zel/qt/Install.h>
 
@@ -104,8 +103,6 @@ int main(int argc, char** argv) {
     try {
         zel::qt::Install();
         return DrawGallery(argv[1], argv[2]);
-    } catch (CException* e) {
-        std::fprintf(stderr, "%s\n", zel::TakeMessage(e).c_str());
     } catch (const std::exception& e) {
         std::fprintf(stderr, "%s\n", zel::WordsOf(e).c_str());
     }

@@ -3,6 +3,7 @@
 
 #include <zel/zel.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,7 +22,9 @@ std::vector<Example> AllExamples();
 
 // The numbers of a column; times become decimal years.
 std::vector<double> ValuesOf(const zel::Column& column);
-// The same of a column of a CSV file.
+// The day of a time in a row of a column.
+std::chrono::year_month_day DayOf(const zel::Column& times, std::size_t row);
+// The numbers of a column of a CSV file.
 std::vector<double> ReadColumn(const std::string& path, const std::string& name);
 
 std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder);

@@ -1,6 +1,7 @@
 // The other looks of charts, as docs/charts.md shows them.
-#include "apps/zel/Csv.h"
 #include "examples/gallery.h"
+
+#include <zel/tables/Table.h>
 
 #include <cmath>
 #include <map>
@@ -24,18 +25,21 @@ const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 // The name of the month of each row of the weather's table.
-std::vector<std::string> MonthsOf(const zel::cli::CsvTable& table) {
+std::vector<std::string> MonthsOf(const zel::tables::Table& table) {
     std::vector<std::string> months;
-    for (const auto& row : table.Rows()) months.emplace_back(kMonths[std::stoi(row[0].substr(5, 2)) - 1]);
+    for (std::size_t i = 0; i < table.RowCount(); ++i)
+        months.emplace_back(kMonths[static_cast<unsigned>(DayOf(table["date"], i).month()) - 1]);
     return months;
 }
 
 std::unique_ptr<Zel2Main> MakeBarChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
     std::map<std::string, std::vector<double>> days;  // by kind of weather, of each year from 2012 on
-    for (const auto& row : table.Rows()) {
-        auto& years = days.try_emplace(row.back(), std::vector<double>(4, 0)).first->second;
-        years[static_cast<std::size_t>(std::stoi(row[0].substr(0, 4)) - 2012)] += 1;
+    const zel::Column& kinds = table["weather"];
+    for (std::size_t i = 0; i < table.RowCount(); ++i) {
+        const std::string& kind = kinds.Names()[static_cast<std::size_t>(kinds.At(i))];
+        auto& years = days.try_emplace(kind, std::vector<double>(4, 0)).first->second;
+        years[static_cast<std::size_t>(static_cast<int>(DayOf(table["date"], i).year()) - 2012)] += 1;
     }
     Drawing drawing({.title = "Days of each kind of weather", .subtitle = "Seattle", .size = {160, 85}});
     drawing.chart->Y().SetTitle("Days");
@@ -66,7 +70,7 @@ std::unique_ptr<Zel2Main> MakeShareChart(const std::string&) {
 }
 
 std::unique_ptr<Zel2Main> MakeHistogramChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
     Drawing drawing({.title = "Highest and lowest temperature of a day", .legend = zel::LegendPlace::INSIDE});
     drawing.chart->X().SetTitle("Temperature").SetUnit("°C");
     drawing.chart->Y().SetTitle("Days");
@@ -74,14 +78,14 @@ std::unique_ptr<Zel2Main> MakeHistogramChart(const std::string& folder) {
         zel::HistogramOptions options{{.name = name[5] == 'm' && name[6] == 'a' ? "highest" : "lowest"}};
         options.opacity = 0.6;
         options.binWidth = 1;
-        drawing.chart->AddHistogram(table.Column(name), options);
+        drawing.chart->AddHistogram(table[name], options);
     }
     return std::move(drawing.root);
 }
 
 std::unique_ptr<Zel2Main> MakeErrorChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
-    const Column high = table.Column("temp_max");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
+    const Column high = table["temp_max"];
     const std::vector<std::string> months = MonthsOf(table);
     std::map<std::string, std::vector<double>> byMonth;
     for (std::size_t i = 0; i < high.Size(); ++i) byMonth[months[i]].push_back(high.At(i));
@@ -105,13 +109,13 @@ std::unique_ptr<Zel2Main> MakeErrorChart(const std::string& folder) {
 }
 
 std::unique_ptr<Zel2Main> MakeBoxChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
     Drawing drawing({.title = "Wind by month", .size = {160, 85}});
     drawing.chart->Y().SetTitle("Wind").SetUnit("m/s");
     drawing.chart->X().SetCategories({std::begin(kMonths), std::end(kMonths)});
     zel::BoxOptions options;
     options.notches = true;
-    drawing.chart->AddBoxes(MonthsOf(table), table.Column("wind"), options);
+    drawing.chart->AddBoxes(MonthsOf(table), table["wind"], options);
     return std::move(drawing.root);
 }
 
@@ -140,8 +144,8 @@ std::unique_ptr<Zel2Main> MakeCandleChart(const std::string&) {
 }
 
 std::unique_ptr<Zel2Main> MakeHeatChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather-hourly-normals.csv");
-    const Column times = table.Column("date");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather-hourly-normals.csv");
+    const Column times = table["date"];
     std::vector<std::int64_t> days;
     std::vector<double> hours;
     for (std::size_t i = 0; i < times.Size(); ++i) {
@@ -154,18 +158,18 @@ std::unique_ptr<Zel2Main> MakeHeatChart(const std::string& folder) {
     zel::HeatMapOptions options;
     options.colors.title = "Temperature";
     options.colors.unit = "°C";
-    drawing.chart->AddHeatMapOfRows(Column::Times(days, 1), hours, table.Column("temperature"), options);
+    drawing.chart->AddHeatMapOfRows(Column::Times(days, 1), hours, table["temperature"], options);
     return std::move(drawing.root);
 }
 
 std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
-    const Column high = table.Column("temp_max");
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
+    const Column high = table["temp_max"];
     const std::vector<std::string> months = MonthsOf(table);
     std::vector<std::string> years;
     std::map<std::string, std::vector<double>> ofMonth;
     for (std::size_t i = 0; i < high.Size(); ++i) {
-        years.push_back(table.Rows()[i][0].substr(0, 4));
+        years.push_back(std::to_string(static_cast<int>(DayOf(table["date"], i).year())));
         ofMonth[months[i]].push_back(high.At(i));
     }
     std::vector<double> departures;
@@ -182,23 +186,23 @@ std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
 }
 
 std::unique_ptr<Zel2Main> MakeBubbleChart(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/earthquakes-week.csv");
+    const auto table = zel::tables::Table::Read(folder + "/earthquakes-week.csv");
     Drawing drawing({.title = "Earthquakes of a week", .size = {160, 95}});
     zel::BubbleOptions options{{.opacity = 0.7}};
     // Energy grows with the magnitude as a power.
     std::vector<double> energy;
-    const Column magnitude = table.Column("magnitude");
+    const Column magnitude = table["magnitude"];
     for (std::size_t i = 0; i < magnitude.Size(); ++i)
         energy.push_back(std::pow(10.0, 0.5 * magnitude.At(i)));
     options.sizes = energy;
-    options.colors = table.Column("depth_km");
+    options.colors = table["depth_km"];
     options.size = 22;
     options.colorMap.spread = zel::ColorSpread::QUANTILES;
     options.colorMap.title = "Depth";
     options.colorMap.unit = "km";
     drawing.chart->X().SetTitle("Longitude").SetUnit("°");
     drawing.chart->Y().SetTitle("Latitude").SetUnit("°");
-    drawing.chart->AddBubbles(table.Column("longitude"), table.Column("latitude"), options);
+    drawing.chart->AddBubbles(table["longitude"], table["latitude"], options);
     return std::move(drawing.root);
 }
 

@@ -1,8 +1,9 @@
 // A report of four years of weather: fields, tables that run over many pages, a grid of graphs with common
 // ranges, stacked coordinate systems on one axis, polygons.
-#include "apps/zel/Csv.h"
 #include "apps/zel/ReportParts.h"
 #include "examples/gallery.h"
+
+#include <zel/tables/Table.h>
 
 #include <algorithm>
 #include <array>
@@ -12,8 +13,8 @@
 
 namespace {
 
+using zel::cli::PrintedTable;
 using zel::cli::ReportParts;
-using zel::cli::Table;
 
 constexpr int kFirstYear = 2012;
 constexpr int kYears = 4;
@@ -31,10 +32,13 @@ struct Weather {
 };
 
 Weather ReadWeather(const std::string& folder) {
-    const auto table = zel::cli::CsvTable::Read(folder + "/seattle-weather.csv");
-    const auto values = [&table](const char* name) { return ValuesOf(table.Column(name)); };
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv", {.keepTexts = true});
+    const auto values = [&table](const char* name) { return ValuesOf(table[name]); };
+    std::vector<std::vector<std::string>> rows(table.RowCount());
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        for (std::size_t k = 0; k < table.Columns().size(); ++k) rows[i].emplace_back(table.Text(i, k));
     return {values("date"),     values("precipitation"), values("temp_max"),
-            values("temp_min"), values("wind"),          table.Rows()};
+            values("temp_min"), values("wind"),          std::move(rows)};
 }
 
 std::string Fixed(double value) {
@@ -50,8 +54,8 @@ double Sum(const Weather& weather, const std::vector<double>& values,
     return sum;
 }
 
-Table YearTable(const Weather& weather) {
-    Table table;
+PrintedTable YearTable(const Weather& weather) {
+    PrintedTable table;
     table.names = {"year",        "mean high, °C",     "mean low, °C",          "hottest, °C",
                    "coldest, °C", "precipitation, mm", "days with rain or snow"};
     table.isNumber = std::vector<bool>(table.names.size(), true);
@@ -73,8 +77,8 @@ Table YearTable(const Weather& weather) {
     return table;
 }
 
-Table DayTable(const Weather& weather) {
-    Table table;
+PrintedTable DayTable(const Weather& weather) {
+    PrintedTable table;
     table.names = {"date", "precipitation, mm", "highest, °C", "lowest, °C", "wind, m/s", "weather"};
     table.isNumber = {false, true, true, true, true, false};
     table.rows = weather.rows;

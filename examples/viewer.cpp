@@ -56,8 +56,8 @@ int main(int argc, char** argv) {
     try {
         zel::widgets::Install();
         return ViewerApp(argc > 1 ? argv[1] : nullptr).Run();
-    } catch (CException* e) {
-        std::fprintf(stderr, "%s\n", zel::TakeMessage(e).c_str());
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s\n", e.what());
     }
     return 1;
 }

@@ -1,7 +1,7 @@
 #include "graphs/GraphPainter.h"
 
 #include "graphs/LabelAnchor.h"
-#include "graphs/Labels.h"
+#include "scales/Labels.h"
 
 #include <zel/DrawColor.h>
 #include <zel/DrawPen.h>

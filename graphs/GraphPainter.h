@@ -1,7 +1,7 @@
 // The drawing of one graph.
 #pragma once
 
-#include "graphs/Labels.h"
+#include "scales/Labels.h"
 
 #include <zel/DrawFont.h>
 #include <zel/Zel2Graph.h>

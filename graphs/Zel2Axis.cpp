@@ -1,9 +1,10 @@
 #include "core/ArchiveFields.h"
-#include "graphs/Labels.h"
+#include "scales/Labels.h"
 
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
+#include <zel/WorldFrame.h>
 #include <zel/Zel2Axis.h>
 #include <zel/Zel2Graph.h>
 
@@ -32,7 +33,7 @@ void Zel2Axis::GetCoord(double& min, double& max) const {
 }
 
 int Zel2Axis::ToAbs(double v) {
-    return zel::Truncate((v - min_) / (max_ - min_) * Length() + Start());
+    return zel::Truncate(zel::PlaceAlong(v, min_, max_, Start(), Length()));
 }
 
 double Zel2Axis::FromAbs(int position) {

@@ -168,10 +168,10 @@ CPoint Zel2Graph::F2R(double x, double y) {
     const CPoint at = AbsOrigin();
     const double width = static_cast<double>(size_.cx) - margins_.left - margins_.right;
     const double height = static_cast<double>(size_.cy) - margins_.top - margins_.bottom;
-    return {
-        zel::Truncate(at.x + static_cast<double>(margins_.left) + (x - x_.min) / (x_.max - x_.min) * width),
-        zel::Truncate(at.y + static_cast<double>(margins_.bottom) +
-                      (y - y_.min) / (y_.max - y_.min) * height)};
+    const double left = at.x + static_cast<double>(margins_.left);
+    const double bottom = at.y + static_cast<double>(margins_.bottom);
+    return {zel::Truncate(zel::PlaceAlong(x, x_.min, x_.max, left, width)),
+            zel::Truncate(zel::PlaceAlong(y, y_.min, y_.max, bottom, height))};
 }
 
 void Zel2Graph::R2F(double& x, double& y) const {

@@ -1,11 +1,12 @@
 #include "core/ArchiveFields.h"
 #include "graphs/ExactScale.h"
 #include "graphs/LabelAnchor.h"
-#include "graphs/Labels.h"
+#include "scales/Labels.h"
 
 #include <zel/DrawFont.h>
 #include <zel/DrawPen.h>
 #include <zel/Mapping.h>
+#include <zel/WorldFrame.h>
 #include <zel/Zel2Graph.h>
 #include <zel/Zel2HAxis.h>
 #include <zel/platform/DC.h>
@@ -180,12 +181,12 @@ bool Zel2ScaleAxis::Prepare() {
 }
 
 int Zel2ScaleAxis::Position(double v) const {
-    return zel::Truncate((v - min_) / (max_ - min_) * (static_cast<double>(ends_.end) - ends_.start) +
-                         ends_.start);
+    return zel::Truncate(
+        zel::PlaceAlong(v, min_, max_, ends_.start, static_cast<double>(ends_.end) - ends_.start));
 }
 
 int Zel2ScaleAxis::F2ROffset(double v) {
-    return zel::Truncate((v - min_) / (max_ - min_) * Extent());
+    return zel::Truncate(zel::PlaceAlong(v, min_, max_, 0, Extent()));
 }
 
 int Zel2ScaleAxis::Gap(int worldUnits) {

@@ -25,7 +25,8 @@ OWNED = {
 OWNER = {f"zel/{name}.h": folder for folder, names in OWNED.items() for name in names.split()}
 WHOLE = "zel/zel.h"  # names all of them, for programs
 # Groups of public headers that are checked as a whole, below.
-GROUPS = ("zel/platform/", "zel/qt/", "zel/widgets/", "zel/sqlite/", "zel/odbc/")
+GROUPS = ("zel/platform/", "zel/tables/", "zel/qt/", "zel/widgets/", "zel/sqlite/", "zel/odbc/")
+ALLOWED["tables"] = ["tables"]
 ALLOWED["backends/sqlite"] = ["backends/sqlite"]
 ALLOWED["backends/odbc"] = ["backends/odbc"]
 ALLOWED["backends/qt"] = ["platform/object", "platform/graphics", "backends/qt"]

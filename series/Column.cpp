@@ -47,6 +47,15 @@ Column::Column(const std::vector<std::chrono::sys_time<std::chrono::nanoseconds>
     *this = Times(std::move(ticks), 1'000'000'000);
 }
 
+Column Column::Texts(const std::vector<std::int32_t>& codes, std::vector<std::string> names) {
+    const auto known = static_cast<std::int64_t>(names.size());
+    if (std::any_of(codes.begin(), codes.end(), [=](std::int32_t code) { return code >= known; }))
+        throw Error("Cannot make a column of texts: an index is beyond the " + std::to_string(known) + " names.");
+    Column column;
+    column.SetCodes(codes, std::move(names));
+    return column;
+}
+
 void Column::SetCodes(const std::vector<std::int32_t>& codes, std::vector<std::string> names) {
     kind_ = Kind::TEXTS;
     std::vector<double> values;

@@ -22,10 +22,7 @@ double DistanceOf(const Place& a, const Place& b) {
 }  // namespace
 
 SeriesHit::Place SeriesHit::FromHere(double x, double y) const {
-    const double width = static_cast<double>(frame_.upper.x) - frame_.lower.x;
-    const double height = static_cast<double>(frame_.upper.y) - frame_.lower.y;
-    return {frame_.lower.x + (x - frame_.xmin) / (frame_.xmax - frame_.xmin) * width - at_.cx,
-            frame_.lower.y + (y - frame_.ymin) / (frame_.ymax - frame_.ymin) * height - at_.cy};
+    return {frame_.XAt(x) - at_.cx, frame_.YAt(y) - at_.cy};
 }
 
 bool SeriesHit::Test(const SeriesStretch& stretch) {

@@ -57,15 +57,23 @@ inline std::string Content(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// The message of the exception that `action` throws; empty when it throws none of that kind.
+// The message of the exception that `action` throws, by pointer when it is one of the framework's; empty, and
+// a failure, when it is none of that kind.
 template <class Exception, class Action>
 std::string MessageOf(Action action) {
+    using Thrown = std::conditional_t<std::is_base_of_v<CException, Exception>, Exception*, const Exception&>;
     try {
         action();
-    } catch (Exception* e) {
-        return TakeMessage(e);
+    } catch (Thrown e) {
+        if constexpr (std::is_pointer_v<Thrown>) {
+            return TakeMessage(e);
+        } else {
+            return e.what();
+        }
     } catch (CException* e) {
         ADD_FAILURE() << "another exception: " << TakeMessage(e);
+    } catch (const std::exception& e) {
+        ADD_FAILURE() << "another exception: " << e.what();
     }
     return {};
 }

@@ -10,6 +10,7 @@
 
 namespace zel::cli {
 
+void AddDescribeCommand(CLI::App& app);
 void AddPlotCommand(CLI::App& app);
 void AddImportCommand(CLI::App& app);
 void AddConvertCommand(CLI::App& app);
@@ -38,6 +39,8 @@ struct OutputChoice {
     std::vector<std::pair<CLI::Option*, std::string>> endings_;  // the formats that each option is about
 };
 
+// The endings of all formats that drawings are exported in, each with its dot.
+std::string ExportEndings();
 // Whether a file of that name is made of pixels.
 bool IsImage(const std::string& path);
 

@@ -1,58 +1,72 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 
 #include <zel/zel.h>
 
-#include <cctype>
-#include <filesystem>
+#include <functional>
 
 namespace zel::cli {
 namespace {
 
-constexpr const char* kImages = ".png .jpg .jpeg";
-constexpr const char* kPages = ".png .jpg .jpeg .pdf .svg";
-constexpr const char* kLayers = ".png .svg";
+// The endings of the formats for which `fits` holds: ".png .jpg".
+std::string EndingsOf(const std::function<bool(const FileFormat&)>& fits) {
+    std::string endings;
+    for (const FileFormat& format : ExportFormats()) {
+        if (!fits(format)) continue;
+        for (const std::string& ending : format.endings)
+            endings.append(endings.empty() ? "." : " .").append(ending);
+    }
+    return endings;
+}
 
-std::string EndingOf(const std::string& path) {
-    std::string ending = std::filesystem::path(path).extension().string();
-    for (char& c : ending) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return ending;
+bool HasPixels(const FileFormat& format) {
+    return format.pixels;
+}
+bool HasPaper(const FileFormat& format) {
+    return format.paper;
+}
+bool CanBeTransparent(const FileFormat& format) {
+    return format.transparent;
 }
 
 }  // namespace
 
+std::string ExportEndings() {
+    return EndingsOf([](const FileFormat&) { return true; });
+}
+
 bool IsImage(const std::string& path) {
-    const std::string ending = EndingOf(path);
-    return ending == ".png" || ending == ".jpg" || ending == ".jpeg";
+    return (" " + EndingsOf(HasPixels) + " ").find(" ." + EndingOf(path) + " ") != std::string::npos;
 }
 
 void OutputChoice::AddTo(CLI::App& command, bool positional) {
     command
         .add_option(positional ? "output" : "-o,--output", path,
-                    "File to write; its ending chooses the format: .png .jpg .pdf .svg .wmf .zel")
+                    "File to write; its ending chooses the format: " + ExportEndings() + " .zel")
         ->required();
-    const auto about = [this](const char* formats, CLI::Option* option) {
-        endings_.emplace_back(option, formats);
+    const auto about = [this](bool (*fits)(const FileFormat&), CLI::Option* option) {
+        endings_.emplace_back(option, EndingsOf(fits));
         return option;
     };
     CLI::Option* const perInch =
-        about(kImages, command.add_option("--dpi", dpi, "Pixels per inch of an image"))
+        about(HasPixels, command.add_option("--dpi", dpi, "Pixels per inch of an image"))
             ->capture_default_str()
             ->check(CLI::Range(10.0, 2400.0));
-    about(kImages, command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi"))
+    about(HasPixels, command.add_option("--pixels", pixels, "Width of an image in pixels, instead of --dpi"))
         ->check(CLI::Range(1, 30000))
         ->excludes(perInch);
-    CLI::Option* const sheet =
-        about(kPages, command.add_option("--paper", paper,
-                                         "Paper of a page: A2 to A5, letter, legal (default: as large as the "
-                                         "drawing)"));
-    about(kPages, command.add_flag("--landscape", landscape, "Lay the paper on its side"))->needs(sheet);
-    about(kPages, command.add_flag("--printer", printer, "Use the tools' printer colours"));
-    about(kLayers, command.add_flag("--transparent", transparent, "Leave the background out (.png, .svg)"));
+    CLI::Option* const sheet = about(
+        HasPaper, command.add_option("--paper", paper,
+                                     "Paper of a page: A2 to A5, letter, legal (default: as large as the "
+                                     "drawing)"));
+    about(HasPaper, command.add_flag("--landscape", landscape, "Lay the paper on its side"))->needs(sheet);
+    about(HasPaper, command.add_flag("--printer", printer, "Use the tools' printer colours"));
+    about(CanBeTransparent,
+          command.add_flag("--transparent", transparent,
+                           "Leave the background out (" + EndingsOf(CanBeTransparent) + ")"));
 }
 
 void OutputChoice::RefuseWhatCannotApply() const {
-    const std::string ending = EndingOf(path);
+    const std::string ending = "." + EndingOf(path);
     for (const auto& [option, formats] : endings_) {
         if (option->count() > 0 && (" " + formats + " ").find(" " + ending + " ") == std::string::npos)
             throw Error("Cannot use " + option->get_name() + " for \"" + path + "\": it is for " + formats);

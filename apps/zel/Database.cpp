@@ -1,7 +1,5 @@
 #include "apps/zel/Database.h"
 
-#include "apps/zel/Csv.h"
-
 #include <zel/odbc/Install.h>
 #include <zel/platform/DatabaseDriver.h>
 #include <zel/sqlite/Install.h>

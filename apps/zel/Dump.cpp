@@ -80,8 +80,8 @@ void PrintHeader(const char* path, std::ostream& out) {
         out << "document of version " << facts.version << ", "
             << (facts.rules == ZelRules::EXACT ? "exact" : "classic") << " rules, " << facts.contentLength
             << " bytes of content, checksums right\n";
-    } catch (CArchiveException* e) {
-        out << TakeMessage(e) << "\n";
+    } catch (const FormatError& e) {
+        out << e.what() << "\n";
     }
 }
 

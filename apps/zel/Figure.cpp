@@ -1,7 +1,5 @@
 #include "apps/zel/Figure.h"
 
-#include "apps/zel/Csv.h"
-
 #include <algorithm>
 #include <cmath>
 

@@ -1,12 +1,13 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 #include "apps/zel/Database.h"
+#include "apps/zel/TableChoice.h"
 
 #include <zel/platform/DatabaseDriver.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cmath>
 #include <filesystem>
 #include <iostream>
 #include <strings.h>
@@ -15,67 +16,60 @@ namespace zel::cli {
 namespace {
 
 struct ImportChoice {
-    std::string input;
+    TableChoice data;
     std::string database;
     std::string table;
     bool replace = false;
 };
 
-template <class Number>
-bool Parse(const std::string& cell, Number& number) {
+bool IsWhole(std::string_view cell, std::int64_t& number) {
     const auto [end, error] = std::from_chars(cell.data(), cell.data() + cell.size(), number);
     return error == std::errc() && end == cell.data() + cell.size();
 }
 
-bool IsNarrow(const std::string& cell) {
-    int number = 0;
-    return Parse(cell, number);
-}
 // Numbers that are written with leading zeros are names of something.
-bool IsInteger(const std::string& cell) {
-    std::int64_t number = 0;
-    return Parse(cell, number) && (cell == "0" || cell[cell[0] == '-' ? 1 : 0] != '0');
-}
-bool IsNumber(const std::string& cell) {
-    double number = 0;
-    return Parse(cell, number) && (IsInteger(cell) || cell.find_first_of(".eE") != std::string::npos);
-}
-bool IsDate(const std::string& cell) {
-    COleDateTime date;
-    return date.ParseDateTime(cell.c_str()) && date.GetStatus() == COleDateTime::valid;
+bool HasLeadingZero(std::string_view cell) {
+    if (cell.starts_with('-')) cell.remove_prefix(1);
+    return cell.size() > 1 && cell[0] == '0' && cell[1] >= '0' && cell[1] <= '9';
 }
 
-const std::string& Cell(const CsvTable& csv, std::size_t row, std::size_t column) {
-    static const std::string none;
-    const std::vector<std::string>& cells = csv.Row(row);
-    return column < cells.size() ? cells[column] : none;
-}
-
-// The narrowest type that takes all cells of a column; empty cells are nulls of any type.
-short TypeOf(const CsvTable& csv, std::size_t column) {
-    bool any = false, narrow = true, integers = true, numbers = true, dates = true;
-    for (std::size_t row = 0; row < csv.RowCount(); ++row) {
-        const std::string& cell = Cell(csv, row, column);
-        if (cell.empty()) continue;
-        any = true;
-        narrow = narrow && IsNarrow(cell);
-        integers = integers && IsInteger(cell);
-        numbers = numbers && IsNumber(cell);
-        dates = dates && IsDate(cell);
+// The narrowest type that takes all cells of a column; cells without a value are nulls of any type.
+short TypeOf(const tables::Table& table, std::size_t column) {
+    const tables::ColumnFacts& facts = table.Columns()[column];
+    if (facts.unread > 0) return dbText;
+    if (facts.kind == tables::Kind::TIME) return dbDate;
+    if (facts.kind != tables::Kind::NUMBER) return dbText;
+    bool narrow = true, whole = true;
+    for (std::size_t row = 0; row < table.RowCount(); ++row) {
+        if (std::isnan(table.At(column).At(row))) continue;
+        const std::string_view cell = table.Text(row, column);
+        if (HasLeadingZero(cell)) return dbText;
+        std::int64_t number = 0;
+        whole = whole && IsWhole(cell, number);
+        narrow = narrow && number == static_cast<std::int32_t>(number);
     }
-    if (!any) return dbText;
-    if (integers) return narrow ? dbLong : dbBigInt;
-    return numbers ? dbDouble : dates ? dbDate : dbText;
+    return !whole ? dbDouble : narrow ? dbLong : dbBigInt;
 }
 
-COleVariant ValueOf(const std::string& cell, short type) {
-    if (cell.empty()) return COleVariant::Null();
+COleVariant ValueOf(const tables::Table& table, std::size_t row, std::size_t column, short type) {
+    const std::string cell(table.Text(row, column));
+    const Column& values = table.At(column);
+    if (cell.empty() || (type != dbText && std::isnan(values.At(row)))) return COleVariant::Null();
     COleVariant value;
-    value.SetText(cell);
-    if (type == dbBigInt || type == dbLong) value.ChangeType(VT_I8);
-    if (type == dbDouble) value.ChangeType(VT_R8);
-    if (type == dbDate) value.ChangeType(VT_DATE);
-    return value;
+    switch (type) {
+        case dbDouble:
+            return COleVariant(values.At(row));
+        case dbDate: {
+            constexpr double kDaysTo1970 = 25569, kSecondsOfDay = 86400;
+            value = COleVariant((values.Origin() + values.At(row)) / kSecondsOfDay + kDaysTo1970);
+            value.vt = VT_DATE;
+            return value;
+        }
+        default:
+            value.SetText(cell);
+            if (type != dbText) value.ChangeType(VT_I8);
+            return value;
+    }
 }
 
 // Names that need no quotes go without, so that queries can use them in upper or lower case everywhere.
@@ -93,65 +87,65 @@ std::string ColumnName(const std::string& name, const DatabaseConnection& connec
     return simple ? name : connection.Quoted(name);
 }
 
-void CreateTable(CDaoDatabase& database, const ImportChoice& choice, const CsvTable& csv,
+void CreateTable(CDaoDatabase& database, const ImportChoice& choice, const tables::Table& table,
                  const std::vector<short>& types) {
     const DatabaseConnection& connection = database.Connection();
     std::string columns;
     for (std::size_t i = 0; i < types.size(); ++i) {
-        columns +=
-            (i ? ", " : "") + ColumnName(csv.Names()[i], connection) + " " + connection.TypeName(types[i]);
+        columns += (i ? ", " : "") + ColumnName(table.Columns()[i].name, connection) + " " +
+                   connection.TypeName(types[i]);
     }
     if (choice.replace) database.Execute(("DROP TABLE IF EXISTS " + choice.table).c_str());
     database.Execute(("CREATE TABLE " + choice.table + " (" + columns + ")").c_str());
 }
 
-void InsertRows(CDaoDatabase& database, const ImportChoice& choice, const CsvTable& csv,
+void InsertRows(CDaoDatabase& database, const ImportChoice& choice, const tables::Table& table,
                 const std::vector<short>& types) {
     std::string marks;
     for (std::size_t i = 0; i < types.size(); ++i) marks += i ? ", ?" : "?";
     const std::string command = "INSERT INTO " + choice.table + " VALUES (" + marks + ")";
     std::vector<COleVariant> values(types.size());
-    for (std::size_t row = 0; row < csv.RowCount(); ++row) {
-        for (std::size_t i = 0; i < types.size(); ++i) values[i] = ValueOf(Cell(csv, row, i), types[i]);
+    for (std::size_t row = 0; row < table.RowCount(); ++row) {
+        for (std::size_t i = 0; i < types.size(); ++i) values[i] = ValueOf(table, row, i, types[i]);
         database.Execute(command.c_str(), values);
     }
 }
 
 // The table is there with all its rows or not at all, and so is a file that did not exist before.
 void Import(const ImportChoice& choice) {
-    const CsvTable csv = CsvTable::Read(choice.input);
+    const tables::Table table = choice.data.Read(true);
     std::vector<short> types;
-    for (std::size_t i = 0; i < csv.Names().size(); ++i) types.push_back(TypeOf(csv, i));
+    for (std::size_t i = 0; i < table.Columns().size(); ++i) types.push_back(TypeOf(table, i));
     std::error_code ignored;
     const bool fresh = IsDatabaseFile(choice.database) && !std::filesystem::exists(choice.database, ignored);
     CDaoDatabase database;
     try {
         CreateOrOpenDatabase(database, choice.database, fresh);
         database.BeginTrans();
-        CreateTable(database, choice, csv, types);
-        InsertRows(database, choice, csv, types);
+        CreateTable(database, choice, table, types);
+        InsertRows(database, choice, table, types);
         database.CommitTrans();
     } catch (...) {
         database.Close();
         if (fresh) std::filesystem::remove(choice.database, ignored);
         throw;
     }
-    std::cout << csv.RowCount() << " records in the table " << choice.table << "\n";
+    std::cout << table.RowCount() << " records in the table " << choice.table << "\n";
 }
 
 }  // namespace
 
 void AddImportCommand(CLI::App& app) {
-    CLI::App* command = app.add_subcommand("import", "Make a database table of a CSV file");
+    CLI::App* command = app.add_subcommand("import", "Make a table of a database of one in a file");
     auto choice = std::make_shared<ImportChoice>();
-    command->add_option("data", choice->input, "CSV file; its first row names the columns")->required();
+    choice->data.AddTo(*command)->required();
     command->add_option("--db", choice->database, "SQLite file, made if need be, or ODBC connection string")
         ->required();
     command->add_option("--table", choice->table, "Table to make, as SQL takes its name")->required();
     command->add_flag("--replace", choice->replace, "Drop a table of that name first");
     command->footer(
-        "Columns of whole numbers, numbers and dates get their types, others are texts; empty cells are "
-        "nulls.\n"
+        "Columns of whole numbers, numbers and dates get their types, others are texts; cells without a "
+        "value are nulls.\n"
         "Example:\n  zel import weather.csv --db weather.sqlite --table daily");
     command->callback([choice] { Import(*choice); });
 }

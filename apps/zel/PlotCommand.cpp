@@ -1,7 +1,7 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 #include "apps/zel/Database.h"
 #include "apps/zel/Figure.h"
+#include "apps/zel/TableChoice.h"
 
 #include <map>
 
@@ -9,7 +9,7 @@ namespace zel::cli {
 namespace {
 
 struct PlotChoice {
-    std::string input;
+    TableChoice table;
     DatabaseChoice database;
     std::string x;
     std::vector<std::string> ys;
@@ -61,23 +61,22 @@ void RefuseWhatCannotApply(const PlotChoice& choice) {
 }
 
 std::vector<Series> ReadSeries(const PlotChoice& choice) {
-    if (choice.input.empty() == choice.database.database.empty())
-        throw Error("Cannot plot: either a CSV file or --db must say where the data is");
+    if (choice.table.IsGiven() != choice.database.database.empty())
+        throw Error("Cannot plot: either a table or --db must say where the data is");
     RefuseWhatCannotApply(choice);
-    if (choice.input.empty()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
-    const CsvTable table = CsvTable::Read(choice.input);
+    if (!choice.table.IsGiven()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
+    const tables::Table table = choice.table.Read();
     const FigureKind kind = choice.figure.kind;
-    const bool names = kind != FigureKind::LINES;
     Series common;
-    if (!choice.x.empty()) common.x = names ? table.ColumnOrNames(choice.x) : table.Column(choice.x);
-    if (!choice.colorBy.empty()) common.color = table.ColumnOrNames(choice.colorBy);
-    if (!choice.sizeBy.empty()) common.size = table.Column(choice.sizeBy);
+    if (!choice.x.empty()) common.x = CoordinateOf(table, choice.x);
+    if (!choice.colorBy.empty()) common.color = CoordinateOf(table, choice.colorBy);
+    if (!choice.sizeBy.empty()) common.size = MeasureOf(table, choice.sizeBy);
     std::vector<Series> series;
     for (std::size_t i = 0; i < choice.ys.size(); ++i) {
         Series one = common;
-        one.name = choice.ys[i];
-        one.y = kind == FigureKind::HEAT ? table.ColumnOrNames(one.name) : table.Column(one.name);
-        if (!choice.errors.empty()) one.error = table.Column(choice.errors[i]);
+        one.y = kind == FigureKind::HEAT ? CoordinateOf(table, choice.ys[i]) : MeasureOf(table, choice.ys[i]);
+        one.name = one.y.Name();
+        if (!choice.errors.empty()) one.error = MeasureOf(table, choice.errors[i]);
         series.push_back(std::move(one));
     }
     return series;
@@ -98,9 +97,9 @@ void Plot(PlotChoice& choice) {
         !series.empty() && (series.front().source ? series.front().source->HasDates()
                                                   : series.front().x.GetKind() == zel::Column::Kind::TIMES);
     if (figure.xTitle.empty() && !ofDates && !choice.x.empty())
-        figure.xTitle = choice.input.empty() ? ColumnTitle(choice.x) : series.front().x.Name();
+        figure.xTitle = !choice.table.IsGiven() ? ColumnTitle(choice.x) : series.front().x.Name();
     if (figure.kind == FigureKind::HISTOGRAM) {
-        if (choice.ys.size() == 1) figure.xTitle = series.front().name;
+        if (figure.xTitle.empty() && choice.ys.size() == 1) figure.xTitle = series.front().name;
     } else if (figure.yTitle.empty() && choice.ys.size() == 1) {
         figure.yTitle = series.front().name;
     }
@@ -115,7 +114,7 @@ void Plot(PlotChoice& choice) {
 void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
     CLI::Option* const database = command.add_option(
         "--db", choice.database,
-        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a CSV file");
+        "SQLite file, or ODBC connection string (\"DSN=...;UID=...\"), instead of a table");
     command.add_option("--table", choice.table, "Table of the database")->needs(database);
     command.add_option("--where", choice.where, "Condition in SQL that records must meet")->needs(database);
     command
@@ -127,9 +126,9 @@ void AddDatabaseOptions(CLI::App& command, DatabaseChoice& choice) {
 
 void AddPlotCommand(CLI::App& app) {
     CLI::App* command =
-        app.add_subcommand("plot", "Draw columns of a CSV file or a database table as a graph");
+        app.add_subcommand("plot", "Draw columns of a table, of a file or a database, as a chart");
     auto choice = std::make_shared<PlotChoice>();
-    command->add_option("data", choice->input, "CSV file; its first row names the columns");
+    choice->table.AddTo(*command);
     AddDatabaseOptions(*command, choice->database);
     command->add_option(
         "--x", choice->x,

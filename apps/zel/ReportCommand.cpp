@@ -1,7 +1,9 @@
 #include "apps/zel/Commands.h"
-#include "apps/zel/Csv.h"
 #include "apps/zel/Figure.h"
 #include "apps/zel/ReportParts.h"
+#include "apps/zel/TableChoice.h"
+
+#include <zel/platform/Warning.h>
 
 #include <algorithm>
 #include <cmath>
@@ -19,7 +21,7 @@ constexpr double kFigureHeight = 75;  // millimetres
 constexpr std::size_t kMostFigures = 12;
 
 struct ReportChoice {
-    std::string input;
+    TableChoice table;
     std::string x;
     std::string title;
     std::string paper = "A4";
@@ -38,30 +40,22 @@ std::string Shown(double value) {
     return text;
 }
 
-// What is known of one column.
+// What is known of the values of one column.
 struct ColumnSummary {
-    std::string name;
-    bool isNumber = false;  // every cell that is not empty is one
-    std::vector<double> values;
-    std::size_t missing = 0;
+    bool isNumber = false;
     double min = 0, max = 0, mean = 0;
 };
 
-bool IsPlainNumber(const std::string& cell) {
-    return std::isfinite(CellValue(cell));
-}
-
-ColumnSummary Summarize(const CsvTable& table, std::size_t k) {
+ColumnSummary Summarize(const tables::Table& table, std::size_t k) {
     ColumnSummary summary;
-    summary.name = table.Names()[k];
+    const Column& column = table.At(k);
+    summary.isNumber = table.Columns()[k].kind == tables::Kind::NUMBER;
+    if (!summary.isNumber) return summary;
+    for (const std::string& note : table.NotesOf(k)) Warn(note);
     double sum = 0;
-    std::size_t count = 0, plain = 0;
-    for (const auto& row : table.Rows()) {
-        const std::string cell = k < row.size() ? row[k] : "";
-        const double value = CellValue(cell);
-        summary.values.push_back(value);
-        if (cell.empty()) ++summary.missing;
-        if (!cell.empty() && IsPlainNumber(cell)) ++plain;
+    std::size_t count = 0;
+    for (std::size_t row = 0; row < column.Size(); ++row) {
+        const double value = column.At(row);
         if (!std::isfinite(value)) continue;
         summary.min = count == 0 ? value : std::min(summary.min, value);
         summary.max = count == 0 ? value : std::max(summary.max, value);
@@ -69,16 +63,13 @@ ColumnSummary Summarize(const CsvTable& table, std::size_t k) {
         ++count;
     }
     summary.mean = count > 0 ? sum / static_cast<double>(count) : 0;
-    // A number in exponent form may hold a minus sign within; most of a column decides.
-    summary.isNumber = plain > 0 && 2 * plain > table.RowCount() - summary.missing;
-    if (summary.isNumber) table.WarnOfWords(k);
     return summary;
 }
 
 class ReportMaker {
   public:
-    ReportMaker(const CsvTable& table, const ReportChoice& choice) : table_(table), choice_(choice) {
-        for (std::size_t k = 0; k < table.Names().size(); ++k) columns_.push_back(Summarize(table, k));
+    ReportMaker(const tables::Table& table, const ReportChoice& choice) : table_(table), choice_(choice) {
+        for (std::size_t k = 0; k < table.Columns().size(); ++k) columns_.push_back(Summarize(table, k));
     }
 
     // The report belongs to `drawing`.
@@ -113,8 +104,9 @@ class ReportMaker {
         return paper;
     }
     std::string FileName() const {
-        const std::size_t slash = choice_.input.rfind('/');
-        return slash == std::string::npos ? choice_.input : choice_.input.substr(slash + 1);
+        const std::string& path = table_.Name();
+        const std::size_t slash = path.rfind('/');
+        return slash == std::string::npos ? path : path.substr(slash + 1);
     }
     std::string Title() const { return choice_.title.empty() ? FileName() : choice_.title; }
     void Append(std::unique_ptr<Zel2> object) { report_->Append(object.release()); }
@@ -132,12 +124,14 @@ class ReportMaker {
     }
 
     void AddSummary() {
-        Table summary;
+        PrintedTable summary;
         summary.names = {"column", "cells", "missing", "lowest", "mean", "highest"};
         summary.isNumber = {false, true, true, true, true, true};
-        for (const ColumnSummary& column : columns_) {
-            std::vector<std::string> row = {column.name, std::to_string(table_.RowCount() - column.missing),
-                                            std::to_string(column.missing)};
+        for (std::size_t k = 0; k < columns_.size(); ++k) {
+            const tables::ColumnFacts& facts = table_.Columns()[k];
+            std::vector<std::string> row = {facts.name, std::to_string(table_.RowCount() - facts.missing),
+                                            std::to_string(facts.missing)};
+            const ColumnSummary& column = columns_[k];
             if (column.isNumber) {
                 for (const double value : {column.min, column.mean, column.max}) row.push_back(Shown(value));
             }
@@ -151,11 +145,8 @@ class ReportMaker {
     // What the figures are drawn against: the column asked for, else the first if it is of dates, else the
     // numbers of the rows.
     Column Across() const {
-        if (!choice_.x.empty()) return table_.Column(choice_.x);
-        const auto isDated = [this](const auto& row) { return !row.empty() && CellTime(row.front()); };
-        const auto dated = std::count_if(table_.Rows().begin(), table_.Rows().end(), isDated);
-        if (2 * static_cast<std::size_t>(dated) > table_.RowCount())
-            return table_.Column(columns_.front().name);
+        if (!choice_.x.empty()) return CoordinateOf(table_, choice_.x);
+        if (table_.Columns().front().kind == tables::Kind::TIME) return table_.At(0);
         std::vector<double> numbers(table_.RowCount());
         std::iota(numbers.begin(), numbers.end(), 1.0);
         return Column(std::move(numbers)).SetName("row");
@@ -165,29 +156,30 @@ class ReportMaker {
         if (table_.RowCount() < 2) return;
         const Column x = Across();
         std::size_t count = 0;
-        for (const ColumnSummary& column : columns_) {
-            if (!column.isNumber || column.name == x.Name() || column.min == column.max ||
-                count == kMostFigures)
-                continue;
+        for (std::size_t k = 0; k < columns_.size() && count < kMostFigures; ++k) {
+            const std::string& name = table_.Columns()[k].name;
+            if (!columns_[k].isNumber || name == x.Name() || columns_[k].min == columns_[k].max) continue;
             FigureOptions options;
             if (x.GetKind() != Column::Kind::TIMES) options.xTitle = x.Name();
-            options.yTitle = column.name;
+            options.yTitle = name;
             options.width = std::clamp(parts_->Width() / kUnitsPerMillimetre, 30.0, 2000.0);
             options.height = kFigureHeight;
-            auto heading = parts_->Heading(column.name);
-            Append(std::move(heading));
-            Append(MakeFigure({{column.name, x, column.values, {}}}, options));
+            Append(parts_->Heading(name));
+            Append(MakeFigure({{name, x, table_.At(k), {}}}, options));
             ++count;
         }
     }
 
     void AddRows() {
-        Table all;
-        for (const ColumnSummary& column : columns_) {
-            all.names.push_back(column.name);
-            all.isNumber.push_back(column.isNumber);
+        PrintedTable all;
+        for (std::size_t k = 0; k < columns_.size(); ++k) {
+            all.names.push_back(table_.Columns()[k].name);
+            all.isNumber.push_back(columns_[k].isNumber);
         }
-        all.rows = table_.Rows();
+        for (std::size_t row = 0; row < table_.RowCount(); ++row) {
+            std::vector<std::string>& cells = all.rows.emplace_back();
+            for (std::size_t k = 0; k < columns_.size(); ++k) cells.emplace_back(table_.Text(row, k));
+        }
         report_->BreakPage();
         Append(parts_->Heading("Rows"));
         for (auto& made : parts_->Tables(all)) {
@@ -196,7 +188,7 @@ class ReportMaker {
         }
     }
 
-    const CsvTable& table_;
+    const tables::Table& table_;
     const ReportChoice& choice_;
     std::vector<ColumnSummary> columns_;
     Zel2Report* report_ = nullptr;
@@ -222,23 +214,23 @@ bool Write(Zel2Main& drawing, Zel2Report& report, const ReportChoice& choice, co
 void MakeReport(const ReportChoice& choice) {
     if (choice.dpiOption->count() > 0 && !IsImage(choice.output))
         throw Error("Cannot use --dpi: only images (.png, .jpg) have pixels");
-    const CsvTable table = CsvTable::Read(choice.input);
+    const tables::Table table = choice.table.Read(true);
     Zel2Main drawing;
     Zel2Report& report = ReportMaker(table, choice).MakeIn(drawing);
-    if (!Write(drawing, report, choice, choice.title.empty() ? choice.input : choice.title))
+    if (!Write(drawing, report, choice, choice.title.empty() ? table.Name() : choice.title))
         throw Error("Stopped; \"" + choice.output + "\" has not been written");
 }
 
 }  // namespace
 
 void AddReportCommand(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("report", "Make a report of a CSV file: summary, figures, all rows");
+    CLI::App* command = app.add_subcommand("report", "Make a report of a table: summary, figures, all rows");
     auto choice = std::make_shared<ReportChoice>();
-    command->add_option("data", choice->input, "CSV file; its first row names the columns")->required();
+    choice->table.AddTo(*command)->required();
     command
         ->add_option("-o,--output", choice->output,
-                     "File to write: .pdf for all pages in one, .png, .jpg, .svg or .wmf for one file a page")
+                     "File to write, in the format of its ending: .pdf for all pages in one; of " +
+                         ExportEndings() + " the others make a file a page")
         ->required();
     command->add_option("--title", choice->title, "Title of the report (default: the file's name)");
     command->add_option("--x", choice->x,

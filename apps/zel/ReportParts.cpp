@@ -114,7 +114,7 @@ std::unique_ptr<Zel2> ReportParts::Fields(
     return row;
 }
 
-std::vector<int> ReportParts::ColumnWidths(const Table& table) const {
+std::vector<int> ReportParts::ColumnWidths(const PrintedTable& table) const {
     const Ruler ruler;
     std::vector<int> widths;
     for (const std::string& name : table.names) widths.push_back(ruler.WidthOf(name));
@@ -126,7 +126,7 @@ std::vector<int> ReportParts::ColumnWidths(const Table& table) const {
     return widths;
 }
 
-std::unique_ptr<Zel2> ReportParts::MakeTable(const Table& table, std::size_t begin, std::size_t end,
+std::unique_ptr<Zel2> ReportParts::MakeTable(const PrintedTable& table, std::size_t begin, std::size_t end,
                                              const std::vector<int>& widths) const {
     const Ruler ruler;
     const int rows = static_cast<int>(table.rows.size());
@@ -154,7 +154,7 @@ std::unique_ptr<Zel2> ReportParts::MakeTable(const Table& table, std::size_t beg
     return made;
 }
 
-std::vector<std::unique_ptr<Zel2>> ReportParts::Tables(const Table& table) const {
+std::vector<std::unique_ptr<Zel2>> ReportParts::Tables(const PrintedTable& table) const {
     std::vector<std::unique_ptr<Zel2>> tables;
     const std::vector<int> widths = ColumnWidths(table);
     for (std::size_t begin = 0; begin < widths.size();) {

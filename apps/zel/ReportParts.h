@@ -10,7 +10,7 @@
 namespace zel::cli {
 
 // A table's content: a name for each column, and its rows. Rows may be shorter than the names.
-struct Table {
+struct PrintedTable {
     std::vector<std::string> names;
     std::vector<std::vector<std::string>> rows;
     std::vector<bool> isNumber;  // columns set to the right
@@ -33,13 +33,13 @@ class ReportParts {
     std::unique_ptr<Zel2> Fields(const std::vector<std::pair<std::string, std::string>>& fields) const;
     // Tables with one header row. Columns are as wide as their longest text; what does not fit on the paper's
     // width goes into further tables, one below another, and a text wider than the paper is cut short.
-    std::vector<std::unique_ptr<Zel2>> Tables(const Table& table) const;
+    std::vector<std::unique_ptr<Zel2>> Tables(const PrintedTable& table) const;
 
     int TextFont() const { return textFont_; }
 
   private:
-    std::vector<int> ColumnWidths(const Table& table) const;
-    std::unique_ptr<Zel2> MakeTable(const Table& table, std::size_t begin, std::size_t end,
+    std::vector<int> ColumnWidths(const PrintedTable& table) const;
+    std::unique_ptr<Zel2> MakeTable(const PrintedTable& table, std::size_t begin, std::size_t end,
                                     const std::vector<int>& widths) const;
 
     int width_;

@@ -28,11 +28,13 @@ std::string CommandOf(const CLI::App& app) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    zel::qt::Install();  // before the options, which name its formats
     CLI::App app("Graphs from data, and drawings in other formats.", "zel");
     app.set_version_flag("--version", ZEL_VERSION);
     app.require_subcommand(1);
     app.footer(
         "Examples:\n"
+        "  zel describe data.csv\n"
         "  zel plot data.csv --x year --y temp -o out.pdf\n"
         "  zel report data.csv --title Weather -o report.pdf\n"
         "  zel plot --db weather.sqlite --table daily --x date --y temp_max -o out.pdf\n"
@@ -40,6 +42,7 @@ int main(int argc, char** argv) {
         "  zel convert drawing.zel out.svg\n"
         "  zel info drawing.zel\n"
         "\"zel plot --help\" tells more. Exit codes: 0 done, 1 failed, others wrong usage.");
+    zel::cli::AddDescribeCommand(app);
     zel::cli::AddPlotCommand(app);
     zel::cli::AddImportCommand(app);
     zel::cli::AddConvertCommand(app);
@@ -48,7 +51,6 @@ int main(int argc, char** argv) {
     zel::SetWarningHandler(
         [](const std::string& message) { std::cerr << "zel: warning: " << message << "\n"; });
     std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is told like any other failure
-    zel::qt::Install();
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& e) {

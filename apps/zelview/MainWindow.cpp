@@ -1,11 +1,11 @@
 #include "apps/zelview/MainWindow.h"
 
-#include "apps/zel/Csv.h"
 #include "apps/zel/Figure.h"
 #include "apps/zelview/Editing.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/MessageBox.h>
+#include <zel/tables/Table.h>
 #include <zel/widgets/Widgets.h>
 
 #include <QAction>
@@ -54,23 +54,19 @@ QString NameOf(ViewerEdit edit) {
 
 // Every column against the first.
 std::unique_ptr<Zel2Main> FigureOf(const QString& path) {
-    const cli::CsvTable table = cli::CsvTable::Read(Native(path));
-    const std::vector<std::string>& names = table.Names();
+    const tables::Table table = tables::Table::Read(Native(path));
+    const std::vector<tables::ColumnFacts>& columns = table.Columns();
     cli::FigureOptions options;
     options.title = QFileInfo(path).completeBaseName().toStdString();
+    const Column& x = table.At(0);
     std::vector<cli::Series> series;
-    QString refused;
-    const Column x = table.Column(names.front());
-    for (std::size_t i = 1; i < names.size(); ++i) {
-        try {
-            series.push_back({names[i], x, table.Column(names[i]), nullptr});
-        } catch (const cli::Error& e) {
-            refused = e.what();  // a column of words
-        }
+    for (std::size_t k = 1; k < columns.size(); ++k) {
+        if (columns[k].present > 0 && table.At(k).GetKind() != Column::Kind::TEXTS)
+            series.push_back({columns[k].name, x, table.At(k), nullptr});
     }
-    if (x.GetKind() != Column::Kind::TIMES) options.xTitle = names.front();
-    if (series.empty())
-        throw cli::Error(refused.isEmpty() ? "it has only one column" : refused.toStdString());
+    if (x.GetKind() != Column::Kind::TIMES) options.xTitle = columns.front().name;
+    if (columns.size() < 2) throw Error("it has only one column");
+    if (series.empty()) throw Error("no column but the first holds numbers or dates");
     return cli::MakeFigure(series, options);
 }
 

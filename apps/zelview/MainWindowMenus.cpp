@@ -287,8 +287,14 @@ bool MainWindow::AskSaveAs() {
 
 void MainWindow::AskExport() {
     const QFileInfo present(Path());
+    QStringList filters;
+    for (const FileFormat& format : ExportFormats()) {
+        filters +=
+            QString("%1 (*.%2)")
+                .arg(QString::fromStdString(format.name), QString::fromStdString(format.endings.front()));
+    }
     QFileDialog dialog(this, "Export", Path().isEmpty() ? QString() : present.absolutePath(),
-                       "PDF (*.pdf);;PNG (*.png);;JPEG (*.jpg);;SVG (*.svg);;Windows metafile (*.wmf)");
+                       filters.join(";;"));
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     // The name follows the format: the document's own stays for the document.
     const auto ending = [&dialog] {

@@ -63,10 +63,27 @@ class ImageFileDevice : public ForwardingDevice<DocumentDevice> {
     std::unique_ptr<ImageDevice> image_;
 };
 
+FileFormat ImageFormat(std::string name, std::vector<std::string> endings) {
+    return {
+        .endings = std::move(endings),
+        .name = std::move(name),
+        .pixels = true,
+        .unitsPerInch =
+            [](const FileDeviceOptions& options) { return options.dotsPerInch * ImageDevice::kSubPixels; },
+        .create =
+            [](const FileDeviceOptions& options) { return std::make_unique<ImageFileDevice>(options); }};
+}
+
 }  // namespace
 
-std::unique_ptr<DocumentDevice> CreateImageFileDevice(const FileDeviceOptions& options) {
-    return std::make_unique<ImageFileDevice>(options);
+FileFormat PngFormat() {
+    FileFormat format = ImageFormat("PNG image", {"png"});
+    format.transparent = true;
+    return format;
+}
+
+FileFormat JpegFormat() {
+    return ImageFormat("JPEG image", {"jpg", "jpeg"});
 }
 
 }  // namespace zel::qt

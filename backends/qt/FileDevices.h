@@ -11,9 +11,10 @@ namespace zel::qt {
 inline constexpr int kPdfUnitsPerInch = 1200;
 inline constexpr int kSvgUnitsPerInch = 1440;  // the view box scales them to the image's inches
 
-std::unique_ptr<DocumentDevice> CreatePdfDevice(const FileDeviceOptions& options);
-std::unique_ptr<DocumentDevice> CreateSvgDevice(const FileDeviceOptions& options);
-std::unique_ptr<DocumentDevice> CreateImageFileDevice(const FileDeviceOptions& options);
+FileFormat PdfFormat();
+FileFormat PngFormat();
+FileFormat JpegFormat();
+FileFormat SvgFormat();
 
 // The surface of a page or picture that a vector format describes in so many units per inch.
 SurfaceCaps CapsOf(const FileDeviceOptions& options, int technology, int unitsPerInch);

@@ -46,6 +46,11 @@ QString FamilyFor(const QString& wanted) {
     return QFontDatabase::hasFamily(found) ? found : wanted;
 }
 
+bool IsAnyFontInstalled() {
+    const FcFontSet* const fonts = FcConfigGetFonts(nullptr, FcSetSystem);
+    return fonts && fonts->nfont > 0;
+}
+
 QFont MakeFont(const LOGFONT& font) {
     const QString wanted = QString::fromUtf8(font.lfFaceName);
     QFont made(QFontDatabase::hasFamily(wanted) ? wanted : FamilyFor(wanted));
@@ -94,8 +99,8 @@ QColor ColorOf(COLORREF color, BYTE transparency) {
 
 Face::Face(const LOGFONT& font)
     : font_(MakeFont(font)), design_(QRawFont::fromFont(font_)), latin_(kDirectGlyphs) {
-    // Where there is no font at all Qt draws boxes, with a face that has not even a name.
-    if (design_.fontTable("head").isEmpty())
+    // Where there is no font at all Qt draws boxes, with a face that cannot be asked for its name.
+    if (!IsAnyFontInstalled())
         AfxThrowResourceException(
             "Cannot draw text: no font is installed, or none that fontconfig finds. The package "
             "\"fonts-liberation2\" has those that are best.");

@@ -2,8 +2,6 @@
 #include "backends/qt/FileDevices.h"
 #include "backends/qt/QtPlatform.h"
 
-#include <zel/platform/Exception.h>
-#include <zel/qt/ImageDevice.h>
 #include <zel/qt/Install.h>
 
 namespace zel::qt {
@@ -36,21 +34,8 @@ std::unique_ptr<GraphicsDevice> QtPlatform::CreateScreenCompatibleDevice() {
     return std::make_unique<ScreenLikeDevice>();
 }
 
-double QtPlatform::UnitsPerInch(const FileDeviceOptions& options) {
-    if (options.format == "pdf") return kPdfUnitsPerInch;
-    if (options.format == "svg") return kSvgUnitsPerInch;
-    return options.dotsPerInch * ImageDevice::kSubPixels;
-}
-
-std::unique_ptr<DocumentDevice> QtPlatform::CreateFileDevice(const FileDeviceOptions& options) {
-    if (options.format == "pdf") return CreatePdfDevice(options);
-    if (options.format == "svg") return CreateSvgDevice(options);
-    if (options.format == "png" || options.format == "jpg" || options.format == "jpeg") {
-        return CreateImageFileDevice(options);
-    }
-    AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": the format \"" + options.format +
-                                   "\" is none of png, jpg, pdf, svg.")
-                                      .c_str());
+std::vector<FileFormat> QtPlatform::FileFormats() {
+    return {PdfFormat(), PngFormat(), JpegFormat(), SvgFormat()};
 }
 
 void Install() {

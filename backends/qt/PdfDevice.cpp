@@ -50,9 +50,16 @@ class PdfDevice : private PdfFile, public PageDevice {
 
 }  // namespace
 
-std::unique_ptr<DocumentDevice> CreatePdfDevice(const FileDeviceOptions& options) {
-    EnsureApplication();
-    return std::make_unique<PdfDevice>(options);
+FileFormat PdfFormat() {
+    return {.endings = {"pdf"},
+            .name = "PDF",
+            .pages = true,
+            .unitsPerInch = [](const FileDeviceOptions&) { return kPdfUnitsPerInch; },
+            .create =
+                [](const FileDeviceOptions& options) {
+                    EnsureApplication();
+                    return std::make_unique<PdfDevice>(options);
+                }};
 }
 
 }  // namespace zel::qt

@@ -9,8 +9,7 @@ namespace zel::qt {
 class QtPlatform : public Platform {
   public:
     std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice() override;
-    double UnitsPerInch(const FileDeviceOptions& options) override;
-    std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options) override;
+    std::vector<FileFormat> FileFormats() override;
 };
 
 }  // namespace zel::qt

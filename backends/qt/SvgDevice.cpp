@@ -436,9 +436,16 @@ class SvgDevice : public MeasuringDevice {
 
 }  // namespace
 
-std::unique_ptr<DocumentDevice> CreateSvgDevice(const FileDeviceOptions& options) {
-    EnsureApplication();
-    return std::make_unique<SvgDevice>(options);
+FileFormat SvgFormat() {
+    return {.endings = {"svg"},
+            .name = "SVG",
+            .transparent = true,
+            .unitsPerInch = [](const FileDeviceOptions&) { return kSvgUnitsPerInch; },
+            .create =
+                [](const FileDeviceOptions& options) {
+                    EnsureApplication();
+                    return std::make_unique<SvgDevice>(options);
+                }};
 }
 
 }  // namespace zel::qt

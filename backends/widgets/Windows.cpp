@@ -3,6 +3,7 @@
 #include "backends/widgets/Peer.h"
 #include "backends/widgets/Printer.h"
 
+#include <zel/platform/Error.h>
 #include <zel/platform/Exception.h>
 #include <zel/platform/MessageBox.h>
 #include <zel/platform/View.h>
@@ -246,7 +247,7 @@ class WidgetsPlatform : public qt::QtPlatform {
 void EnsureWidgetApplication() {
     if (qobject_cast<QApplication*>(QCoreApplication::instance())) return;
     if (QCoreApplication::instance()) {
-        AfxThrowNotSupportedException(
+        throw Error(
             "Cannot show windows: the program's Qt application object is no QApplication, which widgets "
             "need.");
     }
@@ -273,7 +274,7 @@ QWidget* WidgetOf(const CWnd& window) {
 
 QWidget* Embed(CView* view, QWidget* parent) {
     if (!view->Create(nullptr, nullptr, WS_CHILD, CRect(), nullptr, AFX_IDW_PANE_FIRST)) {
-        AfxThrowResourceException("Cannot embed a view: it refused to be created.");
+        throw Error("Cannot embed a view: it refused to be created.");
     }
     QWidget* const widget = WidgetOf(*view);
     if (parent) widget->setParent(parent);

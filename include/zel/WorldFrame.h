@@ -6,6 +6,16 @@
 #include <algorithm>
 #include <cmath>
 
+namespace zel {
+
+// Where `v` lies on a line that begins at `start`, is `length` long and shows the range from `min` to `max`.
+// Every place along a linear axis comes from here. A range of width 0 gives NaN or an infinity.
+constexpr double PlaceAlong(double v, double min, double max, double start, double length) {
+    return start + (v - min) / (max - min) * length;
+}
+
+}  // namespace zel
+
 // Linear map from graph (world) coordinates to logical ones. A range of width 0 gives NaN or an infinity,
 // which becomes 0 or an end of the integer range.
 struct WorldFrame {
@@ -21,18 +31,23 @@ struct WorldFrame {
 
     // Each coordinate is truncated towards zero.
     CPoint ToLogical(double x, double y) const {
-        return {
-            zel::Truncate(lower.x + (x - xmin) / (xmax - xmin) * (static_cast<double>(upper.x) - lower.x)),
-            zel::Truncate(lower.y + (y - ymin) / (ymax - ymin) * (static_cast<double>(upper.y) - lower.y))};
+        return {zel::Truncate(XAt(x)), zel::Truncate(YAt(y))};
+    }
+    // One logical coordinate of a value, not truncated.
+    double XAt(double x) const {
+        return zel::PlaceAlong(x, xmin, xmax, lower.x, static_cast<double>(upper.x) - lower.x);
+    }
+    double YAt(double y) const {
+        return zel::PlaceAlong(y, ymin, ymax, lower.y, static_cast<double>(upper.y) - lower.y);
     }
     // ToLogical for `n` points that the frame contains, several at once. Its ranges are not empty.
     void ToLogicalInside(const double* x, const double* y, std::size_t n, CPoint* points) const {
-        const double xRange = xmax - xmin, yRange = ymax - ymin;
+        const double left = xmin, right = xmax, bottom = ymin, top = ymax;
         const double width = static_cast<double>(upper.x) - lower.x;
         const double height = static_cast<double>(upper.y) - lower.y;
         for (std::size_t i = 0; i < n; ++i) {
-            points[i] = {static_cast<LONG>(lower.x + (x[i] - xmin) / xRange * width),
-                         static_cast<LONG>(lower.y + (y[i] - ymin) / yRange * height)};
+            points[i] = {static_cast<LONG>(zel::PlaceAlong(x[i], left, right, lower.x, width)),
+                         static_cast<LONG>(zel::PlaceAlong(y[i], bottom, top, lower.y, height))};
         }
     }
     // The range in ascending order; empty for a backward one with classic rules.

@@ -25,7 +25,7 @@ class Zel2CoordSys : public Zel2Rect {
     Zel2CoordSys(double x0, double y0, double x1, double y1, const CRect& r, int xType, int yType, int pen,
                  int color);
     // A copy has axes and contents of its own; contents are copied as zel::DeepCopy does. Throws
-    // CArchiveException* for a content of a class that cannot be stored.
+    // zel::FormatError for a content of a class that cannot be stored.
     Zel2CoordSys(const Zel2CoordSys& other);
     Zel2CoordSys& operator=(const Zel2CoordSys& other);
     ~Zel2CoordSys() override;

@@ -1,10 +1,13 @@
 // Drawings as files of other programs.
 #pragma once
 
+#include <zel/Error.h>
 #include <zel/Zel2Main.h>
+#include <zel/platform/FileFormat.h>
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace zel {
 
@@ -31,12 +34,21 @@ struct ExportOptions {
 // Sets a paper by its name ("A5" to "A2", "letter", "legal"), upright or lying; false for an unknown name.
 bool SetPaper(ExportOptions& options, const std::string& name, bool landscape);
 
-// Writes `drawing` into the file `path`, in the format of its ending: .png, .jpg, .pdf, .svg, .wmf (with the
-// published placeable header). The file is written beside `path` and renamed over it when it is complete. The
+// The formats that Export writes: those of the installed back end (PDF, PNG, JPEG, SVG with zel::qt), Windows
+// metafiles, which need no device, and those that the program has added.
+std::vector<FileFormat> ExportFormats();
+// Adds a format, which from then on stands for its endings. Call before drawing begins and from one thread
+// only. Throws Error for a format without an ending or a device.
+void AddExportFormat(FileFormat format);
+// The format of the ending of `path`. Throws Error that names the known ones when there is none.
+FileFormat ExportFormatOf(const std::string& path);
+
+// Writes `drawing` into the file `path`, in the format of its ending (see ExportFormats); .wmf with the
+// published placeable header. The file is written beside `path` and renamed over it when it is complete. The
 // drawing's mapping and window are as before afterwards.
 //
-// Throws CFileException* when the file cannot be written, CNotSupportedException* for an ending that is not
-// known or a back end that is not installed, CInvalidArgException* for a drawing without a size.
+// Throws FileError when the file cannot be written, Error for an ending that is not known, a back end that is
+// not installed, or a drawing without a size.
 void Export(Zel2Main& drawing, const char* path, const ExportOptions& options = {});
 
 // Told after each page: how many of how many pages are written. An answer of false stops the export.
@@ -44,9 +56,9 @@ using ExportProgress = std::function<bool(int done, int pages)>;
 
 // Writes a drawing of several pages: `select(k)` makes it show page `k`, from 0, and each page is drawn when
 // its turn comes. A PDF file holds them all and is there only when all are written. Other formats take one
-// file a page, the number put before the ending ("report-07.png"), each written whole. Answers false when
-// `progress` has asked to stop: the files written so far are removed then. Throws as Export does, and
-// CInvalidArgException* when there are no pages.
+// file a page, the number put before the ending ("report-07.png"), each written whole. Returns false when
+// `progress` has asked to stop: the files written so far are removed then. Throws as Export does, and Error
+// when there are no pages.
 bool ExportPages(Zel2Main& drawing, int pages, const std::function<void(int)>& select, const char* path,
                  const ExportOptions& options = {}, const ExportProgress& progress = {});
 

@@ -106,7 +106,27 @@ char32_t Familiar(char32_t c) {
 struct Choice {
     unsigned char charSet;
     char byte;
+    bool raised = false;
 };
+
+// Raised digits and signs. The Western set has three of them, which stay with others beside them.
+std::optional<Choice> Raised(char32_t c, bool afterRaised) {
+    switch (c) {
+        case 0xB9:
+            return afterRaised ? std::optional<Choice>({0, '1', true}) : std::nullopt;
+        case 0xB2:
+        case 0xB3:
+            return afterRaised ? std::optional<Choice>({0, static_cast<char>('0' + (c - 0xB0)), true})
+                               : std::nullopt;
+        case 0x207A:
+            return Choice{0, '+', true};
+        case 0x207B:
+            return Choice{0, '-', true};
+        default:
+            if (c != 0x2070 && (c < 0x2074 || c > 0x2079)) return std::nullopt;
+            return Choice{0, static_cast<char>('0' + (c - 0x2070)), true};
+    }
+}
 
 std::optional<Choice> In(std::size_t set, char32_t c) {
     const std::optional<char> byte = PageOf(set).ByteOf(c);
@@ -152,7 +172,8 @@ std::vector<EncodedText> EncodeForCharSets(std::string_view text) {
         const std::size_t begin = at;
         const char32_t c = Familiar(NextCodePoint(text, at));
         if (c < 0x20) continue;
-        std::optional<Choice> choice = Encoded(c, pieces.empty() ? 0 : pieces.back().charSet);
+        std::optional<Choice> choice = Raised(c, !pieces.empty() && pieces.back().raised);
+        if (!choice) choice = Encoded(c, pieces.empty() ? 0 : pieces.back().charSet);
         const bool inPlace =
             choice && (!IsMark(c) || (!pieces.empty() && choice->charSet == pieces.back().charSet));
         if (IsMark(c) && !pieces.empty() && !inPlace) continue;
@@ -160,8 +181,9 @@ std::vector<EncodedText> EncodeForCharSets(std::string_view text) {
             WarnOf(c);
             choice = Choice{0, '?'};
         }
-        if (pieces.empty() || pieces.back().charSet != choice->charSet)
-            pieces.push_back({"", choice->charSet, choice->charSet == kSymbol, begin});
+        if (pieces.empty() || pieces.back().charSet != choice->charSet ||
+            pieces.back().raised != choice->raised)
+            pieces.push_back({"", choice->charSet, choice->charSet == kSymbol, choice->raised, begin});
         pieces.back().bytes += choice->byte;
     }
     return pieces;

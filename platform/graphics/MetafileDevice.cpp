@@ -280,6 +280,11 @@ void MetafileDevice::SelectBrush(const LOGBRUSH& brush) {
 void MetafileDevice::SelectFont(LOGFONT font, const EncodedText& text) {
     if (text.charSet != 0) font.lfCharSet = text.charSet;
     if (text.symbol) std::strcpy(font.lfFaceName, "Symbol");
+    if (text.raised) {
+        // Places are those of the tops of lines, so smaller letters stand high.
+        font.lfHeight = font.lfHeight * 3 / 5;
+        font.lfWidth = font.lfWidth * 3 / 5;
+    }
     Words words{Word(font.lfHeight), Word(font.lfWidth), Word(font.lfEscapement), Word(font.lfOrientation),
                 Word(font.lfWeight)};
     std::string bytes(reinterpret_cast<const char*>(&font.lfItalic), 8);

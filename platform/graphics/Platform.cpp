@@ -2,12 +2,28 @@
 #include <zel/platform/MetricsDevice.h>
 #include <zel/platform/Platform.h>
 
+#include <utility>
+
 namespace zel {
 namespace {
 
 std::unique_ptr<Platform>& Installed() {
     static std::unique_ptr<Platform> platform = std::make_unique<Platform>();
     return platform;
+}
+
+FileFormat FormatFor(Platform& platform, const FileDeviceOptions& options) {
+    const std::string attempt = "Cannot write \"" + options.path + "\": ";
+    std::string known;
+    for (FileFormat& format : platform.FileFormats()) {
+        if (format.HasEnding(options.format)) return std::move(format);
+        known += (known.empty() ? "" : ", ") + format.endings.front();
+    }
+    const std::string why =
+        known.empty()
+            ? "drawing ." + options.format + " files needs a back end such as zel::qt, and none is installed."
+            : "the format \"" + options.format + "\" is none of " + known + ".";
+    AfxThrowNotSupportedException((attempt + why).c_str());
 }
 
 }  // namespace
@@ -26,14 +42,12 @@ std::unique_ptr<GraphicsDevice> Platform::CreateScreenCompatibleDevice() {
     return std::make_unique<MetricsDevice>();
 }
 
-double Platform::UnitsPerInch(const FileDeviceOptions& options) {
-    return options.dotsPerInch;
+std::unique_ptr<DocumentDevice> Platform::CreateFileDevice(const FileDeviceOptions& options) {
+    return FormatFor(*this, options).create(options);
 }
 
-std::unique_ptr<DocumentDevice> Platform::CreateFileDevice(const FileDeviceOptions& options) {
-    AfxThrowNotSupportedException(("Cannot write \"" + options.path + "\": drawing ." + options.format +
-                                   " files needs a back end such as zel::qt, and none is installed.")
-                                      .c_str());
+double Platform::UnitsPerInch(const FileDeviceOptions& options) {
+    return FormatFor(*this, options).unitsPerInch(options);
 }
 
 }  // namespace zel

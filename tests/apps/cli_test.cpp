@@ -86,6 +86,23 @@ TEST_F(Program, ReadsAwkwardCsv) {
     EXPECT_EQ(y.At(3), -1000);
 }
 
+TEST_F(Program, ReadsTablesOfOtherForms) {
+    const std::string csv = Csv("Messung vom Montag\nZeit;Wert;Ort\n15.01.2020;1,5;Ulm\n16.01.2020;x;Bonn\n");
+    const auto described = Run("describe - < " + csv);
+    EXPECT_THAT(described.text, AllOf(HasSubstr("2 rows of 3 columns"), HasSubstr("delimiter ;"),
+                                      HasSubstr("decimal sign ,"), HasSubstr("1 lines above"),
+                                      HasSubstr("15 Jan 2020 to 16 Jan 2020"), HasSubstr("\"x\" in row 2")));
+    EXPECT_EQ(Run("plot " + csv + " --x Zeit --y Wert -o " + (folder_ / "a.zel")).code, 0);
+    EXPECT_EQ(LastLayer(folder_ / "a.zel")->Y().At(0), 1.5);
+    EXPECT_THAT(Run("plot " + csv + " --x Zeit --y Ort -o " + (folder_ / "a.zel")).text,
+                HasSubstr("no numbers"));
+    EXPECT_EQ(Run("plot " + csv + " --delimiter . --no-header --skip 2 --decimal . --x 1 --y 2 -o " +
+                  (folder_ / "a.zel"))
+                  .code,
+              0)
+        << "what is given is not found out";
+}
+
 TEST_F(Program, ReadsDatesAsTimes) {
     const std::string csv =
         Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");

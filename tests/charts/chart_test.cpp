@@ -62,6 +62,29 @@ TEST_F(Chart, lines_go_through_the_places_of_their_values) {
     EXPECT_NE(drawn.find(at(0, 0) + " " + at(0.5, 1) + " " + at(1, 0.5)), std::string::npos) << drawn;
 }
 
+TEST_F(Chart, shows_points_without_a_neighbour) {
+    const double none = std::nan("");
+    const auto drawn = [&] {
+        const std::string text = Draw();
+        std::size_t count = 0;
+        for (std::size_t at = text.find("polyline"); at != std::string::npos;
+             at = text.find("polyline", at + 1))
+            ++count;
+        return count;
+    };
+    chart->SetLegend(zel::LegendPlace::NONE);
+    chart->X().SetRange(-1, 10);
+    chart->Y().SetRange(0, 10);
+    const auto lines = [&](const std::vector<double>& y) {
+        const std::size_t without = drawn();
+        chart->AddLine(Count(static_cast<int>(y.size())), y);
+        return drawn() - without;
+    };
+    EXPECT_EQ(lines({1, 2, 3}), 1U);
+    EXPECT_EQ(lines({none, 5, none}), 2U) << "both strokes of a cross";
+    EXPECT_EQ(lines({5, none, 1, 2, none, 3}), 5U);
+}
+
 TEST_F(Chart, says_what_it_cannot_draw) {
     EXPECT_NE(Notes().find("no data"), std::string::npos);
     chart->AddLine(Count(4), std::vector<double>{0, -1, 10, 100});

@@ -146,8 +146,8 @@ TEST_F(Format, IsShownOfBrokenDocuments) {
         std::ostringstream out;
         try {
             zel::cli::PrintDump((folder / "broken.zel").c_str(), out);
-        } catch (CArchiveException* e) {
-            out << zel::TakeMessage(e);
+        } catch (const zel::FormatError& e) {
+            out << e.what();
         }
         return out.str();
     };

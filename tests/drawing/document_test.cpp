@@ -96,7 +96,7 @@ TEST(Document, RefusesEveryDamage) {
     zel::SaveDocument(*drawing, path.c_str());
     const std::string whole = Content(path);
     const auto messageOf = [](const std::string& bytes) {
-        return MessageOf<CArchiveException>([&] { zel::LoadDocument(bytes.data(), bytes.size(), "a.zel"); });
+        return MessageOf<zel::FormatError>([&] { zel::LoadDocument(bytes.data(), bytes.size(), "a.zel"); });
     };
     for (std::size_t at = 0; at < whole.size(); at += at < 64 ? 1 : 37) {
         std::string flipped = whole;
@@ -122,7 +122,7 @@ TEST(Document, RefusesEveryDamage) {
                                                        testing::HasSubstr("dialect 2")))
             << at;
     }
-    EXPECT_THAT(MessageOf<CFileException>([&] { zel::LoadDocument("/no/such.zel"); }),
+    EXPECT_THAT(MessageOf<zel::FileError>([&] { zel::LoadDocument("/no/such.zel"); }),
                 testing::HasSubstr("/no/such.zel"));
 }
 
@@ -229,7 +229,7 @@ TEST(Document, TellsWhatIsReadWithItsPlace) {
     EXPECT_THAT(whole.told, testing::HasSubstr(":0.5/4 } "));
     std::filesystem::resize_file(path, 40 + 76);
     Listener broken;
-    EXPECT_THAT(MessageOf<CArchiveException>([&] { zel::TraceDrawing(path.c_str(), broken); }),
+    EXPECT_THAT(MessageOf<zel::FormatError>([&] { zel::TraceDrawing(path.c_str(), broken); }),
                 testing::HasSubstr("Zel2Text"));
     EXPECT_THAT(broken.told, testing::EndsWith("69:0/4 ")) << "as far as it goes";
 }

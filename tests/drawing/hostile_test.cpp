@@ -131,7 +131,7 @@ TEST(Saved, IsReadAgain) {
     for (int depth = 480; depth < 520; ++depth) {
         const auto drawing = Nested(depth);
         const std::string refusal =
-            zel::test::MessageOf<CArchiveException>([&] { zel::SaveDocument(*drawing, path.c_str()); });
+            zel::test::MessageOf<zel::FormatError>([&] { zel::SaveDocument(*drawing, path.c_str()); });
         if (refusal.empty()) {
             ++saved;
             zel::LoadDocument(path.c_str());

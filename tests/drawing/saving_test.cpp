@@ -109,7 +109,7 @@ TEST_F(Saving, SurvivesAFullDisk) {
         std::string message;
         {
             const zel::test::FullDisk disk(room);
-            message = MessageOf<CFileException>([&] { zel::SaveDocument(changed_, path_.c_str()); });
+            message = MessageOf<zel::FileError>([&] { zel::SaveDocument(changed_, path_.c_str()); });
         }
         EXPECT_THAT(message, testing::HasSubstr("\"" + path_ + "\"")) << room << ": not the file beside it";
         EXPECT_EQ(Content(path_), before_) << room;

@@ -100,6 +100,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
             Archive(content, bytes[0]);
     } catch (CException* e) {
         e->Delete();
+    } catch (const zel::Error&) {
+        return 0;
     }
     return 0;
 }

@@ -1,5 +1,5 @@
 #include "Support.h"
-#include "graphs/Labels.h"
+#include "scales/Labels.h"
 
 #include <zel/platform/RecordingDevice.h>
 #include <zel/zel.h>

@@ -1,11 +1,11 @@
 // A program outside the library's tree: a parabola as a picture.
 #include <zel/odbc/Install.h>
-#include <zel/platform/Exception.h>
 #include <zel/qt/Install.h>
 #include <zel/sqlite/Install.h>
 #include <zel/zel.h>
 
 #include <cstdio>
+#include <exception>
 
 int main(int argc, char** argv) {
     if (argc != 2) return 2;
@@ -23,8 +23,8 @@ int main(int argc, char** argv) {
         points->SetPen(root.RegisterPen("parabola", DrawPen::SOLID, 4, RGB(200, 0, 0), 0, nullptr));
         graph->AddIn(points);
         zel::Export(root, argv[1]);
-    } catch (CException* e) {
-        std::fprintf(stderr, "%s\n", zel::TakeMessage(e).c_str());
+    } catch (const std::exception& e) {
+        std::fprintf(stderr, "%s\n", e.what());
         return 1;
     }
     return 0;

@@ -1,30 +1,15 @@
 // What a program installs so that the library can open windows, images and pages.
 #pragma once
 
+#include <zel/platform/FileFormat.h>
 #include <zel/platform/GraphicsDevice.h>
 
 #include <memory>
-#include <string>
+#include <vector>
 
 namespace zel {
 
 class WindowSystem;
-
-// A file that a back end is asked to draw. Lengths are inches on the paper or image.
-struct FileDeviceOptions {
-    std::string path;    // where the finished file goes
-    std::string format;  // lower case: "png", "jpg", "pdf", "svg"
-    double width = 0;    // of the whole page or image
-    double height = 0;
-    double dotsPerInch = 96;  // pixels per inch of an image; other formats ignore it
-    double unitsPerInch = 0;  // device units that the device reports per inch; 0: the format's own choice
-    bool opaqueBackground = true;
-    COLORREF background = RGB(255, 255, 255);
-    int quality = 90;   // of a JPEG, 0 to 100
-    std::string title;  // document title, for formats that keep one
-    // Formats of vectors leave out points of lines that make no difference at the device's resolution.
-    bool keepAllPoints = false;
-};
 
 // Makes devices (and, with the window layer, windows). The base class is what a program without a back end
 // has: measuring works with built-in font metrics, files and windows do not.
@@ -42,14 +27,15 @@ class Platform {
     // for contexts "compatible with the screen".
     virtual std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice();
 
-    // The device units in an inch of paper or image that a device for `options` has, before unitsPerInch of
-    // the options changes what it reports.
-    virtual double UnitsPerInch(const FileDeviceOptions& options);
+    // The formats of the files that the platform draws; none without a back end.
+    virtual std::vector<FileFormat> FileFormats() { return {}; }
 
-    // A device that draws the file described by `options`; nothing is written before its Finish().
-    // Throws CNotSupportedException* naming the missing back end, or CFileException* when the path is
-    // unusable.
-    virtual std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options);
+    // A device of the format that `options` names; nothing is written before its Finish().
+    // Throws CNotSupportedException* naming the missing back end or the formats that there are, or
+    // CFileException* when the path is unusable.
+    std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options);
+    // The device units in an inch that this device has; see FileFormat. Throws CNotSupportedException*.
+    double UnitsPerInch(const FileDeviceOptions& options);
 
     // Where windows come from (borrowed); null where there are none.
     virtual WindowSystem* Windows() { return nullptr; }

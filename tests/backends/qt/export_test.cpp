@@ -135,14 +135,33 @@ TEST_F(Files, PrinterToolsComeFromPrinting) {
 TEST_F(Files, FailWholeAndWithAReason) {
     const std::string path = folder_ / "old.png";
     std::ofstream(path) << "old";
-    EXPECT_THAT(MessageOf<CFileException>([&] { zel::Export(root_, "/no/such/folder/a.png"); }),
+    EXPECT_THAT(MessageOf<zel::FileError>([&] { zel::Export(root_, "/no/such/folder/a.png"); }),
                 testing::HasSubstr("/no/such/folder/a.png"));
-    EXPECT_THAT(MessageOf<CFileException>([&] { zel::Export(root_, "/no/such/folder/a.pdf"); }),
+    EXPECT_THAT(MessageOf<zel::FileError>([&] { zel::Export(root_, "/no/such/folder/a.pdf"); }),
                 testing::HasSubstr("No such file"));
-    EXPECT_THAT(MessageOf<CNotSupportedException>([&] { zel::Export(root_, (folder_ / "a.xyz").c_str()); }),
-                testing::HasSubstr("png, jpg, pdf, svg"));
+    EXPECT_THAT(MessageOf<zel::Error>([&] { zel::Export(root_, (folder_ / "a.xyz").c_str()); }),
+                testing::HasSubstr(".pdf .png .jpg .svg .wmf"));
     EXPECT_EQ(Content(path), "old");
     EXPECT_EQ(folder_.FileCount(), 1U) << "no temporary file stays";
+}
+
+TEST_F(Files, ProgramsAddFormats) {
+    zel::FileFormat thumbnail = zel::ExportFormatOf("a.PNG");
+    const auto png = thumbnail.create;
+    thumbnail.endings = {"thumb", "tmb"};
+    thumbnail.create = [png](zel::FileDeviceOptions options) {
+        options.format = "png";
+        return png(options);
+    };
+    zel::AddExportFormat(thumbnail);
+    EXPECT_EQ(Content(Written("a.tmb")), Content(Written("a.png")));
+    EXPECT_THAT(zel::ExportFormats().back().endings, testing::ElementsAre("thumb", "tmb"));
+    thumbnail.endings = {"tmb"};
+    thumbnail.name = "later";
+    zel::AddExportFormat(thumbnail);
+    EXPECT_EQ(zel::ExportFormatOf("x.tmb").name, "later") << "the last one stands for its endings";
+    EXPECT_THAT(MessageOf<zel::Error>([] { zel::AddExportFormat({.endings = {"x"}, .name = "none"}); }),
+                testing::HasSubstr("none"));
 }
 
 TEST_F(Files, KeepTheOldOneWhenTheDiskIsFull) {
@@ -159,7 +178,7 @@ TEST_F(Files, KeepTheOldOneWhenTheDiskIsFull) {
             std::string message;
             {
                 const zel::test::FullDisk full(room);
-                message = MessageOf<CFileException>([&] { zel::Export(root_, path.c_str()); });
+                message = MessageOf<zel::FileError>([&] { zel::Export(root_, path.c_str()); });
             }
             EXPECT_THAT(message, testing::AllOf(testing::HasSubstr(name), testing::HasSubstr("too large")))
                 << name << " in " << room;
@@ -435,7 +454,7 @@ TEST_F(Files, WriteReportsPageByPage) {
     small.dotsPerInch = 20;
     EXPECT_TRUE(zel::ExportReport(drawing, *report, (folder_ / "p.png").c_str(), small));
     EXPECT_EQ(QImage(QString::fromStdString(folder_ / "p-7.png")).size(), QSize(165, 234));
-    EXPECT_THAT(MessageOf<CInvalidArgException>([&] {
+    EXPECT_THAT(MessageOf<zel::Error>([&] {
                     zel::ExportPages(
                         drawing, 0, [](int) {}, "x.pdf");
                 }),

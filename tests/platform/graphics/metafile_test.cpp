@@ -269,6 +269,19 @@ TEST(Metafile, WritesEachAlphabetInItsCharacterSet) {
                                      Record{kExtTextOut, {5, 19, 1, 0, 0xE6, 11}},
                                      Record{kExtTextOut, {5, 30, 1, 0, 0xD6, 12}},
                                      Record{kExtTextOut, {5, 42, 1, 0, 'y', 1024}}));
+    // Exponents are smaller letters at the height of the line's top.
+    const auto raised = RecordsOf(Recorded([](CDC& dc) {
+        const zel::TextSpan power[] = {
+            {"x", {0, 5}}, {"\u207B", {9, 5}}, {"\u00B9", {12, 5}}, {"\u2074", {15, 5}}};
+        dc.TextRun(power);
+    }));
+    const auto fonts = Only(raised, {kCreateFont});
+    ASSERT_EQ(fonts.size(), 2U);
+    EXPECT_EQ(fonts[1].words[0], fonts[0].words[0] * 3 / 5);
+    const auto texts = Only(raised, {kExtTextOut});
+    ASSERT_EQ(texts.size(), 2U);
+    EXPECT_EQ(texts[1].words[4], '-' | '1' << 8);
+    EXPECT_EQ(texts[1].words[5], '4');
     // Players order Hebrew by themselves (code page 1255), and draw the lines under blanks.
     const auto others = RecordsOf(Recorded([](CDC& dc) {
         const zel::TextSpan hebrew[] = {{"\u05E9", {0, 5}}, {"\u05DC", {9, 5}}};

@@ -1,4 +1,4 @@
-#include "graphs/Labels.h"
+#include "scales/Labels.h"
 
 #include <algorithm>
 #include <charconv>
