@@ -63,8 +63,8 @@ class Column {
     static Column TimesView(std::span<const std::int64_t> ticks, std::int64_t perSecond,
                             std::ptrdiff_t stride = sizeof(std::int64_t));
 
-    // Texts by the index of each among `names`, which are different from each other; below 0 for an absent one.
-    // Throws zel::Error for an index that no name has.
+    // Texts by the index of each among `names`, which are different from each other; below 0 for an absent
+    // one. Throws zel::Error for an index that no name has.
     static Column Texts(const std::vector<std::int32_t>& codes, std::vector<std::string> names);
 
     Kind GetKind() const { return kind_; }
