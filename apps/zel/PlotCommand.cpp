@@ -119,7 +119,7 @@ void Plot(PlotChoice& choice) {
     if (figure.xTitle.empty() && !ofDates && !choice.x.empty())
         figure.xTitle = choice.table.IsGiven() ? series.front().x.Name() : ColumnTitle(choice.x);
     if (figure.kind == FigureKind::HISTOGRAM) {
-        if (choice.ys.size() == 1) figure.xTitle = series.front().y.Name();
+        if (figure.xTitle.empty() && choice.ys.size() == 1) figure.xTitle = series.front().y.Name();
     } else if (figure.yTitle.empty() && choice.ys.size() == 1) {
         figure.yTitle = series.front().y.IsEmpty() ? series.front().name : series.front().y.Name();
     }
