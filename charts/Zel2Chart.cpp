@@ -2,6 +2,7 @@
 #include "charts/ChartLayouter.h"
 #include "charts/ChartPainter.h"
 #include "charts/FreeSpace.h"
+#include "charts/LayoutFonts.h"
 #include "charts/Palette.h"
 #include "charts/TextRuler.h"
 #include "core/ArchiveFields.h"
@@ -24,7 +25,7 @@ IMPLEMENT_SERIAL(Zel2Chart, Zel2Set, 0)
 
 namespace {
 
-constexpr COLORREF kInk = RGB(38, 38, 38), kQuiet = RGB(105, 105, 105), kFaint = RGB(185, 185, 185);
+constexpr COLORREF kQuiet = RGB(105, 105, 105), kFaint = RGB(185, 185, 185);
 constexpr COLORREF kAxisLine = RGB(120, 120, 120), kGridLine = RGB(226, 226, 226),
                    kMinorLine = RGB(240, 240, 240);
 constexpr int kCorners = 4;
@@ -179,13 +180,41 @@ Zel2BubbleLayer* Zel2Chart::AddBubbles(zel::Column x, zel::Column y, const zel::
     return AddLayer(std::make_unique<Zel2BubbleLayer>(std::move(x), std::move(y), options));
 }
 
+Zel2DensityLayer* Zel2Chart::AddDensity(zel::Column x, zel::Column y, const zel::DensityOptions& options) {
+    return AddLayer(std::make_unique<Zel2DensityLayer>(std::move(x), std::move(y), options));
+}
+
 Zel2TextLayer* Zel2Chart::AddTexts(zel::Column x, zel::Column y, zel::Column texts,
                                    const zel::TextOptions& options) {
     return AddLayer(std::make_unique<Zel2TextLayer>(std::move(x), std::move(y), std::move(texts), options));
 }
 
+Zel2RuleLayer* Zel2Chart::AddRuleAtX(double value, const zel::RuleOptions& options) {
+    return AddLayer(std::make_unique<Zel2RuleLayer>(zel::AxisRange::Coordinate::X, value, options));
+}
+
+Zel2RuleLayer* Zel2Chart::AddRuleAtY(double value, const zel::RuleOptions& options) {
+    return AddLayer(std::make_unique<Zel2RuleLayer>(zel::AxisRange::Coordinate::Y, value, options));
+}
+
+Zel2RuleLayer* Zel2Chart::AddSlope(double intercept, double slope, const zel::RuleOptions& options) {
+    return AddLayer(std::make_unique<Zel2RuleLayer>(intercept, slope, options));
+}
+
+Zel2SpanLayer* Zel2Chart::AddSpanAlongX(double from, double to, const zel::SpanOptions& options) {
+    return AddLayer(std::make_unique<Zel2SpanLayer>(zel::AxisRange::Coordinate::X, from, to, options));
+}
+
+Zel2SpanLayer* Zel2Chart::AddSpanAlongY(double from, double to, const zel::SpanOptions& options) {
+    return AddLayer(std::make_unique<Zel2SpanLayer>(zel::AxisRange::Coordinate::Y, from, to, options));
+}
+
+Zel2NoteLayer* Zel2Chart::AddNote(double x, double y, std::string text, const zel::NoteOptions& options) {
+    return AddLayer(std::make_unique<Zel2NoteLayer>(x, y, std::move(text), options));
+}
+
 int Zel2Chart::TextFont() {
-    return FontFor("Chart Text", 1, false, kInk);
+    return FontFor("Chart Text", 1, false, zel::kInk);
 }
 
 int Zel2Chart::LightTextFont() {
@@ -234,23 +263,14 @@ void Zel2Chart::OnLeave(Zel2* object) {
 
 // Tools
 
-// A font of the chart's own size and face has a name that says so: two charts of one drawing may differ.
 int Zel2Chart::FontFor(const char* name, double factor, bool bold, COLORREF color) {
-    const zel::ChartOptions usual;
-    std::string full = name;
-    if (fontSize_ != usual.fontSize || fontFace_ != usual.fontFace)
-        full += " " + fontFace_ + " " + std::to_string(std::lround(fontSize_ * 10));
-    const int known = GetFontIndex(full.c_str());
-    if (known >= 0) return known;
-    return RegisterFont(full.c_str(), fontFace_.c_str(),
-                        static_cast<int>(std::lround(fontSize_ * factor * 10)), bold ? 1 : 0, 0, 0, 0, color,
-                        color);
+    return zel::RegisterLayoutFont(*this, name, fontFace_, fontSize_, factor, bold, color);
 }
 
 zel::ChartFonts Zel2Chart::RegisterFonts() {
-    return {FontFor("Chart Title", 1.4, true, kInk), FontFor("Chart Subtitle", 1.1, false, kQuiet),
-            FontFor("Chart Caption", 0.85, false, kQuiet), FontFor("Chart Text", 1, false, kInk),
-            FontFor("Chart Axis Title", 1.05, false, kInk)};
+    return {FontFor("Chart Title", 1.4, true, zel::kInk), FontFor("Chart Subtitle", 1.1, false, kQuiet),
+            FontFor("Chart Caption", 0.85, false, kQuiet), FontFor("Chart Text", 1, false, zel::kInk),
+            FontFor("Chart Axis Title", 1.05, false, zel::kInk)};
 }
 
 void Zel2Chart::RegisterTools() {
@@ -269,7 +289,7 @@ int Zel2Chart::PaletteEntryOf(const Zel2Layer& layer) {
     int entry = 0;
     for (const Zel2Layer* other : Layers()) {
         if (other == &layer) return entry;
-        ++entry;
+        if (other->TakesPaletteEntry()) ++entry;
     }
     return 0;
 }
@@ -283,10 +303,7 @@ int Zel2Chart::PalettePen(int entry) {
 }
 
 int Zel2Chart::PaletteColor(int entry) {
-    const std::string name = "Palette " + std::to_string(entry % zel::kPaletteSize + 1);
-    const int known = GetColorIndex(name.c_str());
-    const COLORREF color = zel::PaletteColor(entry);
-    return known >= 0 ? known : RegisterColor(name.c_str(), color, color);
+    return zel::RegisterPaletteColor(*this, entry);
 }
 
 // Ranges and layout

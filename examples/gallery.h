@@ -20,6 +20,12 @@ std::vector<Example> ChartPictures();
 std::vector<Example> LookPictures();  // part of those
 std::vector<Example> AllExamples();
 
+// Whether a drawing begins with a chart or a pie, which classic archives cannot hold.
+inline bool IsChart(Zel2Main& drawing) {
+    Zel2* const first = drawing.GetCount() > 0 ? drawing[0] : nullptr;
+    return dynamic_cast<Zel2Chart*>(first) || dynamic_cast<Zel2Pie*>(first);
+}
+
 // The numbers of a column; times become decimal years.
 std::vector<double> ValuesOf(const zel::Column& column);
 // The day of a time in a row of a column.

@@ -219,6 +219,34 @@ std::unique_ptr<Zel2Main> MakeTextChart(const std::string&) {
     return std::move(drawing.root);
 }
 
+std::unique_ptr<Zel2Main> MakeNoteChart(const std::string& folder) {
+    const auto table = zel::tables::Table::Read(folder + "/global-temp.csv");
+    const Column& year = table["year"];
+    const Column& departure = table["temp"];
+    std::size_t warmest = 0;
+    for (std::size_t i = 0; i < departure.Size(); ++i)
+        if (departure.At(i) > departure.At(warmest)) warmest = i;
+    Drawing drawing({.title = "Departure from the mean temperature", .size = {160, 80}});
+    Zel2Chart& chart = *drawing.chart;
+    chart.Y().SetUnit("°C");
+    chart.AddSpanAlongX(1951, 1980);
+    chart.AddRuleAtY(0, {{}, "mean of 1951 to 1980"});
+    chart.AddLine(year, departure, {{.name = ""}})->SetName("");
+    chart.AddNote(1965, 0.9, "reference period");
+    chart.AddNote(year.At(warmest), departure.At(warmest), "warmest year", {{}, -14, -4});
+    return std::move(drawing.root);
+}
+
+std::unique_ptr<Zel2Main> MakePie(const std::string& folder) {
+    const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
+    auto root = std::make_unique<Zel2Main>();
+    root->SetRules(ZelRules::EXACT);
+    zel::PieOptions options{.title = "Days of each kind of weather"};
+    options.hole = 0.55;
+    root->Add(std::make_unique<Zel2Pie>(table["weather"], std::vector<double>(table.RowCount(), 1), options));
+    return root;
+}
+
 }  // namespace
 
 std::vector<Example> LookPictures() {
@@ -231,5 +259,7 @@ std::vector<Example> LookPictures() {
             {"chart-heat", MakeHeatChart},
             {"chart-diverging", MakeDivergingChart},
             {"chart-bubbles", MakeBubbleChart},
-            {"chart-texts", MakeTextChart}};
+            {"chart-texts", MakeTextChart},
+            {"chart-notes", MakeNoteChart},
+            {"chart-pie", MakePie}};
 }

@@ -18,7 +18,7 @@ OWNED = {
     "drawing": "Zel2Main Zel2Tools ZelDocument ZelExport",
     "layout": "Zel2Column Zel2DataField Zel2Edit Zel2Rect Zel2Report Zel2Row Zel2TRect Zel2Table Zel2Text Zel2TextColumn Zel2TextTable ZelReportExport",
     "graphs": "Zel2Axis Zel2CoordSys Zel2Graph Zel2GraphTable Zel2HAxis Zel2PointRing Zel2PointSet Zel2PointView Zel2Pol Zel2StackGraph",
-    "charts": "ChartAxis ChartBars ChartLayers ChartMaps ChartOptions ChartSpreads ColorKey ColorMap Zel2Chart Zel2Layer",
+    "charts": "ChartAxis ChartBars ChartLayers ChartMaps ChartNotes ChartOptions ChartSpreads ColorKey ColorMap Zel2Chart Zel2Layer Zel2Pie",
     "database": "DBField Zel2DaoPointSet",
     "views": "ToolDialogs XColorDialog ZelView ZelViewer",
 }

@@ -41,6 +41,7 @@ class RandomDrawing {
         if (Below(4) == 0) root->Map()->SetAbsoluteZoom(1 + Below(4), 1 + Below(4));
         Fill(*root, 3);
         if (charts_ == Charts::WITH) AddChart(*root);
+        if (charts_ == Charts::WITH && Below(3) == 0) AddPie(*root);
         return root;
     }
 
@@ -221,6 +222,14 @@ class RandomDrawing {
         format.percent = Below(5) == 0;
         axis.SetFormat(format);
     }
+    void AddPie(Zel2Set& set) {
+        zel::PieOptions options{.title = Below(2) ? "Pie" : ""};
+        options.size = {20.0 + Below(100), 20.0 + Below(80)};
+        options.hole = Below(3) / 2.0;
+        options.least = Below(4) / 10.0;
+        options.shares = Below(2) != 0;
+        set.Add(std::make_unique<Zel2Pie>(Data(), Numbers(), options));
+    }
     void AddChart(Zel2Set& set) {
         zel::ChartOptions options{
             .title = Below(2) ? "Title" : "", .subtitle = "below it", .caption = Below(2) ? "source" : ""};
@@ -235,7 +244,7 @@ class RandomDrawing {
             zel::LayerOptions layer{.name = Below(2) ? "layer " + std::to_string(i) : "",
                                     .opacity = Below(5) / 4.0};
             if (Below(2)) layer.color = zel::Color(static_cast<COLORREF>(Below(1 << 24)));
-            switch (Below(14)) {
+            switch (Below(19)) {
                 case 4:
                     Below(3) ? chart->AddBars(Data(), Data(), AnyBars(layer))
                              : chart->AddFloatingBars(Data(), Data(), Data(), AnyBars(layer));
@@ -256,6 +265,27 @@ class RandomDrawing {
                 case 11:
                     chart->AddTexts(Data(), Data(), std::vector<std::string>{"a", "longer text", ""},
                                     {layer});
+                    break;
+                case 16:
+                    chart->AddDensity(Data(), Data(),
+                                      {layer, static_cast<zel::ColorScheme>(Below(4)), Below(2) != 0});
+                    break;
+                case 12:
+                    Below(2)
+                        ? chart->AddRuleAtX(Below(90), {layer, Below(2) ? "label" : ""})
+                        : chart->AddRuleAtY(Below(90) - 20.0,
+                                            {layer, "", 1, static_cast<zel::Dash>(Below(5)), Below(2) != 0});
+                    break;
+                case 13:
+                    chart->AddSlope(Below(9), Below(9) - 4.5, {layer});
+                    break;
+                case 14:
+                    Below(2) ? chart->AddSpanAlongX(Below(50), 50, {layer, Below(3) / 2.0})
+                             : chart->AddSpanAlongY(-HUGE_VAL, Below(50), {layer});
+                    break;
+                case 15:
+                    chart->AddNote(Below(90), Below(90), Below(2) ? "note" : "two\nlines",
+                                   {layer, Below(40) - 20.0, Below(40) - 20.0, Below(2) != 0});
                     break;
                 case 9:
                     AddHeatMap(*chart, layer);

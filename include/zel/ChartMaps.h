@@ -1,6 +1,7 @@
 // The layers of charts that turn numbers into colours.
 #pragma once
 
+#include <zel/ChartLayers.h>
 #include <zel/ColorKey.h>
 #include <zel/Column.h>
 #include <zel/Zel2Layer.h>
@@ -69,4 +70,23 @@ class Zel2HeatLayer : public Zel2Layer {
     std::size_t withoutColor_ = 0;
     std::unique_ptr<zel::ScaleValues> onX_, onY_;
     std::unique_ptr<zel::CellPyramid> pyramid_;
+};
+
+// How many points lie in each pixel, as colours: from the fewest to the most by the logarithm of their
+// number. Pixels without points stay as they are. For more points than marks can show.
+class Zel2DensityLayer : public Zel2XYLayer {
+    DECLARE_SERIAL(Zel2DensityLayer)
+  public:
+    Zel2DensityLayer() = default;
+    Zel2DensityLayer(zel::Column x, zel::Column y, const zel::DensityOptions& options = {});
+
+    void DrawIn(const zel::LayerFrame& frame) override;
+    bool NeedsMargin() const override { return true; }
+    void DrawKey(const CRect& box) override;
+    void Serialize(CArchive& ar) override;
+
+  private:
+    zel::ColorScheme scheme_ = zel::ColorScheme::VIRIDIS;
+    bool reversed_ = false;
+    zel::ColorMap map_;
 };

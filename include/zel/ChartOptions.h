@@ -178,8 +178,30 @@ struct BubbleOptions : LayerOptions {
     ColorOptions colorMap{};
 };
 
+struct DensityOptions : LayerOptions {
+    ColorScheme scheme = ColorScheme::VIRIDIS;
+    bool reversed = false;
+};
+
 struct TextOptions : LayerOptions {
     double distance = 4;  // from the point to its text, points
+};
+
+// Reference lines, spans and notes are dark grey without a colour of their own.
+struct RuleOptions : LayerOptions {
+    std::string label{};  // at the end of the line
+    double width = 0.8;   // points
+    Dash dash = Dash::DASHED;
+    bool inRange = true;  // whether the range of the axis contains the value
+};
+
+struct SpanOptions : LayerOptions {
+    double tint = 0.15;  // how much of the opacity the span has, from 0 to 1
+};
+
+struct NoteOptions : LayerOptions {
+    double dx = 0, dy = 0;  // of the text from its place, millimetres to the right and upwards
+    bool arrow = true;      // from a text that was moved to its place
 };
 
 }  // namespace zel

@@ -63,8 +63,8 @@ class Column {
     static Column TimesView(std::span<const std::int64_t> ticks, std::int64_t perSecond,
                             std::ptrdiff_t stride = sizeof(std::int64_t));
 
-    // Texts by the index of each among `names`, which are different from each other; below 0 for an absent one.
-    // Throws zel::Error for an index that no name has.
+    // Texts by the index of each among `names`, which are different from each other; below 0 for an absent
+    // one. Throws zel::Error for an index that no name has.
     static Column Texts(const std::vector<std::int32_t>& codes, std::vector<std::string> names);
 
     Kind GetKind() const { return kind_; }
@@ -91,6 +91,10 @@ class Column {
         unit_ = std::move(unit);
         return *this;
     }
+
+    // A column of some rows, in the order of their indexes, with the same name and unit. It owns its data.
+    // Throws zel::Error for a row that does not exist.
+    Column Rows(std::span<const std::size_t> rows) const;
 
     // Stores or loads everything; borrowed rows are stored as well, and loaded ones are owned.
     void Serialize(CArchive& ar);

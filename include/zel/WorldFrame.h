@@ -30,9 +30,7 @@ struct WorldFrame {
     bool exact = false;
 
     // Each coordinate is truncated towards zero.
-    CPoint ToLogical(double x, double y) const {
-        return {zel::Truncate(XAt(x)), zel::Truncate(YAt(y))};
-    }
+    CPoint ToLogical(double x, double y) const { return {zel::Truncate(XAt(x)), zel::Truncate(YAt(y))}; }
     // One logical coordinate of a value, not truncated.
     double XAt(double x) const {
         return zel::PlaceAlong(x, xmin, xmax, lower.x, static_cast<double>(upper.x) - lower.x);

@@ -5,6 +5,7 @@
 #include <zel/ChartBars.h>
 #include <zel/ChartLayers.h>
 #include <zel/ChartMaps.h>
+#include <zel/ChartNotes.h>
 #include <zel/ChartOptions.h>
 #include <zel/ChartSpreads.h>
 #include <zel/Zel2Set.h>
@@ -84,9 +85,19 @@ class Zel2Chart : public Zel2Set {
                                     const zel::HeatMapOptions& options = {});
     // Points with size and colour by columns.
     Zel2BubbleLayer* AddBubbles(zel::Column x, zel::Column y, const zel::BubbleOptions& options = {});
+    // Counts of points in each pixel, as colours.
+    Zel2DensityLayer* AddDensity(zel::Column x, zel::Column y, const zel::DensityOptions& options = {});
     // A text beside each point.
     Zel2TextLayer* AddTexts(zel::Column x, zel::Column y, zel::Column texts,
                             const zel::TextOptions& options = {});
+    // A line at a value of x or of y; a line along y = intercept + slope x; the ground between two values; a
+    // text at a place. Times are seconds since 1970.
+    Zel2RuleLayer* AddRuleAtX(double value, const zel::RuleOptions& options = {});
+    Zel2RuleLayer* AddRuleAtY(double value, const zel::RuleOptions& options = {});
+    Zel2RuleLayer* AddSlope(double intercept, double slope, const zel::RuleOptions& options = {});
+    Zel2SpanLayer* AddSpanAlongX(double from, double to, const zel::SpanOptions& options = {});
+    Zel2SpanLayer* AddSpanAlongY(double from, double to, const zel::SpanOptions& options = {});
+    Zel2NoteLayer* AddNote(double x, double y, std::string text, const zel::NoteOptions& options = {});
     // A line along a series, which the chart owns; the host may keep the pointer to append points.
     template <class Series>
     Series* AddLine(std::unique_ptr<Series> series, const zel::LineOptions& options = {}) {

@@ -131,6 +131,8 @@ class Zel2Layer : public Zel2 {
     virtual void DrawKeyPart(std::size_t, const CRect&) {}
     // The least height of a line of the legend, world units.
     virtual int KeyHeight() const { return 0; }
+    // Whether the layer stands for a series, and takes the next entry of the palette.
+    virtual bool TakesPaletteEntry() const { return true; }
     // Registers the tools that it draws with, where it has not done so.
     virtual void SetDefaults() {}
     // The row nearest to a place in device pixels, within `reach`; the default finds none.

@@ -5,6 +5,7 @@
 #include <zel/ChartBars.h>
 #include <zel/ChartLayers.h>
 #include <zel/ChartMaps.h>
+#include <zel/ChartNotes.h>
 #include <zel/ChartOptions.h>
 #include <zel/ChartSpreads.h>
 #include <zel/ColorKey.h>
@@ -35,6 +36,7 @@
 #include <zel/Zel2HAxis.h>
 #include <zel/Zel2Layer.h>
 #include <zel/Zel2Main.h>
+#include <zel/Zel2Pie.h>
 #include <zel/Zel2PointRing.h>
 #include <zel/Zel2PointSet.h>
 #include <zel/Zel2PointView.h>

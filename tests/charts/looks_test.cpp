@@ -412,4 +412,59 @@ TEST_F(Looks, texts_at_points_give_way) {
     EXPECT_THROW(chart->AddTexts(Count(2), Count(2), Count(2)), zel::Error);
 }
 
+TEST_F(Looks, rules_spans_and_notes_stand_at_their_values) {
+    chart->AddSpanAlongX(2, HUGE_VAL, {{.color = RGB(255, 0, 0)}});
+    chart->AddRuleAtY(6, {{.color = RGB(0, 0, 255)}, "limit", 1, zel::Dash::SOLID});
+    chart->AddSlope(-4, 4, {{.color = RGB(0, 0, 255)}, "", 1, zel::Dash::SOLID});
+    chart->AddNote(1, 3, "here", {{}, 8, 4});
+    EXPECT_EQ(chart->ScaleOf(1).To(), 9) << "6 and a half of it, as one value has it";
+    chart->X().SetRange(0, 4);
+    chart->Y().SetRange(0, 8);
+    const std::string drawn = Draw();
+    ExpectFilled(kRed, {{0.5, 0, 1, 1}});
+    const auto line = [&](double x1, double y1, double x2, double y2) {
+        const CRect from = At({x1, y1, x1, y1}), to = At({x2, y2, x2, y2});
+        return "polyline " + std::to_string(from.left) + "," + std::to_string(from.top) + " " +
+               std::to_string(to.left) + "," + std::to_string(to.top) + "\n";
+    };
+    EXPECT_THAT(drawn, HasSubstr(line(0, 0.75, 1, 0.75)));
+    EXPECT_THAT(drawn, HasSubstr(line(0.25, 0, 0.75, 1))) << "cut by the plot area: 4 x - 4";
+    EXPECT_THAT(zel::test::Letters(drawn), HasSubstr("limit"));
+    EXPECT_THAT(zel::test::Letters(drawn), HasSubstr("here"));
+    chart->X().SetRange(2, 4);
+    EXPECT_THAT(zel::test::Letters(Draw()), testing::Not(HasSubstr("here"))) << "beyond the plot area";
+}
+
+// By hand: 0.6, 0.3, 0.04, 0.03 and 0.03 of 100.
+TEST(Pie, has_a_part_for_each_name) {
+    const std::vector<std::string> names{"a", "b", "c", "d", "e", "a", "f", ""};
+    zel::PieOptions options{.title = "Parts"};
+    options.least = 0.035;
+    Zel2Main root;
+    auto* pie =
+        root.Add(std::make_unique<Zel2Pie>(names, std::vector<double>{20, 30, 4, 3, 3, 40, -5, 9}, options));
+    const std::vector<Zel2Pie::Part> parts = pie->Parts();
+    ASSERT_EQ(parts.size(), 4U);
+    EXPECT_EQ(parts[0].name, "a");
+    EXPECT_DOUBLE_EQ(parts[0].share, 0.6);
+    EXPECT_EQ(parts[3].name, "other");
+    EXPECT_DOUBLE_EQ(parts[3].share, 0.06);
+    zel::RecordingDevice device;
+    CDC dc(device);
+    root.PrepareMappingFor(&dc, nullptr, 0, 0);
+    root.Draw(&dc);
+    const std::string letters = zel::test::Letters(device.Text());
+    EXPECT_THAT(letters, HasSubstr("a  60"));
+    EXPECT_THAT(letters, HasSubstr("other  6"));
+    EXPECT_THAT(pie->Notes(), ElementsAre(HasSubstr("leaves out 1 values")));
+    // A name for each of a hundred parts has no room.
+    std::vector<std::string> many;
+    for (int i = 0; i < 100; ++i) many.push_back("part " + std::to_string(i));
+    options.least = 0;
+    auto* crowded = root.Add(std::make_unique<Zel2Pie>(many, std::vector<double>(100, 1e308), options));
+    EXPECT_NEAR(crowded->Parts()[7].share, 0.01, 1e-12);
+    root.Draw(&dc);
+    EXPECT_THAT(crowded->Notes(), ElementsAre(HasSubstr("no room for")));
+}
+
 }  // namespace

@@ -86,8 +86,7 @@ TEST_F(Format, HoldsForEveryExample) {
     for (const Example& example : AllExamples()) {
         const auto drawing = zel::test::MakeExample(example, ZEL_DATA);
         // Classic archives cannot hold charts.
-        const bool isChart = drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0]);
-        isChart ? WriteDocument(*drawing, example.name) : Write(*drawing, example.name);
+        IsChart(*drawing) ? WriteDocument(*drawing, example.name) : Write(*drawing, example.name);
     }
     const auto smallest =
         zel::test::RunProgram("cd " + (folder / ".") + " && QT_QPA_PLATFORM=offscreen " ZEL_SMALLEST);

@@ -72,9 +72,8 @@ int main(int argc, char** argv) {
     CutData(data, "data");
     for (const Example& example : AllExamples()) {
         const auto drawing = example.make("data");
-        const bool isChart = drawing->GetCount() > 0 && dynamic_cast<Zel2Chart*>((*drawing)[0]);
-        isChart ? WriteSeeds(*drawing, folder + "/" + example.name, {CArchive::Dialect::COMPLETE})
-                : WriteSeeds(*drawing, folder + "/" + example.name);
+        IsChart(*drawing) ? WriteSeeds(*drawing, folder + "/" + example.name, {CArchive::Dialect::COMPLETE})
+                          : WriteSeeds(*drawing, folder + "/" + example.name);
     }
     return 0;
 }

@@ -171,6 +171,16 @@ TEST(Tables, UnderstandEncodings) {
     EXPECT_THROW(Understood("a,b\n1,2\n", {.encoding = "no such"}), zel::Error);
 }
 
+TEST(Times, AreReadAlone) {
+    for (const auto& [text, moment] :
+         {std::pair("2013", "2013-01-01"), std::pair(" 31.1.2013", "2013-01-31"),
+          std::pair("2013-02-01 10:00", "2013-02-01 10:00"), std::pair("Feb 2013", "2013-02-01"),
+          std::pair("2013Q2", "2013-04-01")})
+        EXPECT_EQ(Moment(zel::tables::TimeOf(text).value_or(0)), moment);
+    EXPECT_EQ(zel::tables::TimeOf("x"), std::nullopt);
+    EXPECT_EQ(Moment(*zel::tables::TimeOf("3/4/2013", zel::tables::DateOrder::MONTH_FIRST)), "2013-03-04");
+}
+
 // What the beginning shows is not what the rest is.
 TEST(Tables, LookAtTheWholeColumn) {
     std::string text = "date,id\n";

@@ -116,4 +116,24 @@ TEST_F(ChartPixels, cells_have_the_colours_of_their_values) {
     EXPECT_LE(std::count(images.begin(), images.end(), '\n'), 4) << "one image, and its mask:\n" << images;
 }
 
+// A pixel with one point of many has the colour of one, that with most the last colour.
+TEST_F(ChartPixels, densities_count_points) {
+    std::vector<double> x, y;
+    for (int i = 0; i < 40'000; ++i) {  // long enough for an index
+        x.push_back(i < 30'000 ? 2.5 : i < 39'999 ? 1.5 : 0.5);
+        y.push_back(2);
+    }
+    chart->AddDensity(x, y);
+    chart->X().SetRange(0, 3);
+    chart->Y().SetRange(0, 4);
+    const QImage image = Png(100);
+    const double most = std::log2(30'001);
+    const auto expected = [&](double n) { return zel::ColorMap().PixelAt(std::log2(1 + n) / most); };
+    std::set<QRgb> colors;
+    const QPoint left = At(image, 0.01, 0.5), right = At(image, 0.99, 0.5);
+    for (int row = left.y() - 1; row <= left.y() + 1; ++row)
+        for (int column = left.x(); column <= right.x(); ++column) colors.insert(image.pixel(column, row));
+    EXPECT_EQ(colors, (std::set<QRgb>{expected(1), expected(9'999), expected(30'000), 0xFFFFFFFFU}));
+}
+
 }  // namespace
