@@ -1,5 +1,6 @@
 #include "core/ArchiveFields.h"
 #include "series/LonePoints.h"
+#include "series/ThinnedPath.h"
 
 #include <zel/ChartLayers.h>
 #include <zel/DrawPen.h>
@@ -104,8 +105,25 @@ void Zel2LineLayer::DrawIn(const zel::LayerFrame& frame) {
         return;
     }
     Steps steps(*pen, frame.world, step_);
-    for (const zel::SeriesStretch& stretch : stretches)
-        for (std::size_t i = stretch.begin; i < stretch.end; ++i) steps.Add(stretch.X(i), stretch.Y(i));
+    // Of the points in one column of the device those that can be seen make the same steps.
+    const int width = DC() && pen->Style() == DrawPen::SOLID ? DC()->CurveColumn() : 0;
+    if (width > 0) {
+        zel::DeviceColumns columns(*DC(), frame.world, width);
+        zel::ThinnedPath path(&columns, zel::ThinnedPath::Gaps::BREAK);
+        for (const zel::SeriesStretch& stretch : stretches) path.Add(stretch);
+        path.Finish();
+        auto run = path.runs.begin();
+        for (std::size_t i = 0; i < path.x.size(); ++i) {
+            if (run != path.runs.end() && *run == i) {
+                steps.Add(std::nan(""), 0);
+                ++run;
+            }
+            steps.Add(path.x[i], path.y[i]);
+        }
+    } else {
+        for (const zel::SeriesStretch& stretch : stretches)
+            for (std::size_t i = stretch.begin; i < stretch.end; ++i) steps.Add(stretch.X(i), stretch.Y(i));
+    }
     steps.Draw();
 }
 

@@ -225,8 +225,20 @@ void DrawPen::SeriesLine::LinesTo(const double* x, const double* y, std::size_t 
         DashesTo(x, y, n);
         return;
     }
-    if (pen_.DrawBlock(walker_, frame_, x, y, n)) return;
-    for (std::size_t i = 0; i < n; ++i) LineTo(x[i], y[i]);
+    const auto isGap = [](double a, double b) { return !std::isfinite(a) || !std::isfinite(b); };
+    // The points between gaps are a block.
+    for (std::size_t i = 0; i < n;) {
+        std::size_t end = i;
+        while (end < n && !isGap(x[end], y[end])) ++end;
+        if (i < end && isGap(pen_.world_.x, pen_.world_.y)) {
+            LineTo(x[i], y[i]);
+            if (frame_.ContainsStrictly(x[i], y[i])) walker_.MoveTo(frame_.ToLogical(x[i], y[i]));
+            ++i;
+        }
+        if (i < end && pen_.DrawBlock(walker_, frame_, x + i, y + i, end - i)) i = end;
+        for (; i < end; ++i) LineTo(x[i], y[i]);
+        for (; i < n && isGap(x[i], y[i]); ++i) LineTo(x[i], y[i]);
+    }
 }
 
 // A line from the last world point that is cut where it leaves the frame.

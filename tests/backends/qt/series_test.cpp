@@ -456,6 +456,52 @@ TEST(Series, DrawsMillionsOfPoints) {
         EXPECT_EQ(Differences(fast.Picture(x0, x1, y0, y1), plain.Picture(x0, x1, y0, y1)), "") << x0;
 }
 
+// Steps of a chart's line are those of all its points, whichever it draws.
+TEST(Series, MakesStepsOfWhatCanBeSeen) {
+    using Step = zel::Step;
+    std::mt19937 random(7);
+    std::vector<double> x, y;
+    double walk = 0.5;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        x.push_back(static_cast<double>(i) / kMany);
+        walk = std::clamp(walk + std::normal_distribution<double>(0, 0.01)(random), 0.05, 0.95);
+        y.push_back(i % 611 == 5 ? kNan : walk);
+    }
+    for (const Step step : {Step::BEFORE, Step::AFTER, Step::MIDDLE}) {
+        std::vector<double> cornersX{x[0]}, cornersY{y[0]};
+        const auto put = [&](double a, double b) {
+            cornersX.push_back(a);
+            cornersY.push_back(b);
+        };
+        for (std::size_t i = 1; i < kMany; ++i) {
+            const double middle = step == Step::BEFORE  ? x[i - 1]
+                                  : step == Step::AFTER ? x[i]
+                                                        : (x[i - 1] + x[i]) / 2;
+            put(middle, y[i - 1]);
+            put(middle, y[i]);
+            put(x[i], y[i]);
+        }
+        const auto picture = [&](bool corners) {
+            Zel2Main root;
+            root.SetRules(ZelRules::EXACT);
+            auto* chart = root.Add(std::make_unique<Zel2Chart>(zel::ChartOptions{.size = {30.48, 22.86}}));
+            chart->X().SetRange(0, 1);
+            chart->Y().SetRange(0, 1);
+            zel::LineOptions options;
+            options.width = 0.2;
+            if (!corners) options.step = step;
+            chart->AddLine(corners ? cornersX : x, corners ? cornersY : y, options);
+            zel::qt::ImageDevice image(kWidth, kHeight, 100);
+            CDC dc(image);
+            root.PrepareMappingFor(&dc, nullptr, 0, 0);
+            root.Draw(&dc);
+            dc.Flush();
+            return Pixels(image.Pixels(), image.Pixels() + kWidth * kHeight);
+        };
+        EXPECT_EQ(Differences(picture(false), picture(true)), "") << "step " << static_cast<int>(step);
+    }
+}
+
 // A disc from the store of ready ones is the painter's, wherever it lies; the same one again changes nothing.
 TEST(Series, DrawsDiscsAsThePainterDoes) {
     using zel::qt::ImageDevice;
