@@ -108,8 +108,13 @@ void Zel2CandleLayer::DrawIn(const zel::LayerFrame& frame) {
         if (candle.high > top) boxes.Add(middle - wick, middle + wick, top, candle.high);
         if (candle.low < bottom) boxes.Add(middle - wick, middle + wick, candle.low, bottom);
     };
-    std::optional<Candle> pending;  // of the present column
+    Candle pending{};  // of the present column
+    bool isPending = false;
     LONG column = 0;
+    const auto flush = [&] {
+        if (isPending) draw(pending, true);
+        isPending = false;
+    };
     for (std::size_t i = 0; i < Rows(); ++i) {
         const double at = frame.x.Forward(time.At(i));
         const Candle candle{room.Begin(at),
@@ -123,20 +128,20 @@ void Zel2CandleLayer::DrawIn(const zel::LayerFrame& frame) {
             grid.HasColumns() ? grid.ColumnOf(oriented.ToLogical(candle.begin, world.ymin)) : 0;
         const LONG last = grid.HasColumns() ? grid.ColumnOf(oriented.ToLogical(candle.end, world.ymin)) : 2;
         if (last - first > 1 || first - last > 1) {
-            if (pending) draw(*pending, true);
-            pending.reset();
+            flush();
             draw(candle, false);
-        } else if (pending && column == first) {
-            pending->Append(candle);
-            pending->begin = pending->end = candle.begin;
+        } else if (isPending && column == first) {
+            pending.Append(candle);
+            pending.begin = pending.end = candle.begin;
         } else {
-            if (pending) draw(*pending, true);
+            flush();
             pending = candle;
-            pending->end = pending->begin;
+            pending.end = pending.begin;
+            isPending = true;
             column = first;
         }
     }
-    if (pending) draw(*pending, true);
+    flush();
     rising->FillRects(risingBoxes.Finish());
     falling->FillRects(fallingBoxes.Finish());
 }

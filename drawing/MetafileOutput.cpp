@@ -120,6 +120,7 @@ HMETAFILE zel::RecordMetafile(Zel2Main& root, const char* fileName, int* unitsPe
         recorder.Dc().SetMapMode(MM_ANISOTROPIC);
         recorder.Dc().SetWindowExt(logical.cx, logical.cy);
         recorder.Dc().SetViewportExt(logical.cx, logical.cy);
+        LeaveOutUnseen(recorder.Dc().m_hDC, resolution);
         root.Draw(&recorder.Dc());
         return recorder.Close();
     }

@@ -50,7 +50,8 @@ Column::Column(const std::vector<std::chrono::sys_time<std::chrono::nanoseconds>
 Column Column::Texts(const std::vector<std::int32_t>& codes, std::vector<std::string> names) {
     const auto known = static_cast<std::int64_t>(names.size());
     if (std::any_of(codes.begin(), codes.end(), [=](std::int32_t code) { return code >= known; }))
-        throw Error("Cannot make a column of texts: an index is beyond the " + std::to_string(known) + " names.");
+        throw Error("Cannot make a column of texts: an index is beyond the " + std::to_string(known) +
+                    " names.");
     Column column;
     column.SetCodes(codes, std::move(names));
     return column;
@@ -117,6 +118,27 @@ SeriesValues Column::ValuesFrom(double origin) const {
 const std::vector<std::string>& Column::Names() const {
     static const std::vector<std::string> none;
     return names_ ? *names_ : none;
+}
+
+Column Column::Rows(std::span<const std::size_t> rows) const {
+    if (std::any_of(rows.begin(), rows.end(), [this](std::size_t row) { return row >= size_; }))
+        throw Error("Cannot take rows of a column of " + std::to_string(size_) +
+                    " rows: one is beyond its end.");
+    Column some;
+    if (kind_ == Kind::TIMES) {
+        std::vector<std::int64_t> ticks;
+        ticks.reserve(rows.size());
+        for (const std::size_t row : rows) ticks.push_back(TickAt(ticks_, stride_, row));
+        some = Times(std::move(ticks), perSecond_);
+    } else {
+        std::vector<double> numbers;
+        numbers.reserve(rows.size());
+        for (const std::size_t row : rows) numbers.push_back(At(row));
+        some = Column(std::move(numbers));
+        some.kind_ = kind_;
+        some.names_ = names_;
+    }
+    return some.SetName(name_).SetUnit(unit_);
 }
 
 // Every kind has the same fields; those that are not its own are empty.

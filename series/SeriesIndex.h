@@ -29,11 +29,14 @@ struct SeriesSpan {
         ymax = std::max(ymax, next.ymax);
         gaps = gaps || next.gaps;
     }
-    // Whether all coordinates are finite.
-    bool IsFinite() const {
+    // Whether there are coordinates, and those that are no gaps are finite.
+    bool HasFiniteBounds() const {
         constexpr double kMost = std::numeric_limits<double>::max();
-        return !gaps && xmin >= -kMost && xmax <= kMost && ymin >= -kMost && ymax <= kMost;
+        return xmin >= -kMost && xmax <= kMost && ymin >= -kMost && ymax <= kMost && xmin <= xmax &&
+               ymin <= ymax;
     }
+    // Whether all coordinates are finite.
+    bool IsFinite() const { return !gaps && HasFiniteBounds(); }
 };
 
 // `n` is at least 1.

@@ -19,16 +19,21 @@ void ThinnedPath::Add(const SeriesStretch& stretch) {
              span.ymax);
         return true;
     };
-    WalkSeries(stretch, whole,
-               [this](const SeriesSpan&, std::size_t, const double* xs, const double* ys, std::size_t n) {
-                   for (std::size_t i = 0; i < n; ++i) {
-                       if (std::isfinite(xs[i]) && std::isfinite(ys[i])) {
-                           Take({xs[i], ys[i]});
-                       } else if (gaps_ == Gaps::BREAK) {
-                           EndRun();
-                       }
-                   }
-               });
+    WalkSeries(
+        stretch, whole,
+        [this](const SeriesSpan& span, std::size_t, const double* xs, const double* ys, std::size_t n) {
+            if (columns_ && span.sorted && span.IsFinite()) {
+                TakeSorted(xs, ys, n);
+                return;
+            }
+            for (std::size_t i = 0; i < n; ++i) {
+                if (std::isfinite(xs[i]) && std::isfinite(ys[i])) {
+                    Take({xs[i], ys[i]});
+                } else if (gaps_ == Gaps::BREAK) {
+                    EndRun();
+                }
+            }
+        });
 }
 
 void ThinnedPath::Finish() {
@@ -38,6 +43,22 @@ void ThinnedPath::Finish() {
 void ThinnedPath::EndRun() {
     EndColumn();
     inRun_ = false;
+}
+
+// The end of each column is searched for.
+void ThinnedPath::TakeSorted(const double* xs, const double* ys, std::size_t n) {
+    for (std::size_t i = 0; i < n;) {
+        if (!open_ || !columns_->Contains(xs[i])) {
+            EndColumn();
+            columns_->Enter(xs[i]);
+        }
+        const double* const next =
+            std::partition_point(xs + i + 1, xs + n, [this](double at) { return columns_->Contains(at); });
+        const auto end = static_cast<std::size_t>(next - xs);
+        const SeriesRange range = RangeOf(ys + i, end - i);
+        Take({xs[i], ys[i]}, {xs[end - 1], ys[end - 1]}, range.low, range.high);
+        i = end;
+    }
 }
 
 void ThinnedPath::Take(const WorldPoint& p) {

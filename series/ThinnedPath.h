@@ -35,6 +35,7 @@ class ThinnedPath {
     std::vector<std::size_t> runs;
 
   private:
+    void TakeSorted(const double* xs, const double* ys, std::size_t n);
     void Take(const WorldPoint& p);
     void Take(const WorldPoint& first, const WorldPoint& last, double low, double high);
     void EndColumn();

@@ -1,5 +1,7 @@
 #include "tables/Times.h"
 
+#include "tables/Numbers.h"
+
 #include <array>
 #include <charconv>
 #include <chrono>
@@ -333,6 +335,21 @@ std::optional<Instant> ReadTime(std::string_view text, TimeForm form) {
         case TimeForm::CLOCK:
             return ReadClock(scan);
     }
+    return std::nullopt;
+}
+
+std::optional<double> TimeOf(std::string_view text, DateOrder order) {
+    text = Trimmed(text);
+    const auto seconds = [](const Instant& time) {
+        return static_cast<double>(time.seconds) + time.nanoseconds * 1e-9;
+    };
+    int year = 0;
+    Scanner scan(text);
+    if (scan.TakeDigits(4, 4, year) && scan.AtEnd()) return seconds(*DayOf(year, 1, 1));
+    const TimeForm ordered = order == DateOrder::DAY_FIRST ? TimeForm::DAY_FIRST : TimeForm::MONTH_FIRST;
+    for (const TimeForm form : {TimeForm::YEAR_FIRST, ordered, TimeForm::NAMED, TimeForm::MONTHS,
+                                TimeForm::QUARTERS, TimeForm::WEEKS, TimeForm::DIGITS})
+        if (const std::optional<Instant> time = ReadTime(text, form)) return seconds(*time);
     return std::nullopt;
 }
 

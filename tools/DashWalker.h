@@ -25,8 +25,15 @@ class DrawPen::DashWalker {
     // Whether the pattern is a single dash: what it draws is one line, whatever its length.
     bool IsSolid() const { return elementCount_ == 1 && Advances(); }
     // From here on lines are drawn without the walk, which cuts a solid line where its dash begins anew, and
-    // leave the dash state as it is. Only for a solid pen.
+    // leave the dash state as it is; or are walked again, the pattern from its beginning.
     void DrawSolid() { solid_ = true; }
+    void BeginDashes() {
+        solid_ = false;
+        dashPosition_ = dashIndex_ = 0;
+    }
+    bool DrawsSolid() const { return solid_; }
+    // The length of the whole pattern in logical units; 0 or less when it does not go ahead.
+    std::int64_t Cycle() const { return cycle_; }
     // Hands on what was drawn.
     void FlushRun();
 

@@ -1,12 +1,12 @@
 #include "tools/SeriesLine.h"
 
-#include "series/CurveScope.h"
-
 #include <cmath>
 
 namespace {
 
 constexpr std::size_t kDense = 32;  // points to a column from which on their columns are searched for
+// Lengths of the pattern that a line goes up and down in a column from which on its gaps cannot be told.
+constexpr double kCyclesToFill = 4;
 
 }  // namespace
 
@@ -15,7 +15,8 @@ DrawPen::SeriesLine::SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame)
       dc_(dc),
       frame_(frame),
       walker_(pen, dc),
-      columnWidth_(walker_.IsSolid() ? dc.CurveColumn() : 0),
+      solid_(walker_.IsSolid()),
+      columnWidth_(solid_ || walker_.Cycle() > 0 ? dc.CurveColumn() : 0),
       columns_(dc, frame, std::max(1, columnWidth_)),
       bottom_(frame.Bottom()),
       top_(frame.Top()),
@@ -29,14 +30,30 @@ DrawPen::SeriesLine::SeriesLine(DrawPen& pen, CDC& dc, const WorldFrame& frame)
 
 void DrawPen::SeriesLine::Draw(std::span<const zel::SeriesStretch> stretches) {
     if (columnWidth_ == 0) {
-        for (const zel::SeriesStretch& stretch : stretches) DrawDashed(stretch);
+        for (const zel::SeriesStretch& stretch : stretches) DrawEachPoint(stretch);
         return;
     }
-    walker_.DrawSolid();
-    stepped_ = AreStepped(stretches);
-    const zel::CurveScope figure(&dc_, !stepped_);
+    if (solid_) {
+        stepped_ = AreStepped(stretches);
+        UseSolid();
+    }
     for (const zel::SeriesStretch& stretch : stretches) DrawCurve(stretch);
     walker_.FlushRun();
+    figure_.reset();
+}
+
+void DrawPen::SeriesLine::UseSolid() {
+    if (walker_.DrawsSolid()) return;
+    walker_.FlushRun();
+    walker_.DrawSolid();
+    if (!stepped_) figure_.emplace(&dc_);
+}
+
+void DrawPen::SeriesLine::UseDashes() {
+    if (!walker_.DrawsSolid()) return;
+    walker_.FlushRun();
+    figure_.reset();
+    walker_.BeginDashes();
 }
 
 // Lines along the axes lie on whole pixels where a device can tell that they are: they are not handed on as a
@@ -54,26 +71,28 @@ bool DrawPen::SeriesLine::AreStepped(std::span<const zel::SeriesStretch> stretch
     return true;
 }
 
-void DrawPen::SeriesLine::DrawDashed(const zel::SeriesStretch& stretch) {
-    const auto draw = [this](const double* x, const double* y, std::size_t n) {
-        if (pen_.DrawBlock(walker_, frame_, x, y, n)) return;
-        for (std::size_t i = 0; i < n; ++i) {
-            pen_.DrawClipped(walker_, frame_, nullptr, x[i], y[i]);
-            pen_.world_ = {x[i], y[i]};
-        }
-    };
+void DrawPen::SeriesLine::DashesTo(const double* x, const double* y, std::size_t n) {
+    UseDashes();
+    if (pen_.DrawBlock(walker_, frame_, x, y, n)) return;
+    for (std::size_t i = 0; i < n; ++i) {
+        pen_.DrawClipped(walker_, frame_, nullptr, x[i], y[i]);
+        pen_.world_ = {x[i], y[i]};
+    }
+}
+
+void DrawPen::SeriesLine::DrawEachPoint(const zel::SeriesStretch& stretch) {
     const auto at = [&](std::size_t i) { return WorldPoint{stretch.X(i), stretch.Y(i)}; };
     zel::WalkSeries(
         stretch,
         [&](const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
             if (!IsBeyond(span)) return false;
             const WorldPoint first = at(begin);
-            draw(&first.x, &first.y, 1);
+            DashesTo(&first.x, &first.y, 1);
             pen_.world_ = at(end - 1);
             return true;
         },
         [&](const zel::SeriesSpan&, std::size_t, const double* x, const double* y, std::size_t n) {
-            draw(x, y, n);
+            DashesTo(x, y, n);
         });
 }
 
@@ -94,11 +113,12 @@ void DrawPen::SeriesLine::DrawCurve(const zel::SeriesStretch& stretch) {
 bool DrawPen::SeriesLine::TakeWhole(const zel::SeriesSpan& span, std::size_t begin, std::size_t end) {
     if (IsBeyond(span)) {
         DrawRun();
-        LineTo(stretch_->X(begin), stretch_->Y(begin));
+        const double x = stretch_->X(begin), y = stretch_->Y(begin);
+        LinesTo(&x, &y, 1);
         pen_.world_ = {stretch_->X(end - 1), stretch_->Y(end - 1)};
         return true;
     }
-    if (!IsInColumns(span)) return false;
+    if (span.gaps || !IsInColumns(span)) return false;
     if (!columns_.Contains(span.xmin)) {
         DrawRun();
         columns_.Enter(span.xmin);
@@ -121,26 +141,50 @@ void DrawPen::SeriesLine::TakeEach(const zel::SeriesSpan& span, std::size_t begi
         __builtin_prefetch(y + i);
     }
     for (std::size_t i = 0; i < n;) {
+        if (span.gaps && !std::isfinite(y[i])) {
+            DrawRun();
+            pen_.world_ = {x[i], y[i]};
+            ++i;
+            continue;
+        }
         if (!columns_.Contains(x[i])) {
             DrawRun();
             columns_.Enter(x[i]);
         }
         const double* const next =
             std::partition_point(x + i + 1, x + n, [this](double value) { return columns_.Contains(value); });
-        const auto end = static_cast<std::size_t>(next - x);
+        auto end = static_cast<std::size_t>(next - x);
+        if (span.gaps)
+            end = static_cast<std::size_t>(
+                std::find_if(y + i, y + end, [](double value) { return !std::isfinite(value); }) - y);
         AddToRun(begin + i, begin + end, zel::RangeOf(y + i, end - i));
         i = end;
     }
 }
 
 void DrawPen::SeriesLine::AddToRun(std::size_t begin, std::size_t end, const zel::SeriesRange& range) {
-    if (run_.begin == run_.end) {
-        run_ = {begin, end, range.low, range.high};
-        return;
-    }
+    if (run_.begin == run_.end) run_ = {begin, begin, range.low, range.high, 0};
     run_.end = end;
     run_.low = std::min(run_.low, range.low);
     run_.high = std::max(run_.high, range.high);
+    run_.travel += range.high - range.low;
+}
+
+// Whether the run goes up and down so far that a dashed line fills its column.
+bool DrawPen::SeriesLine::IsDense() {
+    const double height = std::fabs(static_cast<double>(frame_.upper.y) - frame_.lower.y);
+    const double enough = kCyclesToFill * static_cast<double>(walker_.Cycle()) / height * (top_ - bottom_);
+    if (run_.travel >= enough) return true;
+    std::array<double, zel::SeriesIndex::kBlock> room;
+    double travel = 0, before = stretch_->Y(run_.begin);
+    for (std::size_t at = run_.begin; at < run_.end && travel < enough; at += room.size()) {
+        const std::size_t n = std::min(room.size(), run_.end - at);
+        const double* const y = stretch_->ReadY(at, n, room.data());
+        travel += std::fabs(y[0] - before);
+        for (std::size_t i = 1; i < n; ++i) travel += std::fabs(y[i] - y[i - 1]);
+        before = y[n - 1];
+    }
+    return travel >= enough;
 }
 
 // The first point, the extremes, which may stand anywhere within the column, and the last point, by lines
@@ -148,6 +192,16 @@ void DrawPen::SeriesLine::AddToRun(std::size_t begin, std::size_t end, const zel
 void DrawPen::SeriesLine::DrawRun() {
     if (run_.begin == run_.end) return;
     const std::size_t begin = run_.begin, last = run_.end - 1;
+    if (!solid_ && !IsDense()) {
+        run_ = {};
+        std::array<double, zel::SeriesIndex::kBlock> xs, ys;
+        for (std::size_t at = begin; at <= last; at += xs.size()) {
+            const std::size_t n = std::min(xs.size(), last + 1 - at);
+            DashesTo(stretch_->ReadX(at, n, xs.data()), stretch_->ReadY(at, n, ys.data()), n);
+        }
+        return;
+    }
+    UseSolid();
     const WorldPoint from{stretch_->X(begin), stretch_->Y(begin)};
     LineTo(from.x, from.y);
     const WorldPoint to{stretch_->X(last), stretch_->Y(last)};
@@ -167,6 +221,10 @@ void DrawPen::SeriesLine::DrawRun() {
 }
 
 void DrawPen::SeriesLine::LinesTo(const double* x, const double* y, std::size_t n) {
+    if (!solid_) {
+        DashesTo(x, y, n);
+        return;
+    }
     if (pen_.DrawBlock(walker_, frame_, x, y, n)) return;
     for (std::size_t i = 0; i < n; ++i) LineTo(x[i], y[i]);
 }

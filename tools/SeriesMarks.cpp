@@ -13,9 +13,13 @@ namespace zel {
 
 void PlotMarks(Zel2& obj, DrawSymbol& symbol, const WorldFrame& frame,
                std::span<const SeriesStretch> stretches) {
-    constexpr std::size_t kBlock = 1 << 16;  // places handed on at once: marks in one place are seen then
+    // Places handed on at once: a device sees then which marks lie in one place or below others.
+    constexpr std::size_t kBlock = 1 << 20;
     const CurveScope figure(obj.DC(), symbol.IsPlainDisc(&obj));
+    std::size_t count = 0;
+    for (const SeriesStretch& stretch : stretches) count += stretch.Size();
     std::vector<CPoint> places;
+    places.reserve(std::min(count, kBlock + SeriesIndex::kBlock));
     const auto plot = [&] {
         if (!places.empty()) symbol.PlotOn(&obj, places);
         places.clear();

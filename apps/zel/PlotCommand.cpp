@@ -1,8 +1,10 @@
 #include "apps/zel/Commands.h"
 #include "apps/zel/Database.h"
 #include "apps/zel/Figure.h"
+#include "apps/zel/Grouping.h"
 #include "apps/zel/TableChoice.h"
 
+#include <cmath>
 #include <map>
 
 namespace zel::cli {
@@ -12,9 +14,10 @@ struct PlotChoice {
     TableChoice table;
     DatabaseChoice database;
     std::string x;
+    std::string group;
     std::vector<std::string> ys;
-    std::vector<double> xRange;
-    std::vector<double> yRange;
+    std::vector<std::string> xRange;
+    std::vector<std::string> yRange;
     std::vector<double> size;
     bool noLine = false;
     std::vector<std::string> errors;
@@ -24,11 +27,25 @@ struct PlotChoice {
     OutputChoice output;
 };
 
-std::optional<std::pair<double, double>> RangeOf(const std::vector<double>& values, const char* option) {
-    if (values.empty()) return std::nullopt;
-    if (!(values[0] < values[1]))
+// An end of a range, as a number or, on an axis of times, as a date.
+double EndOf(const std::string& text, bool ofTimes, const char* option) {
+    if (ofTimes) {
+        if (const std::optional<double> time = tables::TimeOf(text)) return *time;
+        throw Error(std::string("Cannot use ") + option + ": \"" + text + "\" is no date such as 2020-01-31");
+    }
+    double value = 0;
+    if (!CLI::detail::lexical_cast(text, value) || !std::isfinite(value))
+        throw Error(std::string("Cannot use ") + option + ": \"" + text + "\" is no number");
+    return value;
+}
+
+std::optional<std::pair<double, double>> RangeOf(const std::vector<std::string>& ends, bool ofTimes,
+                                                 const char* option) {
+    if (ends.empty()) return std::nullopt;
+    const std::pair range(EndOf(ends[0], ofTimes, option), EndOf(ends[1], ofTimes, option));
+    if (!(range.first < range.second))
         throw Error(std::string("Cannot use ") + option + ": its first value must be below its second");
-    return std::pair(values[0], values[1]);
+    return range;
 }
 
 // Options that say nothing about what is drawn.
@@ -55,8 +72,8 @@ void RefuseWhatCannotApply(const PlotChoice& choice) {
     if (!choice.errors.empty() && choice.errors.size() != choice.ys.size())
         throw Error("Cannot draw error bars: there must be one --error for each --y");
     if (!choice.database.database.empty() &&
-        (kind == FigureKind::HEAT || kind == FigureKind::HISTOGRAM || !choice.errors.empty() ||
-         !choice.colorBy.empty() || !choice.sizeBy.empty()))
+        (!choice.group.empty() || kind == FigureKind::HEAT || kind == FigureKind::HISTOGRAM ||
+         !choice.errors.empty() || !choice.colorBy.empty() || !choice.sizeBy.empty()))
         throw Error("Cannot plot this from a database: it takes more or fewer columns than x and y");
 }
 
@@ -79,6 +96,8 @@ std::vector<Series> ReadSeries(const PlotChoice& choice) {
         if (!choice.errors.empty()) one.error = MeasureOf(table, choice.errors[i]);
         series.push_back(std::move(one));
     }
+    if (!choice.group.empty()) return Grouped(series, CoordinateOf(table, choice.group));
+    if (kind == FigureKind::LINES && !choice.noLine) SuggestGroup(table, common.x);
     return series;
 }
 
@@ -90,18 +109,19 @@ void Plot(PlotChoice& choice) {
     figure.line = !choice.noLine && !bubbles;
     figure.symbols = figure.symbols || (choice.noLine && !figure.fill);
     for (const std::string& axis : choice.logarithms) (axis == "x" ? figure.logX : figure.logY) = true;
-    figure.xRange = RangeOf(choice.xRange, "--x-range");
-    figure.yRange = RangeOf(choice.yRange, "--y-range");
     // A date says by itself what it is.
     const bool ofDates =
         !series.empty() && (series.front().source ? series.front().source->HasDates()
                                                   : series.front().x.GetKind() == zel::Column::Kind::TIMES);
+    figure.xRange = RangeOf(choice.xRange, ofDates, "--x-range");
+    figure.yRange = RangeOf(
+        choice.yRange, !series.empty() && series.front().y.GetKind() == Column::Kind::TIMES, "--y-range");
     if (figure.xTitle.empty() && !ofDates && !choice.x.empty())
-        figure.xTitle = !choice.table.IsGiven() ? ColumnTitle(choice.x) : series.front().x.Name();
+        figure.xTitle = choice.table.IsGiven() ? series.front().x.Name() : ColumnTitle(choice.x);
     if (figure.kind == FigureKind::HISTOGRAM) {
-        if (figure.xTitle.empty() && choice.ys.size() == 1) figure.xTitle = series.front().name;
+        if (figure.xTitle.empty() && choice.ys.size() == 1) figure.xTitle = series.front().y.Name();
     } else if (figure.yTitle.empty() && choice.ys.size() == 1) {
-        figure.yTitle = series.front().name;
+        figure.yTitle = series.front().y.IsEmpty() ? series.front().name : series.front().y.Name();
     }
     if (!choice.size.empty()) {
         figure.width = choice.size[0];
@@ -155,6 +175,7 @@ void AddPlotCommand(CLI::App& app) {
     command->add_option("--log", choice->logarithms, "Logarithmic axis: x or y; repeat it for both")
         ->check(CLI::IsMember({"x", "y"}))
         ->take_all();
+    command->add_option("--group", choice->group, "Column that says to which series a row belongs");
     command->add_flag("--no-line", choice->noLine, "Do not connect the points");
     command->add_flag("--fill", choice->figure.fill, "Fill the area between a series and the bottom edge");
     command->add_flag("--symbols", choice->figure.symbols, "Draw a symbol at each point");
@@ -162,7 +183,9 @@ void AddPlotCommand(CLI::App& app) {
     command->add_option("--x-title", choice->figure.xTitle,
                         "Title of the x axis (default: the column's name)");
     command->add_option("--y-title", choice->figure.yTitle, "Title of the y axis");
-    command->add_option("--x-range", choice->xRange, "Ends of the x axis (default: from the data)")
+    command
+        ->add_option("--x-range", choice->xRange,
+                     "Ends of the x axis, numbers or dates (default: from the data)")
         ->expected(2);
     command->add_option("--y-range", choice->yRange, "Ends of the y axis (default: from the data)")
         ->expected(2);

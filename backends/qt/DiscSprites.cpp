@@ -1,5 +1,7 @@
 #include "backends/qt/DiscSprites.h"
 
+#include "backends/qt/WideRegisters.h"
+
 #include <QImage>
 #include <QPainter>
 
@@ -50,6 +52,7 @@ void DiscSprites::Make(Sprite& sprite, int x, int y) const {
     const double scale = 1 << shift_;
     painter.drawEllipse(QRectF(x / scale, y / scale, (size_.cx - 1) / scale, (size_.cy - 1) / scale));
     painter.end();
+    LeaveWideRegisters();
     for (int row = 0; row < kSide; ++row) {
         std::array<std::uint8_t, kSide> alpha{};
         for (int i = 0; i < kSide; ++i)

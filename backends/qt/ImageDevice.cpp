@@ -6,8 +6,10 @@
 #include "backends/qt/Hatch.h"
 #include "backends/qt/MarkSprites.h"
 #include "backends/qt/PenStyle.h"
+#include "backends/qt/PngFile.h"
 #include "backends/qt/PolygonClip.h"
 #include "backends/qt/Stroker.h"
+#include "backends/qt/WideRegisters.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
@@ -120,6 +122,7 @@ class ImageDevice::Impl {
           stroker(width, height),
           thinner(stroker, shift),
           discs(width, height, shift),
+          marks({pixels.data(), width, height}, shift),
           painter(&image) {
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setRenderHint(QPainter::TextAntialiasing);
@@ -203,6 +206,7 @@ class ImageDevice::Impl {
         discs.Clear();
         if (largeDiscs.isEmpty()) return;
         painter.fillPath(largeDiscs, QColor::fromRgba(curveColor));
+        LeaveWideRegisters();
         largeDiscs.clear();
     }
     void Blend(std::uint32_t ink) { stroker.Blend({pixels.data(), width, height}, ink, clips); }
@@ -367,6 +371,7 @@ class ImageDevice::Impl {
         painter.setPen(pen);
         painter.drawPolyline(line);
         painter.restore();
+        LeaveWideRegisters();
     }
 
     // Corners on whole pixels would make a rough ellipse: its points lie between them. The centre is that of
@@ -420,6 +425,7 @@ class ImageDevice::Impl {
             painter.setCompositionMode(CompositionOf(state.rasterMode));
         }
         paint();
+        LeaveWideRegisters();
         if (!plain) {
             painter.setRenderHint(QPainter::Antialiasing, true);
             painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
@@ -491,6 +497,7 @@ class ImageDevice::Impl {
     std::optional<std::uint32_t> blank;  // what all pixels are, as long as nothing was drawn
     ColumnThinner thinner;
     DiscSprites discs;
+    MarkSprites marks;
     QPainterPath largeDiscs;  // of the figure
     int curves = 0;           // that have begun, one within the other
     double curveWidth = 0;
@@ -568,14 +575,20 @@ void ImageDevice::Save(const char* path, const char* format, int quality) const 
                                        ending + "\" is none of png, jpg.")
                                           .c_str());
     }
+    const int dotsPerMetre = static_cast<int>(std::lround(impl_->dotsPerInch / 0.0254));
+    SafeFile file(path);
+    const PixelBuffer pixels{impl_->pixels.data(), impl_->width, impl_->height};
+    if (!jpeg && CanWritePng(pixels)) {
+        WritePng(file, pixels, dotsPerMetre);
+        file.Commit();
+        return;
+    }
     // The same pixels: a copy of a large image is more than memory may hold.
     QImage image(reinterpret_cast<uchar*>(impl_->pixels.data()), impl_->width, impl_->height,
                  impl_->width * 4, QImage::Format_ARGB32_Premultiplied);
-    const int dotsPerMetre = static_cast<int>(std::lround(impl_->dotsPerInch / 0.0254));
     image.setDotsPerMeterX(dotsPerMetre);
     image.setDotsPerMeterY(dotsPerMetre);
     if (jpeg) image = image.convertToFormat(QImage::Format_RGB32);
-    SafeFile file(path);
     FileSink sink(file);
     QImageWriter writer(&sink, jpeg ? "JPG" : "PNG");
     writer.setQuality(jpeg ? quality : 60);
@@ -744,8 +757,8 @@ void ImageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> p
 void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
                         const MarkPainter& paint) {
     constexpr std::size_t kFew = 4;
-    constexpr int kLargest = 64;  // pixels
-    constexpr int kMargin = 2;    // pixels that an antialiased or a snapped edge may reach over
+    constexpr int kLargest = MarkMask::kMostCells;  // pixels
+    constexpr int kMargin = 2;  // pixels that an antialiased or a snapped edge may reach over
     Impl& impl = *impl_;
     const CPoint origin = state.map.ToDevice(CPoint(0, 0));
     CRect units = state.map.ToDevice(box) - origin;
@@ -759,25 +772,21 @@ void ImageDevice::Marks(const GraphicsState& state, std::span<const CPoint> plac
     }
     impl.UseClip(state);
     impl.FinishCurve();
+    ImageDevice small(reach.Width(), reach.Height(), impl.dotsPerInch, impl.caps.unitsPerInch,
+                      impl.shift == 0 ? Grid::PIXELS : Grid::SIXTEENTHS);
     const auto make = [&](const CSize& within) {
-        ImageDevice small(reach.Width(), reach.Height(), impl.dotsPerInch, impl.caps.unitsPerInch,
-                          impl.shift == 0 ? Grid::PIXELS : Grid::SIXTEENTHS);
         small.Clear(0, false);
         const CSize corner(reach.left * impl.sub, reach.top * impl.sub);
         paint(small, CPoint(0, 0) - origin - corner + within, MarkClip::NONE);
-        return Sprite{reach.left, reach.top, reach.Width(), reach.Height(),
-                      std::vector<std::uint32_t>(
-                          small.Pixels(), small.Pixels() + std::ptrdiff_t{reach.Width()} * reach.Height())};
+        return Sprite(reach.left, reach.top, reach.Width(), reach.Height(), small.Pixels());
     };
-    std::vector<CPoint> origins;
-    origins.reserve(places.size());
-    for (const CPoint& place : places) origins.push_back(state.map.ToDevice(place));
-    MarkSprites({impl.pixels.data(), impl.width, impl.height}, impl.shift, make).Draw(origins, impl.clips);
+    impl.marks.Draw(places, state.map, make, impl.clips);
 }
 
 void ImageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
     impl_->UseClip(state);
     DrawSpans(impl_->painter, state, spans, impl_->sub);
+    LeaveWideRegisters();
 }
 
 CSize ImageDevice::TextExtent(const GraphicsState& state, std::string_view text) {

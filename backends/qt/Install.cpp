@@ -1,6 +1,7 @@
 #include "backends/qt/Application.h"
 #include "backends/qt/FileDevices.h"
 #include "backends/qt/QtPlatform.h"
+#include "backends/qt/SeenMarks.h"
 
 #include <zel/qt/Install.h>
 
@@ -36,6 +37,11 @@ std::unique_ptr<GraphicsDevice> QtPlatform::CreateScreenCompatibleDevice() {
 
 std::vector<FileFormat> QtPlatform::FileFormats() {
     return {PdfFormat(), PngFormat(), JpegFormat(), SvgFormat()};
+}
+
+std::vector<CPoint> QtPlatform::SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                          const CRect& box, const MarkPainter& paint, double unitsPerPixel) {
+    return qt::SeenMarks(state, places, box, paint, unitsPerPixel);
 }
 
 void Install() {

@@ -4,9 +4,12 @@
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
 #include "backends/qt/Pictures.h"
+#include "backends/qt/SeenMarks.h"
 #include "platform/graphics/RunThinner.h"
 
 #include <algorithm>
+#include <cmath>
+#include <numbers>
 #include <utility>
 
 namespace zel::qt {
@@ -19,6 +22,15 @@ constexpr std::size_t kShortLine = 8;  // points
 constexpr int kMostHeld = 4000;        // elements of a path
 
 }  // namespace
+
+QRectF ReachOf(std::span<const MarkPiece> pieces) {
+    QRectF reach;
+    for (const MarkPiece& piece : pieces) {
+        const double half = piece.pen.style() == Qt::NoPen ? 0 : piece.pen.widthF() / 2;
+        reach |= piece.path.boundingRect().adjusted(-half, -half, half, half);
+    }
+    return reach;
+}
 
 PageDevice::PageDevice(const FileDeviceOptions& options, const SurfaceCaps& caps)
     : options_(options),
@@ -59,18 +71,51 @@ void PageDevice::Polyline(const GraphicsState& state, const CPoint* points, std:
     line_.clear();
     line_.reserve(static_cast<qsizetype>(mapped_.size()));
     for (const CPoint& p : mapped_) line_.append(Near(p));
-    FlushTextBelow(line_.boundingRect(), PenWidthOf(state, hairline_));
-    UsePen(state);
-    // What is described in one piece covers once: lines that one sees through are held only within a figure,
-    // and there until its end.
-    const bool figure = transparency_ != 0 && curves_ > 0;
-    if (mapped_.size() > kShortLine && !figure) {
-        FlushLines();
-        painter_.drawPolyline(line_);
+    QPainterPath path;
+    path.addPolygon(line_);
+    Stroke(state, path);
+}
+
+// What is described in one piece covers once: lines that one sees through are held only within a figure, and
+// there until its end.
+void PageDevice::Stroke(const GraphicsState& state, const QPainterPath& path) {
+    if (pieces_) {
+        const QPen pen = PenOf(state);
+        const bool together = pen.color().alpha() == 255 || curves_ > 0;
+        if (together && !pieces_->empty() && pieces_->back().pen == pen) {
+            pieces_->back().path.addPath(path);
+        } else {
+            pieces_->push_back({path, Qt::NoBrush, pen});
+        }
         return;
     }
-    lines_.addPolygon(line_);
+    FlushTextBelow(path.boundingRect(), PenWidthOf(state, hairline_));
+    UsePen(state);
+    const bool figure = transparency_ != 0 && curves_ > 0;
+    if (path.elementCount() > static_cast<int>(kShortLine) && !figure) {
+        FlushLines();
+        painter_.drawPath(path);
+        return;
+    }
+    lines_.addPath(path);
     if (!figure && (transparency_ != 0 || lines_.elementCount() > kMostHeld)) FlushLines();
+}
+
+// Round, whatever the units.
+void PageDevice::StrokeArc(const GraphicsState& state, const EllipticArc& arc) {
+    const bool near = std::fabs(arc.cx) + arc.rx < kFarOutside && std::fabs(arc.cy) + arc.ry < kFarOutside;
+    if (!near) {
+        BasicDevice::StrokeArc(state, arc);
+        return;
+    }
+    if (state.pen.lopnStyle == PS_NULL || PaintsNothing(state)) return;
+    UseClip(state);
+    constexpr double kDegrees = 180 / std::numbers::pi;
+    const QRectF ellipse(arc.cx - arc.rx, arc.cy - arc.ry, 2 * arc.rx, 2 * arc.ry);
+    QPainterPath path;
+    path.arcMoveTo(ellipse, arc.begin * kDegrees);
+    path.arcTo(ellipse, arc.begin * kDegrees, arc.sweep * kDegrees);
+    Stroke(state, path);
 }
 
 void PageDevice::EndCurve() {
@@ -133,6 +178,10 @@ void PageDevice::FillRects(const GraphicsState& state, std::span<const CRect> re
 }
 
 void PageDevice::DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) {
+    if (pieces_) {
+        otherPieces_ = true;
+        return;
+    }
     if (picture.width < 1 || picture.height < 1) return;
     UseClip(state);
     CRect box = state.map.ToDevice(rect);
@@ -161,8 +210,9 @@ QRectF PageDevice::EllipseBox(const GraphicsState& state, const CRect& rect) con
 
 void PageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
     const bool plain = state.pen.lopnStyle == PS_NULL && state.brush.lbStyle == BS_SOLID;
-    if (!plain || state.brush.lbTransparency == 0 || PaintsNothing(state)) {
-        BasicDevice::Ellipses(state, places, box);
+    if (PaintsNothing(state)) return;
+    if (!plain || state.brush.lbTransparency == 0) {
+        Marks(state, places, box, EllipsePainter(state, box));
         return;
     }
     UseClip(state);
@@ -175,6 +225,56 @@ void PageDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> pl
     if (curves_ == 0) FlushDiscs();
 }
 
+std::vector<MarkPiece> PageDevice::PiecesOf(const GraphicsState& state, const MarkPainter& paint) {
+    std::vector<MarkPiece> pieces;
+    otherPieces_ = false;
+    pieces_ = &pieces;
+    const struct Ending {
+        PageDevice& device;
+        ~Ending() { device.pieces_ = nullptr; }
+    } ending{*this};
+    paint(*this, CPoint(0, 0) - state.map.ToDevice(CPoint(0, 0)), MarkClip::KEPT);
+    if (otherPieces_) pieces.clear();
+    return pieces;
+}
+
+// A mark is taken apart once.
+void PageDevice::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+                       const MarkPainter& paint) {
+    constexpr std::size_t kFew = 4;
+    if (places.size() < kFew) {
+        BasicDevice::Marks(state, places, box, paint);
+        return;
+    }
+    std::vector<CPoint> seen;
+    if (options_.keepAllPoints) {
+        for (const CPoint& place : places) seen.push_back(state.map.ToDevice(place));
+    } else {
+        seen = SeenMarks(state, places, box, paint, pixel_);
+    }
+    UseClip(state);
+    FlushLines();
+    FlushDiscs();
+    const std::vector<MarkPiece> pieces = PiecesOf(state, paint);
+    if (pieces.empty()) {
+        const CPoint origin = state.map.ToDevice(CPoint(0, 0));
+        for (const CPoint& at : seen) paint(*this, at - origin, MarkClip::KEPT);
+        return;
+    }
+    QPolygonF corners;
+    for (const CPoint& at : seen) corners.append(QPointF(at.x, at.y));
+    const QRectF area = corners.boundingRect(), reach = ReachOf(pieces);
+    FlushTextBelow(area.adjusted(reach.left(), reach.top(), reach.right(), reach.bottom()), 0);
+    if (DrawAlike(pieces, seen)) return;
+    for (const CPoint& at : seen) {
+        for (const MarkPiece& piece : pieces) {
+            const QPainterPath path = piece.path.translated(at.x, at.y);
+            piece.brush.style() == Qt::NoBrush ? painter_.strokePath(path, piece.pen)
+                                               : painter_.fillPath(path, piece.brush);
+        }
+    }
+}
+
 void PageDevice::FlushDiscs() {
     if (discs_.isEmpty()) return;
     const QPainterPath path = std::exchange(discs_, {});
@@ -182,6 +282,10 @@ void PageDevice::FlushDiscs() {
 }
 
 void PageDevice::DrawText(const GraphicsState& state, std::span<const TextSpan> spans) {
+    if (pieces_) {
+        otherPieces_ = true;
+        return;
+    }
     UseClip(state);
     if (!TextBatch::CanHold(state, spans)) {
         FlushText();
@@ -237,14 +341,20 @@ void PageDevice::UsePen(const GraphicsState& state) {
     transparency_ = transparency;
     style_ = state.pen.lopnStyle;
     penSet_ = true;
-    QPen pen(ColorOf(color_, transparency_), width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    painter_.setPen(PenOf(state));
+}
+
+QPen PageDevice::PenOf(const GraphicsState& state) const {
+    const double width = PenWidthOf(state, hairline_);
+    const QColor color = ColorOf(InkOf(state, state.pen.lopnColor), state.pen.lopnTransparency);
+    QPen pen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
     QList<qreal> pattern;  // in widths of the pen
     for (const double length : DashesOf(state, width, pixel_)) pattern.append(length * pixel_ / width);
     if (!pattern.isEmpty()) {
         pen.setDashPattern(pattern);
         pen.setCapStyle(Qt::FlatCap);
     }
-    painter_.setPen(pen);
+    return pen;
 }
 
 void PageDevice::FlushLines() {
@@ -265,6 +375,14 @@ void PageDevice::FlushTextBelow(const QRectF& shape, double reach) {
 }
 
 void PageDevice::Paint(const GraphicsState& state, const QPainterPath& path) {
+    if (pieces_) {
+        if (state.brush.lbStyle == BS_SOLID)
+            pieces_->push_back(
+                {path, ColorOf(InkOf(state, state.brush.lbColor), state.brush.lbTransparency), Qt::NoPen});
+        otherPieces_ = otherPieces_ || state.brush.lbStyle == BS_HATCHED;
+        if (state.pen.lopnStyle != PS_NULL) pieces_->push_back({path, Qt::NoBrush, PenOf(state)});
+        return;
+    }
     FlushLines();
     FlushTextBelow(path.boundingRect(), PenWidthOf(state, hairline_));
     if (state.brush.lbStyle == BS_SOLID)

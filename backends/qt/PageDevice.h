@@ -9,7 +9,19 @@
 #include <QPainterPath>
 #include <QPolygonF>
 
+#include <vector>
+
 namespace zel::qt {
+
+// A piece of a mark with its origin at (0, 0): a path that is filled, or drawn with a pen.
+struct MarkPiece {
+    QPainterPath path;
+    QBrush brush;  // one of the two
+    QPen pen;
+};
+
+// What pieces cover at most.
+QRectF ReachOf(std::span<const MarkPiece> pieces);
 
 // Draws pages on what Qt can paint pages on: a PDF file, a printer. Raster operations do not exist on paper.
 class PageDevice : public MeasuringDevice {
@@ -29,6 +41,9 @@ class PageDevice : public MeasuringDevice {
     void DrawPicture(const GraphicsState& state, const CRect& rect, const PictureView& picture) override;
     void Ellipse(const GraphicsState& state, const CRect& rect) override;
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+               const MarkPainter& paint) override;
+    void StrokeArc(const GraphicsState& state, const EllipticArc& arc) override;
     void BeginCurve() override { ++curves_; }
     void EndCurve() override;
     void DrawText(const GraphicsState& state, std::span<const TextSpan> spans) override;
@@ -40,6 +55,9 @@ class PageDevice : public MeasuringDevice {
     void End() { painter_.end(); }
     // Throws when something could not be written; `written` is what Qt said.
     virtual void Check(bool written) = 0;
+    // Draws a mark at each place, in order; false when the pages have nothing better than to draw each.
+    virtual bool DrawAlike(std::span<const MarkPiece>, std::span<const CPoint>) { return false; }
+    QPainter& Painter() { return painter_; }
 
   private:
     // Within what coordinates of a page can be.
@@ -47,7 +65,11 @@ class PageDevice : public MeasuringDevice {
     QPointF At(const GraphicsState& state, const CPoint& p) const;
     void FillPage();
     void UseClip(const GraphicsState& state);
+    QPen PenOf(const GraphicsState& state) const;
     void UsePen(const GraphicsState& state);
+    void Stroke(const GraphicsState& state, const QPainterPath& path);
+    // The pieces of a mark; none when it is made of something else too.
+    std::vector<MarkPiece> PiecesOf(const GraphicsState& state, const MarkPainter& paint);
     void Paint(const GraphicsState& state, const QPainterPath& path);
     void FlushLines();
     void FlushDiscs();
@@ -79,6 +101,9 @@ class PageDevice : public MeasuringDevice {
     // The discs of a figure that one sees through: described in one piece they cover once.
     QPainterPath discs_;
     GraphicsState discState_;
+    // While a mark is taken apart: where its pieces go, and whether there is something that is no piece.
+    std::vector<MarkPiece>* pieces_ = nullptr;
+    bool otherPieces_ = false;
 };
 
 }  // namespace zel::qt

@@ -1,11 +1,13 @@
 #include "backends/qt/Application.h"
 #include "backends/qt/FileDevices.h"
-#include "backends/qt/FileSink.h"
 #include "backends/qt/PageDevice.h"
+#include "backends/qt/PdfContent.h"
+#include "backends/qt/PdfSink.h"
 
 #include <zel/platform/Exception.h>
 #include <zel/platform/SafeFile.h>
 
+#include <QImage>
 #include <QPageLayout>
 #include <QPdfWriter>
 
@@ -25,7 +27,7 @@ struct PdfFile {
         writer.setCreator("Zel");
     }
     SafeFile file;
-    FileSink sink;
+    PdfSink sink;
     QPdfWriter writer;
 };
 
@@ -36,8 +38,27 @@ class PdfDevice : private PdfFile, public PageDevice {
         Begin(writer);
     }
     void Finish() override {
+        sink.TakeRest();
         PageDevice::Finish();
+        Check(sink.Complete());
         file.Commit();
+    }
+
+  protected:
+    // A mark is a form, and all of them are another one, which stands where the writer believes a picture.
+    bool DrawAlike(std::span<const MarkPiece> pieces, std::span<const CPoint> places) override {
+        constexpr int kSide = 8;
+        QImage picture(kSide, kSide, QImage::Format_RGB32);
+        picture.fill(Qt::white);
+        sink.Take();
+        Painter().drawImage(QPointF(0, 0), picture);
+        // A picture, and its length.
+        const std::vector<int> objects = sink.Taken(2);
+        if (objects.empty()) return false;
+        const PdfStream mark = FormOf(pieces), all = FormOf(objects[1], ReachOf(pieces), places, kSide);
+        sink.WriteStream(objects[0], all.dictionary, all.content);
+        sink.WriteStream(objects[1], mark.dictionary, mark.content);
+        return true;
     }
 
   private:

@@ -10,6 +10,8 @@ class QtPlatform : public Platform {
   public:
     std::unique_ptr<GraphicsDevice> CreateScreenCompatibleDevice() override;
     std::vector<FileFormat> FileFormats() override;
+    std::vector<CPoint> SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                  const CRect& box, const MarkPainter& paint, double unitsPerPixel) override;
 };
 
 }  // namespace zel::qt

@@ -6,6 +6,10 @@
 #include <cstring>
 #include <utility>
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace zel::qt {
 namespace {
 
@@ -44,11 +48,14 @@ Stroker::Stroker(int width, int height)
 
 void Stroker::Add(PointF a, PointF b, double halfWidth) {
     const double reach = halfWidth + 1;
-    if (!ClipTo(a, b, -reach, -reach, width_ + reach, height_ + reach)) return;
+    const auto [minX, maxX] = std::minmax(a.x, b.x);
+    const auto [minY, maxY] = std::minmax(a.y, b.y);
+    const bool inside = minX >= 0 && minY >= 0 && maxX <= width_ && maxY <= height_;
+    if (!inside && !ClipTo(a, b, -reach, -reach, width_ + reach, height_ + reach)) return;
     if (std::fabs(b.y - a.y) >= std::fabs(b.x - a.x)) {
-        AddAlong<true>(a, b, halfWidth);
+        AddSteep(a, b, halfWidth);
     } else {
-        AddAlong<false>(a, b, halfWidth);
+        AddFlat(a, b, halfWidth);
     }
 }
 
@@ -61,10 +68,34 @@ using Ints = int __attribute__((vector_size(kLanes * sizeof(int))));
 Floats All(float value) {
     return Floats{value, value, value, value};
 }
+// Of the pixels of a row from one on.
+Floats CentresFrom(int x) {
+    const float first = static_cast<float>(x) + 0.5F;
+    return Floats{first, first + 1, first + 2, first + 3};
+}
+// The first pixel of the lanes that a place lies in. Neighbouring segments then write the same bytes
+// together, which the processor can read again at once.
+int WordOf(double place) {
+    return static_cast<int>(place) & -kLanes;
+}
+// The compiler does not find these for itself.
+#ifdef __SSE2__
+Floats Clamp01(const Floats& v) {
+    return _mm_min_ps(_mm_max_ps(v, _mm_setzero_ps()), _mm_set1_ps(1));
+}
+Floats RootOf(const Floats& v) {
+    return _mm_sqrt_ps(v);
+}
+#else
 Floats Clamp01(const Floats& v) {
     const Floats positive = v > All(0) ? v : All(0);
     return positive < All(1) ? positive : All(1);
 }
+Floats RootOf(Floats v) {
+    for (int lane = 0; lane < kLanes; ++lane) v[lane] = std::sqrt(v[lane]);
+    return v;
+}
+#endif
 
 Ints ToBytes(const Floats& coverage) {
     return __builtin_convertvector(Clamp01(coverage) * 255.0F + 0.5F, Ints);
@@ -79,18 +110,17 @@ Ints CoverageOfAxis(const Floats& across, float axis, float cosine, float reach)
 // Raises four neighbouring bytes of the mask to a coverage. Past the end of a line the coverage is 0, and
 // past the end of a row there is room: no byte is changed that should not be.
 void Raise(std::uint8_t* mask, const Ints& coverage) {
-    using Bytes = std::uint8_t __attribute__((vector_size(kLanes)));
-    const Bytes raised = __builtin_convertvector(coverage, Bytes);
-    Bytes present;
-    std::memcpy(&present, mask, sizeof present);
-    std::uint32_t old = 0;
-    std::memcpy(&old, mask, sizeof old);
-    if (old != 0) {
-        const Bytes larger = raised > present ? raised : present;
-        std::memcpy(mask, &larger, sizeof larger);
-    } else {
-        std::memcpy(mask, &raised, sizeof raised);
-    }
+#ifdef __SSE2__
+    const __m128i words = _mm_packs_epi32(reinterpret_cast<__m128i>(coverage), _mm_setzero_si128());
+    int present = 0;
+    std::memcpy(&present, mask, kLanes);
+    const __m128i larger = _mm_max_epu8(_mm_packus_epi16(words, words), _mm_cvtsi32_si128(present));
+    const int bytes = _mm_cvtsi128_si32(larger);
+    std::memcpy(mask, &bytes, kLanes);
+#else
+    for (int lane = 0; lane < kLanes; ++lane)
+        mask[lane] = static_cast<std::uint8_t>(std::max<int>(mask[lane], coverage[lane]));
+#endif
 }
 
 // A segment and the coverage of pixels by a line along it.
@@ -110,9 +140,7 @@ struct Segment {
         const Floats rx = px - x, ry = py - y;
         const Floats t = Clamp01((rx * dx + ry * dy) * inverseSquare);
         const Floats ex = rx - t * dx, ey = ry - t * dy;
-        Floats distance = ex * ex + ey * ey;
-        for (int lane = 0; lane < kLanes; ++lane) distance[lane] = std::sqrt(distance[lane]);
-        return ToBytes(reach - distance);
+        return ToBytes(reach - RootOf(ex * ex + ey * ey));
     }
 };
 
@@ -207,63 +235,70 @@ void Stroker::AddBox(const CRect& box) {
     bottom_ = std::max<int>(bottom_, seen.bottom - 1);
 }
 
-// Walks along the longer axis (y when steep). "Major" is along it, "minor" across.
-template <bool kSteep>
-void Stroker::AddAlong(PointF a, PointF b, double halfWidth) {
-    const auto major = [](const PointF& p) { return kSteep ? p.y : p.x; };
-    const auto minor = [](const PointF& p) { return kSteep ? p.x : p.y; };
-    if (major(a) > major(b)) std::swap(a, b);
-    const double dMajor = major(b) - major(a);
-    const double dMinor = minor(b) - minor(a);
-    const double slope = dMajor > 0 ? dMinor / dMajor : 0;
+// Row by row, the pixels on both sides of the axis.
+void Stroker::AddSteep(PointF a, PointF b, double halfWidth) {
+    if (a.y > b.y) std::swap(a, b);
+    const double dy = b.y - a.y;
+    const double slope = dy > 0 ? (b.x - a.x) / dy : 0;
     const double reach = halfWidth + 0.5;
     const double acrossReach = reach * std::sqrt(1 + slope * slope);
-    const int majorEnd = (kSteep ? height_ : width_) - 1;
-    const int minorEnd = (kSteep ? width_ : height_) - 1;
-    const int first = std::max(0, static_cast<int>(std::floor(major(a) - reach)));
-    const int last = std::min(majorEnd, static_cast<int>(std::floor(major(b) + reach)));
-    const double minorLow = std::max(std::min(minor(a), minor(b)) - reach, 0.0);
-    const double minorHigh = std::min(std::max(minor(a), minor(b)) + reach, static_cast<double>(minorEnd));
-    if (minorHigh < minorLow) return;
+    const int first = std::max(0, static_cast<int>(std::floor(a.y - reach)));
+    const int last = std::min(height_ - 1, static_cast<int>(std::floor(b.y + reach)));
+    const double left = std::max(std::min(a.x, b.x) - reach, 0.0);
+    const double right = std::min(std::max(a.x, b.x) + reach, static_cast<double>(width_ - 1));
+    if (right < left) return;
     const Segment segment(a, b);
     const auto reachF = static_cast<float>(reach);
     const auto cosine = static_cast<float>(reach / acrossReach);
-    const std::ptrdiff_t stride = kSteep ? 1 : stride_;
-    double axis = minor(a) + (first + 0.5 - major(a)) * slope;
-    for (int i = first; i <= last; ++i, axis += slope) {
-        const int low = static_cast<int>(std::max(axis - acrossReach, minorLow));
-        const int high = static_cast<int>(std::min(axis + acrossReach, minorHigh));
+    double axis = a.x + (first + 0.5 - a.y) * slope;
+    for (int y = first; y <= last; ++y, axis += slope) {
+        const int low = WordOf(std::max(axis - acrossReach, left));
+        const int high = static_cast<int>(std::min(axis + acrossReach, right));
         if (low > high) continue;
-        const bool inner = i + 0.5 > major(a) + acrossReach && i + 0.5 < major(b) - acrossReach;
-        std::uint8_t* at = mask_.data() + (kSteep ? static_cast<std::ptrdiff_t>(i) * stride_ + low
-                                                  : static_cast<std::ptrdiff_t>(low) * stride_ + i);
-        for (int k = low; k <= high; k += kLanes, at += kLanes * stride) {
-            const float first4 = static_cast<float>(k) + 0.5F;
-            const Floats across{first4, first4 + 1, first4 + 2, first4 + 3};
-            const Floats along = All(static_cast<float>(i) + 0.5F);
-            const Ints coverage = inner    ? CoverageOfAxis(across, static_cast<float>(axis), cosine, reachF)
-                                  : kSteep ? segment.Coverage(across, along, reachF)
-                                           : segment.Coverage(along, across, reachF);
-            if constexpr (kSteep) {
-                Raise(at, coverage);
-            } else {
-                const int lanes = std::min(kLanes, high - k + 1);
-                for (int lane = 0; lane < lanes; ++lane) {
-                    std::uint8_t& byte = at[lane * stride];
-                    byte = static_cast<std::uint8_t>(std::max<int>(byte, coverage[lane]));
-                }
-            }
+        const bool inner = y + 0.5 > a.y + acrossReach && y + 0.5 < b.y - acrossReach;
+        const Floats along = All(static_cast<float>(y) + 0.5F);
+        std::uint8_t* at = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_ + low;
+        for (int x = low; x <= high; x += kLanes, at += kLanes) {
+            const Floats across = CentresFrom(x);
+            Raise(at, inner ? CoverageOfAxis(across, static_cast<float>(axis), cosine, reachF)
+                            : segment.Coverage(across, along, reachF));
         }
-        if (kSteep) {
-            Touch(i, low, high);
-        } else {
-            for (int k = low; k <= high; ++k) Touch(k, i, i);
-        }
+        Touch(y, low, high);
     }
-    const int rowLow = kSteep ? first : static_cast<int>(minorLow);
-    const int rowHigh = kSteep ? last : static_cast<int>(minorHigh);
-    top_ = std::min(top_, rowLow);
-    bottom_ = std::max(bottom_, rowHigh);
+    top_ = std::min(top_, first);
+    bottom_ = std::max(bottom_, last);
+}
+
+// Row by row, the pixels that the strip along the axis covers in it.
+void Stroker::AddFlat(PointF a, PointF b, double halfWidth) {
+    if (a.x > b.x) std::swap(a, b);
+    const double dx = b.x - a.x, dy = b.y - a.y;
+    const double reach = halfWidth + 0.5;
+    const double left = std::max(a.x - reach, 0.0);
+    const double right = std::min(b.x + reach, static_cast<double>(width_ - 1));
+    const int first = std::max(0, static_cast<int>(std::floor(std::min(a.y, b.y) - reach)));
+    const int last = std::min(height_ - 1, static_cast<int>(std::floor(std::max(a.y, b.y) + reach)));
+    if (right < left || first > last) return;
+    // Where the axis crosses a row, and how far the strip reaches from there; nothing to tell when it hardly
+    // crosses any.
+    const bool crosses = std::fabs(dy) > 1e-9;
+    const double step = crosses ? dx / dy : 0;
+    const double stripReach = crosses ? reach * std::sqrt(1 + step * step) : right - left + 1;
+    double axis = crosses ? a.x + (first + 0.5 - a.y) * step : left;
+    const Segment segment(a, b);
+    const auto reachF = static_cast<float>(reach);
+    for (int y = first; y <= last; ++y, axis += step) {
+        const int low = WordOf(std::max(axis - stripReach, left));
+        const int high = static_cast<int>(std::min(axis + stripReach, right));
+        if (low > high) continue;
+        const Floats along = All(static_cast<float>(y) + 0.5F);
+        std::uint8_t* at = mask_.data() + static_cast<std::ptrdiff_t>(y) * stride_ + low;
+        for (int x = low; x <= high; x += kLanes, at += kLanes)
+            Raise(at, segment.Coverage(CentresFrom(x), along, reachF));
+        Touch(y, low, high);
+    }
+    top_ = std::min(top_, first);
+    bottom_ = std::max(bottom_, last);
 }
 
 namespace {

@@ -42,8 +42,8 @@ class Stroker {
     void Blend(const PixelBuffer& target, std::uint32_t color, const std::vector<CRect>& clips);
 
   private:
-    template <bool kSteep>
-    void AddAlong(PointF a, PointF b, double halfWidth);
+    void AddSteep(PointF a, PointF b, double halfWidth);
+    void AddFlat(PointF a, PointF b, double halfWidth);
     void BlendRow(const PixelBuffer& target, std::uint32_t color, int y, int begin, int end);
     void ClearRow(int y);
     // Notes that the columns `first` to `last` of a row hold coverage.

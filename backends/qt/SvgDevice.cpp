@@ -5,6 +5,7 @@
 #include "backends/qt/Hatch.h"
 #include "backends/qt/PenStyle.h"
 #include "backends/qt/Pictures.h"
+#include "backends/qt/SeenMarks.h"
 #include "platform/graphics/ComplexText.h"
 #include "platform/graphics/RunThinner.h"
 
@@ -14,10 +15,9 @@
 #include <QBuffer>
 #include <QXmlStreamWriter>
 
+#include <charconv>
 #include <cmath>
-#include <set>
 #include <string>
-#include <utility>
 
 namespace zel::qt {
 namespace {
@@ -188,44 +188,18 @@ class SvgDevice : public MeasuringDevice {
         WriteShape(state, fill);
     }
 
+    // Plain discs of a figure are mixed with the picture together.
     void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override {
+        const bool plain = state.pen.lopnStyle == PS_NULL && state.brush.lbStyle == BS_SOLID;
         BeginCurve();
-        BasicDevice::Ellipses(state, places, box);
+        DrawMarks(state, places, box, plain ? state.brush.lbTransparency : BYTE{0},
+                  EllipsePainter(state, box));
         EndCurve();
     }
 
-    // One symbol, used at each place. Of marks that lie within a quarter of a pixel of a screen, the last is
-    // kept.
     void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
                const MarkPainter& paint) override {
-        constexpr std::size_t kFew = 4;
-        if (places.size() < kFew) {
-            BasicDevice::Marks(state, places, box, paint);
-            return;
-        }
-        UseClip(state);
-        EndFigure();
-        const QString id = "mark" + QString::number(++lastId_);
-        xml_.writeStartElement("defs");
-        xml_.writeStartElement("g");
-        xml_.writeAttribute("id", id);
-        paint(*this, CPoint(0, 0) - state.map.ToDevice(CPoint(0, 0)), MarkClip::KEPT);
-        EndFigure();
-        xml_.writeEndElement();
-        xml_.writeEndElement();
-        std::vector<CPoint> shown;
-        std::set<std::pair<LONG, LONG>> taken;
-        for (auto place = places.rbegin(); place != places.rend(); ++place) {
-            const CPoint at = state.map.ToDevice(*place);
-            const auto cell = [](LONG unit) { return static_cast<LONG>(std::floor(unit * 4 / kPixel)); };
-            if (options_.keepAllPoints || taken.emplace(cell(at.x), cell(at.y)).second) shown.push_back(at);
-        }
-        for (auto at = shown.rbegin(); at != shown.rend(); ++at) {
-            xml_.writeEmptyElement("use");
-            xml_.writeAttribute("xlink:href", "#" + id);
-            xml_.writeAttribute("x", QString::number(at->x));
-            xml_.writeAttribute("y", QString::number(at->y));
-        }
+        DrawMarks(state, places, box, 0, paint);
     }
 
     void BeginCurve() override { ++curves_; }
@@ -262,6 +236,75 @@ class SvgDevice : public MeasuringDevice {
     }
 
   private:
+    // One definition. Few marks are uses of it, which any reader can take apart; many are the corners of a
+    // path, at which readers draw it much faster.
+    void DrawMarks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+                   BYTE transparency, const MarkPainter& paint) {
+        constexpr std::size_t kFew = 4, kMostUses = 1000;
+        if (places.size() < kFew) {
+            BasicDevice::Marks(state, places, box, paint);
+            return;
+        }
+        std::vector<CPoint> seen;
+        if (options_.keepAllPoints) {
+            for (const CPoint& place : places) seen.push_back(state.map.ToDevice(place));
+        } else {
+            seen = SeenMarks(state, places, box, paint, kPixel);
+        }
+        UseClip(state);
+        UseFigure(transparency);
+        const QString id = "mark" + QString::number(++lastId_);
+        const bool uses = seen.size() <= kMostUses;
+        xml_.writeStartElement("defs");
+        xml_.writeStartElement(uses ? "g" : "marker");
+        xml_.writeAttribute("id", id);
+        if (!uses) {
+            xml_.writeAttribute("markerUnits", "userSpaceOnUse");
+            xml_.writeAttribute("overflow", "visible");
+        }
+        const BYTE figure = figure_;
+        paint(*this, CPoint(0, 0) - state.map.ToDevice(CPoint(0, 0)), MarkClip::KEPT);
+        if (figure_ != figure) EndFigure();
+        xml_.writeEndElement();
+        xml_.writeEndElement();
+        uses ? WriteUses("#" + id, seen) : WriteCorners("url(#" + id + ")", seen);
+    }
+
+    void WriteUses(const QString& reference, std::span<const CPoint> places) {
+        for (const CPoint& at : places) {
+            xml_.writeEmptyElement("use");
+            xml_.writeAttribute("xlink:href", reference);
+            xml_.writeAttribute("x", QString::number(at.x));
+            xml_.writeAttribute("y", QString::number(at.y));
+        }
+    }
+
+    void WriteCorners(const QString& marker, std::span<const CPoint> places) {
+        std::string path = "m";
+        CPoint before;
+        for (const CPoint& at : places) {
+            AppendNumber(path, at.x - before.x);
+            AppendNumber(path, at.y - before.y);
+            before = at;
+        }
+        xml_.writeEmptyElement("path");
+        xml_.writeAttribute("d", QString::fromStdString(path));
+        xml_.writeAttribute("fill", "none");
+        for (const char* where : {"marker-start", "marker-mid", "marker-end"})
+            xml_.writeAttribute(where, marker);
+    }
+
+    // Numbers of a path stand apart by a space or a sign.
+    static void AppendNumber(std::string& text, LONG number) {
+        if (number >= 0 && text.back() >= '0' && text.back() <= '9') text += ' ';
+        AppendDigits(text, number);
+    }
+
+    static void AppendDigits(std::string& text, LONG number) {
+        char digits[16];
+        text.append(digits, std::to_chars(std::begin(digits), std::end(digits), number).ptr);
+    }
+
     QString PointsText(const GraphicsState& state, std::span<const CPoint> points) {
         mapped_.clear();
         for (const CPoint& p : points) mapped_.push_back(state.map.ToDevice(p));
@@ -269,12 +312,14 @@ class SvgDevice : public MeasuringDevice {
     }
 
     static QString PointsText(std::span<const CPoint> points) {
-        QString text;
+        std::string text;
         for (const CPoint& at : points) {
-            if (!text.isEmpty()) text += ' ';
-            text += QString::number(at.x) + ',' + QString::number(at.y);
+            if (!text.empty()) text += ' ';
+            AppendDigits(text, at.x);
+            text += ',';
+            AppendDigits(text, at.y);
         }
-        return text;
+        return QString::fromStdString(text);
     }
 
     void WriteBox(const CRect& box) {

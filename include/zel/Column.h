@@ -92,6 +92,10 @@ class Column {
         return *this;
     }
 
+    // A column of some rows, in the order of their indexes, with the same name and unit. It owns its data.
+    // Throws zel::Error for a row that does not exist.
+    Column Rows(std::span<const std::size_t> rows) const;
+
     // Stores or loads everything; borrowed rows are stored as well, and loaded ones are owned.
     void Serialize(CArchive& ar);
 

@@ -226,6 +226,16 @@ void BasicDevice<Interface>::Marks(const GraphicsState& state, std::span<const C
 }
 
 template <class Interface>
+MarkPainter BasicDevice<Interface>::EllipsePainter(const GraphicsState& state, const CRect& box) {
+    return [&state, box](GraphicsDevice& device, const CSize& move, MarkClip clip) {
+        GraphicsState moved = state;
+        moved.map.viewportOrigin = state.map.viewportOrigin + move;
+        if (clip == MarkClip::NONE) moved.clip.reset();
+        device.Ellipse(moved, box);
+    };
+}
+
+template <class Interface>
 void BasicDevice<Interface>::BeginCurve() {}
 template <class Interface>
 void BasicDevice<Interface>::EndCurve() {}

@@ -39,6 +39,11 @@ const std::vector<std::uint8_t>& GetMetaFileBits(HMETAFILE metafile) {
     return metafile->bytes;
 }
 
+void zel::LeaveOutUnseen(HDC recorder, int unitsPerInch) {
+    if (auto* device = dynamic_cast<MetafileDevice*>(&DeviceOf(recorder)))
+        device->LeaveOutUnseen(unitsPerInch);
+}
+
 std::array<std::uint8_t, 22> zel::PlaceableHeader(const CRect& box, WORD unitsPerInch) {
     constexpr DWORD kKey = 0x9AC6CDD7;
     WORD words[11] = {static_cast<WORD>(kKey & 0xFFFF), static_cast<WORD>(kKey >> 16), 0};

@@ -6,6 +6,7 @@
 #include "platform/graphics/Utf8.h"
 
 #include <zel/platform/MetricsDevice.h>
+#include <zel/platform/Platform.h>
 
 #include <algorithm>
 #include <cstring>
@@ -51,6 +52,7 @@ enum Function : WORD {
     META_EXTTEXTOUT = 0x0A32,
 };
 
+constexpr std::size_t kShortLine = 8;  // points: shorter ones are recorded as they are
 constexpr std::size_t kMostSlots = 64;
 constexpr std::size_t kMostPointsInRecord = 8000;
 constexpr std::size_t kMostPointsInPolygon = 0x7000;
@@ -75,10 +77,6 @@ COLORREF OnPaper(COLORREF color, BYTE transparency) {
     return RGB(mixed(GetRValue(color)), mixed(GetGValue(color)), mixed(GetBValue(color)));
 }
 
-void AppendPoints(std::vector<WORD>& words, std::span<const CPoint> points) {
-    for (const CPoint& point : points) words.insert(words.end(), {Word(point.x), Word(point.y)});
-}
-
 void AppendBytes(std::vector<WORD>& words, const std::string& bytes) {
     for (std::size_t i = 0; i < bytes.size(); i += 2) {
         const auto low = static_cast<unsigned char>(bytes[i]);
@@ -97,6 +95,11 @@ bool Same(const CoordinateMap& a, const CoordinateMap& b) {
 }
 
 }  // namespace
+
+void MetafileDevice::AppendPoints(Words& words, std::span<const CPoint> points) const {
+    for (const CPoint& point : points)
+        words.insert(words.end(), {Word(Moved(point).x), Word(Moved(point).y)});
+}
 
 void MetafileDevice::Record(WORD function, const Words& parameters) {
     const auto size = static_cast<DWORD>(parameters.size() + 3);
@@ -126,7 +129,9 @@ std::vector<std::uint8_t> MetafileDevice::Finish() {
 
 // Settings
 
-void MetafileDevice::WriteMap(const CoordinateMap& map) {
+void MetafileDevice::WriteMap(const CoordinateMap& moved) {
+    CoordinateMap map = moved;
+    map.viewportOrigin = map.viewportOrigin - move_;
     Written& w = written_;
     if (Same(map, w.map)) return;
     const bool entersFreeMode = map.mode != w.map.mode && IsFree(map.mode);
@@ -305,6 +310,13 @@ void MetafileDevice::WritePolyline(const CPoint* points, std::size_t count) {
 void MetafileDevice::Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) {
     if (count < 2 || state.pen.lopnStyle == PS_NULL) return;
     WriteStroke(state);
+    std::vector<CPoint> thinned;
+    if (LeavesOut(state) && count > kShortLine) {
+        thinned.assign(points, points + count);
+        ThinRuns(thinned);
+        points = thinned.data();
+        count = thinned.size();
+    }
     for (std::size_t at = 0; at + 1 < count; at += kMostPointsInRecord - 1) {
         WritePolyline(points + at, std::min(count - at, kMostPointsInRecord));
     }
@@ -370,39 +382,63 @@ void MetafileDevice::FillRect(const GraphicsState& state, const CRect& rect, con
     if (box.IsRectEmpty()) return;
     WriteCommon(state);
     if (operation == PATCOPY || operation == PATINVERT) UseBrush(state, brush);
+    const CPoint corner = Moved(box.TopLeft());
     Record(META_PATBLT, {Low(operation), High(operation), Word(box.Height()), Word(box.Width()),
-                         Word(box.top), Word(box.left)});
+                         Word(corner.y), Word(corner.x)});
 }
 
-void MetafileDevice::Rectangle(const GraphicsState& state, const CRect& r) {
+void MetafileDevice::Rectangle(const GraphicsState& state, const CRect& rect) {
     WriteShape(state);
+    const CRect r = Moved(rect);
     Record(META_RECTANGLE, {Word(r.bottom), Word(r.right), Word(r.top), Word(r.left)});
 }
 
-void MetafileDevice::RoundRect(const GraphicsState& state, const CRect& r, const CSize& corner) {
+void MetafileDevice::RoundRect(const GraphicsState& state, const CRect& rect, const CSize& corner) {
     WriteShape(state);
+    const CRect r = Moved(rect);
     Record(META_ROUNDRECT,
            {Word(corner.cy), Word(corner.cx), Word(r.bottom), Word(r.right), Word(r.top), Word(r.left)});
 }
 
-void MetafileDevice::Ellipse(const GraphicsState& state, const CRect& r) {
+void MetafileDevice::Ellipse(const GraphicsState& state, const CRect& rect) {
     WriteShape(state);
+    const CRect r = Moved(rect);
     Record(META_ELLIPSE, {Word(r.bottom), Word(r.right), Word(r.top), Word(r.left)});
 }
 
-void MetafileDevice::Arc(const GraphicsState& state, const CRect& r, const CPoint& start, const CPoint& end,
-                         ArcKind kind) {
+void MetafileDevice::Arc(const GraphicsState& state, const CRect& rect, const CPoint& start,
+                         const CPoint& end, ArcKind kind) {
     static constexpr WORD kFunctions[] = {META_ARC, META_CHORD, META_PIE};
     kind == ArcKind::ARC ? WriteStroke(state) : WriteShape(state);
     const bool clockwise = state.arcDirection == AD_CLOCKWISE;
-    const CPoint& first = clockwise ? end : start;
-    const CPoint& last = clockwise ? start : end;
+    const CPoint first = Moved(clockwise ? end : start), last = Moved(clockwise ? start : end);
+    const CRect r = Moved(rect);
     Record(kFunctions[static_cast<int>(kind)], {Word(last.y), Word(last.x), Word(first.y), Word(first.x),
                                                 Word(r.bottom), Word(r.right), Word(r.top), Word(r.left)});
 }
 
-void MetafileDevice::SetPixel(const GraphicsState& state, const CPoint& p, COLORREF color) {
+void MetafileDevice::Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) {
+    Marks(state, places, box, EllipsePainter(state, box));
+}
+
+// Records know no definitions: each mark is recorded where it lies, not by moving the origin.
+void MetafileDevice::Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+                           const MarkPainter& paint) {
+    if (!LeavesOut(state)) {
+        BasicDevice::Marks(state, places, box, paint);
+        return;
+    }
+    const CPoint origin = state.map.ToDevice(CPoint(0, 0));
+    for (const CPoint& place : Platform::Get().SeenMarks(state, places, box, paint, unitsPerPixel_)) {
+        move_ = place - origin;
+        paint(*this, move_, MarkClip::KEPT);
+    }
+    move_ = {};
+}
+
+void MetafileDevice::SetPixel(const GraphicsState& state, const CPoint& point, COLORREF color) {
     WriteCommon(state);
+    const CPoint p = Moved(point);
     Record(META_SETPIXEL, {Low(color), High(color), Word(p.y), Word(p.x)});
 }
 
@@ -450,7 +486,7 @@ bool MetafileDevice::WriteRun(const GraphicsState& state, std::span<const TextSp
     std::size_t first = 0;
     for (const EncodedText& piece : pieces) {
         SelectFont(state.font, piece);
-        const CPoint& at = spans[first].at;
+        const CPoint at = Moved(spans[first].at);
         Words words{Word(at.y), Word(at.x), static_cast<WORD>(piece.bytes.size()), 0};
         AppendBytes(words, piece.bytes);
         const auto begin = advances.begin() + static_cast<std::ptrdiff_t>(first);
@@ -469,7 +505,7 @@ void MetafileDevice::WriteText(const GraphicsState& state, std::string_view text
     if (pieces.size() == 1 && pieces[0].bytes == " " && !seen) return;
     for (const EncodedText& piece : pieces) {
         SelectFont(state.font, piece);
-        const CPoint at = PlaceOf(state, text, piece.begin, spans);
+        const CPoint at = Moved(PlaceOf(state, text, piece.begin, spans));
         Words words{static_cast<WORD>(piece.bytes.size())};
         AppendBytes(words, piece.bytes);
         words.insert(words.end(), {Word(at.y), Word(at.x)});

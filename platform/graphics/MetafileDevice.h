@@ -19,10 +19,16 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
     explicit MetafileDevice(std::string fileName) : fileName_(std::move(fileName)) {}
 
     const std::string& FileName() const { return fileName_; }
+    // As the function of the same name says.
+    void LeaveOutUnseen(int unitsPerInch) { unitsPerPixel_ = unitsPerInch / kPixelsPerInch; }
     // The complete metafile; nothing may be drawn afterwards.
     std::vector<std::uint8_t> Finish();
 
     int Caps(int index) const override { return index == TECHNOLOGY ? DT_METAFILE : 0; }
+    int CurveColumn(const GraphicsState& state) const override { return LeavesOut(state) ? 1 : 0; }
+    void Ellipses(const GraphicsState& state, std::span<const CPoint> places, const CRect& box) override;
+    void Marks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
+               const MarkPainter& paint) override;
     void Polyline(const GraphicsState& state, const CPoint* points, std::size_t count) override;
     void Polygons(const GraphicsState& state, std::span<const CPoint> points,
                   std::span<const int> counts) override;
@@ -39,6 +45,7 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
     TEXTMETRIC TextMetrics(const GraphicsState&) override { return {}; }
 
   private:
+    static constexpr double kPixelsPerInch = 96;  // of a screen
     using Words = std::vector<WORD>;
     enum ObjectKind { PEN, BRUSH, FONT, KINDS };
     struct Slot {
@@ -59,6 +66,14 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
         COLORREF textColor = 0;
         UINT textAlign = 0;
     };
+
+    bool LeavesOut(const GraphicsState& state) const {
+        return unitsPerPixel_ > 0 && state.map.windowExtent == state.map.viewportExtent;
+    }
+    // Where a point of a mark is drawn.
+    CPoint Moved(const CPoint& p) const { return p + move_; }
+    CRect Moved(const CRect& rect) const { return rect + CPoint(move_.cx, move_.cy); }
+    void AppendPoints(Words& words, std::span<const CPoint> points) const;
 
     void Record(WORD function, const Words& parameters);
     void WriteMap(const CoordinateMap& map);
@@ -89,6 +104,8 @@ class MetafileDevice : public BasicDevice<GraphicsDevice> {
     void WritePolyline(const CPoint* points, std::size_t count);
 
     std::string fileName_;
+    double unitsPerPixel_ = 0;  // of a screen; 0 when nothing is left out
+    CSize move_;                // of the mark that is drawn, from the origin
     Words body_;
     DWORD largestRecord_ = 3;
     std::vector<Slot> slots_;

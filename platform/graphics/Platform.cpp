@@ -50,4 +50,11 @@ double Platform::UnitsPerInch(const FileDeviceOptions& options) {
     return FormatFor(*this, options).unitsPerInch(options);
 }
 
+std::vector<CPoint> Platform::SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                        const CRect&, const MarkPainter&, double) {
+    std::vector<CPoint> seen;
+    for (const CPoint& place : places) seen.push_back(state.map.ToDevice(place));
+    return seen;
+}
+
 }  // namespace zel

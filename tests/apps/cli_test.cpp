@@ -103,6 +103,21 @@ TEST_F(Program, ReadsTablesOfOtherForms) {
         << "what is given is not found out";
 }
 
+TEST_F(Program, DrawsASeriesOfEachGroup) {
+    const std::string plot =
+        "plot " + Csv("year,source,v\n2019,coal,1\n2019,wind,2\n2020,coal,3\n2020,wind,4\n2021,,9\n") +
+        " --x year --y v";
+    const std::string document = folder_ / "a.zel";
+    EXPECT_THAT(Run(plot + " -o " + document).text, HasSubstr("--group \"source\""));
+    const auto grouped = Run(plot + " --group source -o " + document);
+    EXPECT_EQ(grouped.text, "");
+    const auto drawing = zel::LoadDocument(document.c_str());
+    const auto layers = dynamic_cast<Zel2Chart*>((*drawing)[0])->Layers();
+    ASSERT_EQ(layers.size(), 2U);
+    EXPECT_EQ(layers[0]->Name() + layers[1]->Name(), "coalwind");
+    EXPECT_EQ(dynamic_cast<Zel2LineLayer&>(*layers[1]).Y().At(1), 4);
+}
+
 TEST_F(Program, ReadsDatesAsTimes) {
     const std::string csv =
         Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");

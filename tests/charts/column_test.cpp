@@ -59,6 +59,21 @@ TEST(Column, counts_texts_in_order_of_appearance) {
     EXPECT_EQ(texts.At(3), 0);
 }
 
+TEST(Column, hands_out_some_of_its_rows) {
+    const std::vector<std::size_t> rows{2, 0, 2};
+    const Column numbers = Column(std::vector<int>{4, 5, 6}).SetName("n").Rows(rows);
+    EXPECT_EQ(numbers.Name(), "n");
+    EXPECT_EQ(numbers.At(0) * 100 + numbers.At(1) * 10 + numbers.At(2), 646);
+    const Column times = Column::Times({7'000'000'001, 5, 9'000'000'002}, 1'000'000'000).Rows(rows);
+    EXPECT_EQ(times.Origin(), 9);
+    EXPECT_NEAR(times.At(0), 2e-9, 1e-18) << "to the nanosecond";
+    EXPECT_NEAR(times.At(1), -2 + 1e-9, 1e-15);
+    const Column texts = Column(std::vector<std::string>{"a", "b", "c"}).Rows(rows);
+    EXPECT_EQ(texts.Names()[static_cast<std::size_t>(texts.At(0))], "c");
+    EXPECT_EQ(texts.Size(), 3U);
+    EXPECT_THROW(numbers.Rows(std::vector<std::size_t>{3}), zel::Error);
+}
+
 TEST(Column, comes_back_from_archives) {
     for (Column stored :
          {Column(std::vector<float>{1, 2.5F}),

@@ -199,6 +199,10 @@ class BasicDevice : public Interface {
                                    std::span<const std::size_t> ends) override;
     COLORREF GetPixel(const CPoint& devicePoint) override;
     void Flush() override;
+
+  protected:
+    // The ellipse in `box` as a mark. Good as long as `state` is.
+    static MarkPainter EllipsePainter(const GraphicsState& state, const CRect& box);
 };
 
 extern template class BasicDevice<GraphicsDevice>;

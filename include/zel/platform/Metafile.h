@@ -21,6 +21,10 @@ const std::vector<std::uint8_t>& GetMetaFileBits(HMETAFILE metafile);
 
 namespace zel {
 
+// From here on a recorder whose logical units are those of its device, of which an inch has so many, leaves
+// out points of lines and marks that make no difference to what is seen. Nothing for other contexts.
+void LeaveOutUnseen(HDC recorder, int unitsPerInch);
+
 // The 22-byte header in front of a metafile that says where and how large it is (Microsoft MS-WMF,
 // section 2.3.2.3): key, handle 0, box, units per inch, reserved, and a checksum of the ten words before it.
 std::array<std::uint8_t, 22> PlaceableHeader(const CRect& box, WORD unitsPerInch);

@@ -5,6 +5,7 @@
 #include <zel/platform/GraphicsDevice.h>
 
 #include <memory>
+#include <span>
 #include <vector>
 
 namespace zel {
@@ -36,6 +37,12 @@ class Platform {
     std::unique_ptr<DocumentDevice> CreateFileDevice(const FileDeviceOptions& options);
     // The device units in an inch that this device has; see FileFormat. Throws CNotSupportedException*.
     double UnitsPerInch(const FileDeviceOptions& options);
+
+    // Where marks (GraphicsDevice::Marks) are to be drawn in a file of vectors, in device units and in order,
+    // `unitsPerPixel` to a pixel of a screen. They may be moved by a part of such a pixel, and those that
+    // would not be seen are left out. Here: all of them.
+    virtual std::vector<CPoint> SeenMarks(const GraphicsState& state, std::span<const CPoint> places,
+                                          const CRect& box, const MarkPainter& paint, double unitsPerPixel);
 
     // Where windows come from (borrowed); null where there are none.
     virtual WindowSystem* Windows() { return nullptr; }

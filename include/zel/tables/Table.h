@@ -104,6 +104,10 @@ class Table {
     std::shared_ptr<const Texts> texts_;
 };
 
+// A text as a time, in any of the forms that columns of a table may have, or a year alone: seconds since 1970
+// in UTC. Nothing when it is none.
+std::optional<double> TimeOf(std::string_view text, DateOrder order = DateOrder::DAY_FIRST);
+
 // The words for a kind: "number", "time", "duration", "boolean", "text", "empty".
 const char* NameOf(Kind kind);
 

@@ -618,4 +618,51 @@ TEST_F(Files, SvgUsesOneDefinitionForAllMarks) {
     EXPECT_LT(difference / (80 * 60), 2) << "of 255 on average";
 }
 
+// Many marks are described once and drawn at every place, but for those that nobody sees, and all formats
+// look like the image: discs, an outline, ink that one sees through.
+TEST_F(Files, DrawManyMarksAlike) {
+    auto* points = new Zel2PointArray;
+    std::mt19937 random(6);
+    std::normal_distribution<double> any(0, 1);
+    for (int i = 0; i < 30'000; ++i) points->Append(5 + 1.4 * any(random), 0.5 + 0.14 * any(random));
+    graph_->AddIn(points);
+    for (const int kind : {0, 1, 2}) {
+        const int symbol = kind == 0
+                               ? zel::RegisterSymbol(root_, "disc", {.size = 2, .color = RGB(250, 180, 0)})
+                               : root_.RegisterSymbol(kind == 1 ? "ring" : "cross", CSize(90, 90),
+                                                      kind == 1 ? zel::SYMBOL_CIRCLE : zel::SYMBOL_CROSS, "",
+                                                      3, RGB(0, 0, 90), 0, RGB(250, 180, 0), 0, 1, "Arial",
+                                                      80, 0, 0, nullptr, nullptr, 0);
+        if (kind == 2) {  // what one sees through shows all that lies below
+            root_.Symbol(symbol)->Opacity(0.3);
+            points->SetPoints(std::vector(points->XValues().begin(), points->XValues().begin() + 3000),
+                              std::vector(points->YValues().begin(), points->YValues().begin() + 3000));
+        }
+        points->SetSymbol(symbol, true);
+        const QImage ours = Coarse(Written("marks.png"));
+        zel::ExportOptions all;
+        all.keepAllPoints = true;
+        for (const std::string format : {"svg", "pdf", "wmf"}) {
+            const std::string path = Written(("marks." + format).c_str()), seen = path + ".png";
+            const std::size_t size = Content(path).size();
+            EXPECT_LT(size, format == "wmf" ? 1'200'000U : 160'000U) << format << kind;
+            EXPECT_LE(size, Content(Written(("all." + format).c_str(), all)).size()) << format << kind;
+            if (kind == 2 && format == "wmf") continue;  // knows opaque ink only
+            const auto reader = RunProgram(
+                format == "svg"   ? "rsvg-convert -b white " + path + " -o " + seen
+                : format == "pdf" ? "pdftoppm -r 150 -png -singlefile " + path + " " + path
+                                  : "wmf2gd -t png --maxwidth=600 --maxheight=450 -o " + seen + " " + path);
+            ASSERT_EQ(reader.code, 0) << reader.text;
+            const QImage theirs = Coarse(seen);
+            double difference = 0;
+            for (int y = 0; y < 60; ++y)
+                for (int x = 0; x < 80; ++x)
+                    difference += std::abs(qGray(theirs.pixel(x, y)) - qGray(ours.pixel(x, y)));
+            // The reader of metafiles draws whole pixels.
+            EXPECT_LT(difference / (80 * 60), format == "wmf" ? 20 : 4)
+                << format << kind << ", of 255 on average";
+        }
+    }
+}
+
 }  // namespace

@@ -76,6 +76,9 @@ class Plot {
         series->SetSymbol(-1, true);
         series->SetColor(root_.RegisterColor("fill", RGB(200, 30, 60), RGB(200, 30, 60)));
     }
+    void Dash() {
+        series->SetPen(root_.RegisterPen("dashes", DrawPen::DASH, 2, RGB(30, 60, 90), 0, nullptr));
+    }
     void MarkWithDiscs() {
         series->SetPen(-1);
         series->SetColor(-1);
@@ -156,6 +159,7 @@ std::vector<Shape> Shapes() {
     };
     const auto slow = [](std::size_t i) { return 0.5 + 0.4 * std::sin(static_cast<double>(i) / 2000); };
     const auto gaps = [=](std::size_t i) { return i % 997 == 5 ? kNan : slow(i); };
+    const auto holes = [=](std::size_t i) { return i % 53 == 7 || i % 1000 > 990 ? kNan : wander(i); };
     const auto wild = [=](std::size_t i) {
         return i % 501 == 7 ? kInfinity : i % 703 == 9 ? -1e300 : i % 901 == 11 ? 5e-324 : any(i);
     };
@@ -166,6 +170,7 @@ std::vector<Shape> Shapes() {
         {"noise", even, any},
         {"slow", even, slow},
         {"gaps", even, gaps},
+        {"holes", even, holes},
         {"away", even, [=](std::size_t i) { return i % 1500 < 600 ? 5 : slow(i); }},
         {"wild", even, wild},
         {"back", back, any},
@@ -305,10 +310,11 @@ TEST(Series, KeepsStepsCrisp) {
 // Lines with their extensions, fills and symbols look with an index as they do without.
 TEST(Series, LooksTheSameWithoutAnIndex) {
     const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
-    enum Kind { LINE, FILL, DISCS };
-    for (const Kind kind : {LINE, FILL, DISCS}) {
+    enum Kind { LINE, FILL, DISCS, DASHES };
+    for (const Kind kind : {LINE, FILL, DISCS, DASHES}) {
         Plot<Zel2PointArray> fast(2, grid), plain(2, grid);
         for (auto* plot : {&fast, &plain}) {
+            if (kind == DASHES) plot->Dash();
             if (kind == FILL) plot->Fill();
             if (kind == DISCS) plot->MarkWithDiscs();
         }
@@ -333,6 +339,28 @@ TEST(Series, LooksTheSameWithoutAnIndex) {
             }
         }
     }
+}
+
+// A dashed line is drawn point by point where its dashes can be seen, and covers as much where they cannot.
+TEST(Series, DashesWhatIsDenseAsOneSeesIt) {
+    const auto grid = zel::qt::ImageDevice::Grid::SIXTEENTHS;
+    Plot<Zel2PointArray> plot(2, grid);
+    Plot<EveryPoint> reference(2, grid);
+    plot.Dash();
+    reference.Dash();
+    std::mt19937 random(4);
+    double walk = 0.5;
+    for (std::size_t i = 0; i < kMany; ++i) {
+        const double x = static_cast<double>(i) / kMany;
+        if (x < 0.5) walk = std::clamp(walk + std::normal_distribution<double>(0, 0.05)(random), 0.1, 0.9);
+        const double y = x < 0.5 ? walk : 0.5 + 0.3 * std::sin(40 * x);
+        for (Zel2PointArray* series : {plot.series, static_cast<Zel2PointArray*>(reference.series)})
+            series->Append(x, y);
+    }
+    const auto sparse = plot.Picture(0.51, 1, 0, 1), expected = reference.Picture(0.51, 1, 0, 1);
+    EXPECT_EQ(Differences(sparse, expected), "");
+    const double dense = Darkness(plot.Picture(0, 0.5, 0, 1));
+    EXPECT_NEAR(dense, Darkness(reference.Picture(0, 0.5, 0, 1)), 0.03 * dense);
 }
 
 // A fill of many points, which is thinned, looks like one with each of them.

@@ -1,3 +1,5 @@
+#include "platform/graphics/MarkCover.h"
+
 #include <zel/platform/CoordinateMap.h>
 #include <zel/platform/Gdi.h>
 #include <zel/platform/Geometry.h>
@@ -5,6 +7,8 @@
 
 #include <array>
 #include <gtest/gtest.h>
+#include <random>
+#include <vector>
 
 namespace {
 
@@ -131,6 +135,42 @@ TEST(CombineRgn, RefusesDeadRegions) {
     EXPECT_EQ(CombineRgn(b, a, a, RGN_DIFF), NULLREGION);
     EXPECT_TRUE(DeleteObject(a));
     EXPECT_TRUE(DeleteObject(b));
+}
+
+// Against a grid that is looked at cell by cell.
+TEST(MarkCover, ShowsWhatLaterMarksLeave) {
+    std::mt19937 random(8);
+    const auto any = [&](int n) { return static_cast<int>(random() % static_cast<unsigned>(n)); };
+    for (int round = 0; round < 20; ++round) {
+        const int width = 1 + any(150), height = 1 + any(40), rows = 1 + any(9);
+        zel::MarkCover cover(width, height);
+        std::vector<bool> covered(static_cast<std::size_t>(width * height));
+        int shown = 0;
+        for (int i = 0; i < 400; ++i) {
+            zel::MarkMask mark{.left = any(20) - 60, .top = any(9) - 4, .ink = {}, .solid = {}};
+            for (int row = 0; row < rows; ++row) {
+                mark.ink.push_back(i % 3 == 0 ? ~std::uint64_t{0} : std::uint64_t{random()} << any(60));
+                mark.solid.push_back(mark.ink.back() & ~(std::uint64_t{random()} << any(32)));
+            }
+            const int x = any(width + 140) - 20, y = any(height + 20) - 10;
+            bool seen = false;
+            std::vector<std::size_t> solid;
+            for (int row = 0; row < rows; ++row) {
+                for (int bit = 0; bit < 64; ++bit) {
+                    const int column = x + mark.left + bit, line = y + mark.top + row;
+                    if (column < 0 || line < 0 || column >= width || line >= height) continue;
+                    const auto cell = static_cast<std::size_t>(line * width + column);
+                    const auto r = static_cast<std::size_t>(row);
+                    seen = seen || ((mark.ink[r] >> bit & 1) != 0 && !covered[cell]);
+                    if ((mark.solid[r] >> bit & 1) != 0) solid.push_back(cell);
+                }
+            }
+            ASSERT_EQ(cover.Shows(mark, x, y), seen) << "mark " << i << " at " << x << "," << y;
+            for (const std::size_t cell : solid) covered[cell] = covered[cell] || seen;
+            shown += seen ? 1 : 0;
+        }
+        EXPECT_GT(shown, 0);
+    }
 }
 
 }  // namespace
