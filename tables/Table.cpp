@@ -177,10 +177,11 @@ class TableReader {
                 options_.missing};
     }
 
-    // Reads all rows into the builders; null ones are passed over.
+    // Reads all rows into the builders.
     SpreadSample ReadRows(std::vector<ColumnBuilder>& builders) {
-        std::vector<ColumnBuilder*> all;
-        for (ColumnBuilder& builder : builders) all.push_back(&builder);
+        std::vector<ColumnBuilder*> all(builders.size());
+        std::transform(builders.begin(), builders.end(), all.begin(),
+                       [](ColumnBuilder& one) { return &one; });
         if (options_.keepTexts) texts_ = std::make_shared<Table::Texts>();
         SpreadSample sample;
         table_.rows_ = beyond_ = 0;
@@ -217,6 +218,7 @@ class TableReader {
         parser.Finish();
     }
 
+    // Null builders are passed over.
     void TakeRow(const Row& row, const std::vector<ColumnBuilder*>& builders) const {
         for (std::size_t k = 0; k < builders.size(); ++k) {
             if (!builders[k]) continue;
