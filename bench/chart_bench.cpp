@@ -166,6 +166,18 @@ void HeatMap(benchmark::State& state) {
         chart.AddHeatMap(places, places, View(p.y));
     });
 }
+void Bubbles(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) {
+        zel::BubbleOptions options;
+        options.colors = View(p.y);
+        chart.AddBubbles(View(p.x), View(p.y), options);
+    });
+}
+void Density(benchmark::State& state) {
+    DrawLook(state, [](Zel2Chart& chart, const Points& p) { chart.AddDensity(View(p.x), View(p.y)); });
+}
+BENCHMARK(Bubbles)->Arg(10'000)->Arg(1'000'000)->Unit(benchmark::kMillisecond);
+BENCHMARK(Density)->Arg(1'000'000)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(Bars)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(Histogram)->Arg(100'000)->Arg(10'000'000)->Unit(benchmark::kMillisecond);
 BENCHMARK(ErrorBars)->Arg(1000)->Arg(100'000)->Unit(benchmark::kMillisecond);

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 IMPLEMENT_SERIAL(Zel2BarLayer, Zel2RowLayer, 0)
 
@@ -295,18 +296,21 @@ void Zel2BarLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spac
         within && IsDark(color->GetColor(), Opacity()) ? Chart()->LightTextFont() : Chart()->TextFont();
     const zel::TextRuler ruler(*Font(font));
     const auto logical = [this](double units) {
-        return std::abs(Map()->ToLogical(CSize(static_cast<int>(units), 0)).cx);
+        return zel::Magnitude(Map()->ToLogical(CSize(zel::Truncate(units), 0)).cx);
     };
     const int height = logical(ruler.LineHeight()), gap = logical(zel::UnitsOfPoints(2));
     for (std::size_t i = 0; i < shown.size(); ++i) {
         const auto box = BoxOf(i, oriented);
         const double end = oriented.Values().Forward(bars.high[i]);
-        if (!box || !(end >= oriented.LowValue() && end <= oriented.HighValue())) continue;
+        const double position = oriented.Positions().Forward(bars.at[i]);
+        if (!box || !(end >= oriented.LowValue() && end <= oriented.HighValue()) ||
+            !(position >= oriented.FirstPosition() && position <= oriented.LastPosition()))
+            continue;
         const zel::Scale plain = zel::Scale::Linear(0, 1);
         const zel::Scale& scale = within ? plain : oriented.Values();
         const std::string text = scale.TextOf(shown[i], resolution, format);
         const int width = logical(ruler.WidthOf(text)) + gap;
-        CPoint centre((box->left + box->right) / 2, (box->top + box->bottom) / 2);
+        CPoint centre(std::midpoint(box->left, box->right), std::midpoint(box->top, box->bottom));
         if (within && (width > box->Width() || height > box->Height())) continue;
         if (!within) {
             const CPoint from = oriented.ToLogical(0, oriented.ValueWithin(bars.low[i])),
@@ -315,11 +319,12 @@ void Zel2BarLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spac
                 oriented.AlongValues(to) < oriented.AlongValues(from) ||
                 (oriented.AlongValues(to) == oriented.AlongValues(from) && !IsHorizontal());
             const int away = gap + (IsHorizontal() ? width : height) / 2;
-            centre = IsHorizontal() ? CPoint(to.x + (backwards ? -away : away), centre.y)
-                                    : CPoint(centre.x, to.y + (backwards ? -away : away));
+            const int moved = backwards ? -away : away;
+            centre = IsHorizontal() ? CPoint(zel::Add(to.x, moved), centre.y)
+                                    : CPoint(centre.x, zel::Add(to.y, moved));
         }
-        const CRect place(centre.x - width / 2, centre.y - height / 2, centre.x + width / 2,
-                          centre.y + height / 2);
+        CRect place(centre, CSize());
+        place.InflateRect(width / 2, height / 2);
         if (within || space.Take(place)) Font(font)->Print(text.c_str(), centre, 0, DT_CENTER | DT_VCENTER);
     }
 }

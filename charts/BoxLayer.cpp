@@ -204,11 +204,12 @@ void Zel2BoxLayer::DrawLines(const std::vector<Shape>& shapes, const zel::Orient
         with.LineTo(to.x, to.y);
     };
     for (const Shape& s : shapes) {
-        const LONG cap = (s.end - s.begin) / 4;
+        const LONG cap = zel::Subtract(s.end, s.begin) / 4;
+        const LONG capBegin = zel::Subtract(s.middle, cap), capEnd = zel::Add(s.middle, cap);
         line(*pen, s.middle, s.lower, s.middle, s.low);
         line(*pen, s.middle, s.upper, s.middle, s.high);
-        line(*pen, s.middle - cap, s.low, s.middle + cap, s.low);
-        line(*pen, s.middle - cap, s.high, s.middle + cap, s.high);
+        line(*pen, capBegin, s.low, capEnd, s.low);
+        line(*pen, capBegin, s.high, capEnd, s.high);
         if (!notches_) {
             line(*pen, s.begin, s.lower, s.end, s.lower);
             line(*pen, s.end, s.lower, s.end, s.upper);

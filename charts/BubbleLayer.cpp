@@ -115,11 +115,11 @@ std::optional<std::size_t> Zel2BubbleLayer::SizeStep(std::size_t row) const {
     if (sizes_.IsEmpty()) return kSizes - 1;
     const double value = sizes_.At(row);
     if (!(value > 0) || !std::isfinite(value)) return std::nullopt;
-    return static_cast<std::size_t>(std::lround(std::sqrt(value / largest_) * (kSizes - 1)));
+    return static_cast<std::size_t>(std::lround(std::sqrt(std::min(value / largest_, 1.0)) * (kSizes - 1)));
 }
 
 int Zel2BubbleLayer::DiameterOf(double share) {
-    return std::max(1, std::abs(Map()->ToLogical(CSize(zel::UnitsOfPoints(size_ * share), 0)).cx));
+    return std::max(1, zel::Magnitude(Map()->ToLogical(CSize(zel::UnitsOfPoints(size_ * share), 0)).cx));
 }
 
 void Zel2BubbleLayer::PlotDiscs(std::span<const CPoint> places, int diameter, COLORREF ink) {
@@ -176,7 +176,9 @@ void Zel2BubbleLayer::BlockLabels(const zel::LayerFrame& frame, zel::FreeSpace& 
             if (!size || !frame.world.Contains(stretch.X(i), stretch.Y(i))) continue;
             const CPoint at = frame.world.ToLogical(stretch.X(i), stretch.Y(i));
             const int half = DiameterOf(static_cast<double>(*size) / (kSizes - 1)) / 2;
-            space.Block(CRect(at.x - half, at.y - half, at.x + half, at.y + half));
+            CRect mark(at, CSize());
+            mark.InflateRect(half, half);
+            space.Block(mark);
         }
     }
 }

@@ -85,7 +85,7 @@ void Zel2CandleLayer::DrawIn(const zel::LayerFrame& frame) {
                             low = On(LOW, frame.y), close = On(CLOSE, frame.y);
     zel::ColumnBoxes risingBoxes(*DC(), oriented), fallingBoxes(*DC(), oriented);
     // Half the width of a wick and half the height of a body without any, in world coordinates.
-    const int thin = std::max(1, std::abs(Map()->ToLogical(CSize(zel::UnitsOfPoints(0.8), 0)).cx));
+    const int thin = std::max(1, zel::Magnitude(Map()->ToLogical(CSize(zel::UnitsOfPoints(0.8), 0)).cx));
     const WorldFrame& world = frame.world;
     const double wide = std::max(1.0, std::fabs(static_cast<double>(world.upper.x) - world.lower.x)),
                  tall = std::max(1.0, std::fabs(static_cast<double>(world.upper.y) - world.lower.y));

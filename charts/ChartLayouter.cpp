@@ -245,10 +245,16 @@ void ChartLayouter::MoveLegendInside() {
 }
 
 void ChartLayouter::FitAxes(int level, const PlotMargins& fromEdges) {
-    const PlotMargins least{std::max(0, fromEdges.left - inner_.left),
-                            std::max(0, fromEdges.bottom - inner_.bottom),
-                            std::max(0, fromEdges.right - (layout_.size.cx - inner_.right)),
-                            std::max(0, fromEdges.top - (layout_.size.cy - inner_.top))};
+    // Nothing needs more than the whole chart; beyond it sums would leave the range of integers.
+    const auto bounded = [this](PlotMargins m) {
+        const LONG most = std::max(layout_.size.cx, layout_.size.cy);
+        for (int* side : {&m.left, &m.bottom, &m.right, &m.top}) *side = std::clamp<int>(*side, 0, most);
+        return m;
+    };
+    const PlotMargins least =
+        bounded({std::max(0, fromEdges.left - inner_.left), std::max(0, fromEdges.bottom - inner_.bottom),
+                 std::max(0, fromEdges.right - (layout_.size.cx - inner_.right)),
+                 std::max(0, fromEdges.top - (layout_.size.cy - inner_.top))});
     measured_.assign(scales_.size(), {});
     layout_.axes.resize(scales_.size());
     PlotMargins margins = least;
@@ -271,7 +277,7 @@ void ChartLayouter::FitAxes(int level, const PlotMargins& fromEdges) {
             PlacedColorBar& bar = layout_.colorBars[i];
             MeasureAxis(bar.key->Axis(), bar.axis, measuredBars_[i], level);
         }
-        PlotMargins needed = MarginsOfAxes();
+        PlotMargins needed = bounded(MarginsOfAxes());
         needed = {std::max(needed.left, least.left), std::max(needed.bottom, least.bottom),
                   std::max(needed.right, least.right), std::max(needed.top, least.top)};
         // The last passes only grow: labels that come and go with the room must not make it swing.

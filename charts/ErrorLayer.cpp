@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 IMPLEMENT_SERIAL(Zel2ErrorLayer, Zel2RowLayer, 0)
 
@@ -88,7 +89,7 @@ std::vector<std::string> Zel2ErrorLayer::Notes(const zel::Scale& x, const zel::S
 }
 
 int Zel2ErrorLayer::CapLength() {
-    return std::abs(Map()->ToLogical(CSize(zel::UnitsOfPoints(cap_), 0)).cx);
+    return zel::Magnitude(Map()->ToLogical(CSize(zel::UnitsOfPoints(cap_), 0)).cx);
 }
 
 void Zel2ErrorLayer::DrawIn(const zel::LayerFrame& frame) {
@@ -121,9 +122,9 @@ void Zel2ErrorLayer::DrawIn(const zel::LayerFrame& frame) {
     for (const zel::ColumnSpans::Span& span : spans.Finish()) {
         line(span.at, span.low, span.at, span.high);
         if (half > 0 && span.lowEnds && span.low != span.high)
-            line(span.at - half, span.low, span.at + half, span.low);
+            line(zel::Subtract(span.at, half), span.low, zel::Add(span.at, half), span.low);
         if (half > 0 && span.highEnds && span.low != span.high)
-            line(span.at - half, span.high, span.at + half, span.high);
+            line(zel::Subtract(span.at, half), span.high, zel::Add(span.at, half), span.high);
     }
 }
 
@@ -142,7 +143,7 @@ std::optional<CRect> Zel2ErrorLayer::BoxOf(std::size_t item, const zel::Oriented
 void Zel2ErrorLayer::DrawKey(const CRect& box) {
     DrawPen* const pen = Pen(pen_);
     if (!pen) return;
-    const int x = (box.left + box.right) / 2, half = std::min(CapLength(), box.Width()) / 2;
+    const int x = std::midpoint(box.left, box.right), half = std::min(CapLength(), box.Width()) / 2;
     pen->MoveTo(x, box.top);
     pen->LineTo(x, box.bottom);
     for (const int y : {box.top, box.bottom}) {

@@ -55,7 +55,7 @@ std::optional<Zel2NoteLayer::Places> Zel2NoteLayer::PlacesIn(const zel::LayerFra
     const zel::TextRuler ruler(*font);
     const auto logical = [this](double units) {
         const int size =
-            std::abs(Map()->ToLogical(CSize(static_cast<int>(std::ceil(std::fabs(units))), 0)).cx);
+            zel::Magnitude(Map()->ToLogical(CSize(zel::Truncate(std::ceil(std::fabs(units))), 0)).cx);
         return units < 0 ? -size : size;
     };
     double widest = 0;
@@ -77,9 +77,10 @@ std::optional<Zel2NoteLayer::Places> Zel2NoteLayer::PlacesIn(const zel::LayerFra
                         : dy > 0 && dx == 0 ? height / 2
                         : dx == 0           ? -height / 2
                                             : 0;
-    places.centre = CPoint(places.target.x + dx + besideX, places.target.y - dy - besideY);
-    places.box = CRect(places.centre.x - width / 2, places.centre.y - height / 2, places.centre.x + width / 2,
-                       places.centre.y + height / 2);
+    places.centre =
+        places.target + CSize(dx, zel::Subtract(0, dy)) + CSize(besideX, zel::Subtract(0, besideY));
+    places.box = CRect(places.centre, CSize());
+    places.box.InflateRect(width / 2, height / 2);
     return places;
 }
 
@@ -99,7 +100,7 @@ void Zel2NoteLayer::DrawArrow(const Places& places) {
     DrawPen* const pen = Pen(pen_);
     if (!pen) return;
     const auto units = [this](double points) {
-        return static_cast<double>(std::abs(Map()->ToLogical(CSize(zel::UnitsOfPoints(points), 0)).cx));
+        return static_cast<double>(zel::Magnitude(Map()->ToLogical(CSize(zel::UnitsOfPoints(points), 0)).cx));
     };
     constexpr double kGap = 3, kHead = 5, kSpread = 0.45;
     const double nearX = std::clamp(places.target.x, places.box.left, places.box.right),
@@ -107,15 +108,15 @@ void Zel2NoteLayer::DrawArrow(const Places& places) {
     const double dx = places.target.x - nearX, dy = places.target.y - nearY, length = std::hypot(dx, dy);
     if (length < units(kGap + kHead)) return;
     const double ux = dx / length, uy = dy / length, gap = units(kGap), head = units(kHead);
-    const CPoint from(static_cast<int>(nearX + ux * gap / 2), static_cast<int>(nearY + uy * gap / 2)),
-        tip(static_cast<int>(places.target.x - ux * gap), static_cast<int>(places.target.y - uy * gap));
+    const CPoint from(zel::Truncate(nearX + ux * gap / 2), zel::Truncate(nearY + uy * gap / 2)),
+        tip(zel::Truncate(places.target.x - ux * gap), zel::Truncate(places.target.y - uy * gap));
     pen->MoveTo(from.x, from.y);
     pen->LineTo(tip.x, tip.y);
     for (const double side : {kSpread, -kSpread}) {
         const double c = std::cos(side), s = std::sin(side);
         pen->MoveTo(tip.x, tip.y);
-        pen->LineTo(static_cast<int>(tip.x - head * (ux * c - uy * s)),
-                    static_cast<int>(tip.y - head * (ux * s + uy * c)));
+        pen->LineTo(zel::Truncate(tip.x - head * (ux * c - uy * s)),
+                    zel::Truncate(tip.y - head * (ux * s + uy * c)));
     }
 }
 

@@ -98,7 +98,7 @@ void Zel2RuleLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spa
     if (!font || !ends) return;
     const zel::TextRuler ruler(*font);
     const auto logical = [this](double units) {
-        return std::abs(Map()->ToLogical(CSize(static_cast<int>(std::ceil(units)), 0)).cx);
+        return zel::Magnitude(Map()->ToLogical(CSize(zel::Truncate(std::ceil(units)), 0)).cx);
     };
     const int width = logical(ruler.WidthOf(label_)), height = logical(ruler.LineHeight()),
               gap = logical(zel::UnitsOfPoints(2));
@@ -106,10 +106,10 @@ void Zel2RuleLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spa
     const CPoint end = upright ? (ends->to.y < ends->from.y ? ends->to : ends->from)
                                : (ends->to.x > ends->from.x ? ends->to : ends->from);
     for (const int side : {1, -1}) {
-        const CPoint centre = upright ? CPoint(end.x + side * (gap + width / 2), end.y + height / 2)
-                                      : CPoint(end.x - gap - width / 2, end.y - side * (gap + height) / 2);
-        const CRect box(centre.x - width / 2, centre.y - height / 2, centre.x + width / 2,
-                        centre.y + height / 2);
+        const CPoint centre = end + (upright ? CSize(side * (gap + width / 2), height / 2)
+                                             : CSize(-gap - width / 2, -side * (gap + height) / 2));
+        CRect box(centre, CSize());
+        box.InflateRect(width / 2, height / 2);
         if (!space.Take(box)) continue;
         font->Print(label_.c_str(), centre, 0, DT_CENTER | DT_VCENTER);
         return;

@@ -24,12 +24,14 @@ Zel2TextLayer::Zel2TextLayer(zel::Column x, zel::Column y, zel::Column texts, co
 }
 
 void Zel2TextLayer::BlockLabels(const zel::LayerFrame& frame, zel::FreeSpace& space) {
-    const int half = std::abs(Map()->ToLogical(CSize(zel::UnitsOfPoints(distance_), 0)).cx) / 2;
+    const int half = zel::Magnitude(Map()->ToLogical(CSize(zel::UnitsOfPoints(distance_), 0)).cx) / 2;
     for (const zel::SeriesStretch& stretch : Stretches(frame))
         for (std::size_t i = stretch.begin; i < std::min(stretch.end, texts_.Size()); ++i) {
             if (!frame.world.Contains(stretch.X(i), stretch.Y(i))) continue;
             const CPoint at = frame.world.ToLogical(stretch.X(i), stretch.Y(i));
-            space.Block(CRect(at.x - half, at.y - half, at.x + half, at.y + half));
+            CRect mark(at, CSize());
+            mark.InflateRect(half, half);
+            space.Block(mark);
         }
 }
 
@@ -39,7 +41,7 @@ void Zel2TextLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spa
     if (!font) return;
     const zel::TextRuler ruler(*font);
     const auto logical = [this](double units) {
-        return std::abs(Map()->ToLogical(CSize(static_cast<int>(std::ceil(units)), 0)).cx);
+        return zel::Magnitude(Map()->ToLogical(CSize(zel::Truncate(std::ceil(units)), 0)).cx);
     };
     const int height = logical(ruler.LineHeight()), away = logical(zel::UnitsOfPoints(distance_));
     struct Side {
@@ -54,9 +56,9 @@ void Zel2TextLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spa
             const CPoint at = frame.world.ToLogical(stretch.X(i), stretch.Y(i));
             const int width = logical(ruler.WidthOf(text));
             for (const Side& side : kSides) {
-                const CPoint centre(at.x + side.x * (away + width / 2), at.y + side.y * (away + height / 2));
-                const CRect box(centre.x - width / 2, centre.y - height / 2, centre.x + width - width / 2,
-                                centre.y + height - height / 2);
+                const CPoint centre = at + CSize(side.x * (away + width / 2), side.y * (away + height / 2));
+                CRect box(centre, CSize());
+                box.InflateRect(width / 2, height / 2);
                 if (!space.Take(box)) continue;
                 font->Print(text.c_str(), centre, 0, DT_CENTER | DT_VCENTER);
                 break;

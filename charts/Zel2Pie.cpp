@@ -158,7 +158,7 @@ void Zel2Pie::DrawParts(const std::vector<Part>& parts, const Circle& circle) {
 std::vector<Zel2Pie::Label> Zel2Pie::PlaceLabels(const std::vector<Part>& parts, const Circle& circle,
                                                  int font) const {
     const zel::TextRuler ruler(*const_cast<Zel2Pie*>(this)->Font(font));
-    const double line = ruler.LineHeight() * 1.1;
+    const double line = std::max(1.0, ruler.LineHeight() * 1.1);
     const auto room = static_cast<std::size_t>(std::max(0.0, (circle.top - circle.bottom) / line));
     std::vector<Label> all;
     double begin = 0;

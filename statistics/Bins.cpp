@@ -29,8 +29,9 @@ Extent ExtentOf(std::span<const double> values) {
 
 std::vector<double> Between(double low, double high, std::size_t bins) {
     std::vector<double> edges;
+    const auto n = static_cast<double>(bins);
     for (std::size_t i = 0; i < bins; ++i)
-        edges.push_back(low + (high - low) * static_cast<double>(i) / static_cast<double>(bins));
+        edges.push_back(low + (high / n - low / n) * static_cast<double>(i));
     edges.push_back(high);
     // Values so near each other that no number lies between two edges.
     edges.erase(std::unique(edges.begin(), edges.end()), edges.end());

@@ -1,18 +1,13 @@
 #include "apps/zel/Grouping.h"
 
-#include <zel/platform/Warning.h>
-
-#include <algorithm>
 #include <cmath>
 #include <map>
-#include <set>
 #include <utility>
 
 namespace zel::cli {
 namespace {
 
 constexpr std::size_t kMostGroups = 200;
-constexpr std::size_t kLooked = 10000;  // rows that are looked at for a suggestion
 
 // The rows of each group, by its name, in order of appearance.
 std::vector<std::pair<std::string, std::vector<std::size_t>>> RowsOf(const Column& group) {
@@ -37,17 +32,6 @@ std::vector<std::pair<std::string, std::vector<std::size_t>>> RowsOf(const Colum
     return groups;
 }
 
-// Whether no value of x stands in two of the first rows, within each value of `group` where there is one.
-bool IsUnique(const Column& x, const Column* group) {
-    std::set<std::pair<double, double>> seen;
-    for (std::size_t row = 0; row < std::min(x.Size(), kLooked); ++row) {
-        if (!std::isfinite(x.At(row))) continue;
-        const double of = group && row < group->Size() && std::isfinite(group->At(row)) ? group->At(row) : -1;
-        if (!seen.emplace(of, x.At(row)).second) return false;
-    }
-    return true;
-}
-
 }  // namespace
 
 std::vector<Series> Grouped(const std::vector<Series>& series, const Column& group) {
@@ -62,19 +46,6 @@ std::vector<Series> Grouped(const std::vector<Series>& series, const Column& gro
         }
     }
     return grouped;
-}
-
-void SuggestGroup(const tables::Table& table, const Column& x) {
-    if (IsUnique(x, nullptr)) return;
-    for (std::size_t k = 0; k < table.Columns().size(); ++k) {
-        const tables::ColumnFacts& facts = table.Columns()[k];
-        if (table.At(k).GetKind() != Column::Kind::TEXTS || facts.name == x.Name()) continue;
-        const std::size_t names = table.At(k).Names().size();
-        if (names < 2 || names > kMostGroups || !IsUnique(x, &table.At(k))) continue;
-        Warn("The values of the column \"" + x.Name() + "\" come back; --group \"" + facts.name +
-             "\" draws one series for each of the " + std::to_string(names) + " values of that column.");
-        return;
-    }
 }
 
 }  // namespace zel::cli

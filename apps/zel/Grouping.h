@@ -3,8 +3,6 @@
 
 #include "apps/zel/Figure.h"
 
-#include <zel/tables/Table.h>
-
 #include <string>
 #include <vector>
 
@@ -13,9 +11,5 @@ namespace zel::cli {
 // Each of `series` once for every value of `group`, in order of appearance, named by it. Rows without a value
 // are left out. Throws Error for more than 200 of them.
 std::vector<Series> Grouped(const std::vector<Series>& series, const Column& group);
-
-// Warns when the values of `x` come back and a column of words tells the rows of each of them apart: then it
-// is likely that they belong to several series.
-void SuggestGroup(const tables::Table& table, const Column& x);
 
 }  // namespace zel::cli

@@ -2,9 +2,13 @@
 #include "apps/zel/Database.h"
 #include "apps/zel/Figure.h"
 #include "apps/zel/Grouping.h"
+#include "apps/zel/Proposal.h"
 #include "apps/zel/TableChoice.h"
 
+#include <zel/platform/Warning.h>
+
 #include <cmath>
+#include <iostream>
 #include <map>
 
 namespace zel::cli {
@@ -67,6 +71,7 @@ void RefuseWhatCannotApply(const PlotChoice& choice) {
         throw Error(kind == FigureKind::HISTOGRAM
                         ? "Cannot use --x here: a histogram counts the values of --y"
                         : "Cannot plot: --x must name the column of the x values");
+    if (choice.ys.empty()) throw Error("Cannot plot: --y must name a column of values");
     if (kind == FigureKind::HEAT && (choice.colorBy.empty() || choice.ys.size() != 1))
         throw Error("Cannot draw a heat map: it takes --x, one --y and the values by --color-by");
     if (!choice.errors.empty() && choice.errors.size() != choice.ys.size())
@@ -77,12 +82,41 @@ void RefuseWhatCannotApply(const PlotChoice& choice) {
         throw Error("Cannot plot this from a database: it takes more or fewer columns than x and y");
 }
 
-std::vector<Series> ReadSeries(const PlotChoice& choice) {
+// What the command line leaves open is chosen by the kinds of the columns, and said.
+void Propose(PlotChoice& choice, const tables::Table& table) {
+    if (!choice.ys.empty() || choice.figure.kind != FigureKind::LINES) return;
+    if (!choice.x.empty()) {
+        choice.ys = MeasuresOf(table, table.Columns()[table.IndexOf(choice.x)].name);
+        return;
+    }
+    const Proposal proposal = ProposalFor(table);
+    std::cerr << "Drawing " << proposal.Words() << "; --x, --y and --kind choose something else.\n";
+    choice.figure.kind = proposal.kind;
+    choice.x = proposal.x;
+    choice.ys = proposal.ys;
+    if (choice.group.empty()) choice.group = proposal.group;
+    choice.noLine = choice.noLine || proposal.points;
+}
+
+// The values of x come back: rows of several series, as it seems.
+void SuggestGroup(const tables::Table& table, const Column& x) {
+    const std::string group = GroupOf(table, x);
+    if (group.empty()) return;
+    Warn("The values of the column \"" + x.Name() + "\" come back; --group \"" + group +
+         "\" draws one series for each of the " + std::to_string(table[group].Names().size()) +
+         " values of that column.");
+}
+
+std::vector<Series> ReadSeries(PlotChoice& choice) {
     if (choice.table.IsGiven() != choice.database.database.empty())
         throw Error("Cannot plot: either a table or --db must say where the data is");
-    RefuseWhatCannotApply(choice);
-    if (!choice.table.IsGiven()) return cli::ReadSeries(choice.database, choice.x, choice.ys);
+    if (!choice.table.IsGiven()) {
+        RefuseWhatCannotApply(choice);
+        return cli::ReadSeries(choice.database, choice.x, choice.ys);
+    }
     const tables::Table table = choice.table.Read();
+    Propose(choice, table);
+    RefuseWhatCannotApply(choice);
     const FigureKind kind = choice.figure.kind;
     Series common;
     if (!choice.x.empty()) common.x = CoordinateOf(table, choice.x);
@@ -154,8 +188,11 @@ void AddPlotCommand(CLI::App& app) {
         "--x", choice->x,
         "Column of the x values, by name or number; a column of dates makes a time axis, one of "
         "words the names of bars, boxes and cells");
-    command->add_option("--y", choice->ys, "Column of y values; repeat it for several series")
-        ->required()
+    command
+        ->add_option(
+            "--y", choice->ys,
+            "Column of y values; repeat it for several series (default: without --x and --y columns are "
+            "chosen by their kinds)")
         ->take_all();
     static const std::map<std::string, FigureKind> kKinds{{"lines", FigureKind::LINES},
                                                           {"bars", FigureKind::BARS},
@@ -194,6 +231,7 @@ void AddPlotCommand(CLI::App& app) {
     choice->output.AddTo(*command, false);
     command->footer(
         "Examples:\n"
+        "  zel plot global-temp.csv -o temperature.png\n"
         "  zel plot global-temp.csv --x year --y temp --fill -o temperature.pdf\n"
         "  zel plot weather.csv --x date --y temp_max --y temp_min --title Seattle -o weather.png\n"
         "  zel plot --db weather.sqlite --table daily --x date --y temp_max --where \"wind > 5\" -o out.pdf\n"

@@ -1,6 +1,8 @@
 #include "apps/zelview/MainWindow.h"
 
 #include "apps/zel/Figure.h"
+#include "apps/zel/Grouping.h"
+#include "apps/zel/Proposal.h"
 #include "apps/zelview/Editing.h"
 
 #include <zel/platform/Exception.h>
@@ -52,21 +54,21 @@ QString NameOf(ViewerEdit edit) {
     return {};
 }
 
-// Every column against the first.
+// The figure that the kinds of the columns suggest.
 std::unique_ptr<Zel2Main> FigureOf(const QString& path) {
     const tables::Table table = tables::Table::Read(Native(path));
-    const std::vector<tables::ColumnFacts>& columns = table.Columns();
+    const cli::Proposal proposal = cli::ProposalFor(table);
     cli::FigureOptions options;
     options.title = QFileInfo(path).completeBaseName().toStdString();
-    const Column& x = table.At(0);
+    options.kind = proposal.kind;
+    options.line = !proposal.points;
+    options.symbols = proposal.points;
+    const Column x = proposal.x.empty() ? Column() : table[proposal.x];
     std::vector<cli::Series> series;
-    for (std::size_t k = 1; k < columns.size(); ++k) {
-        if (columns[k].present > 0 && table.At(k).GetKind() != Column::Kind::TEXTS)
-            series.push_back({columns[k].name, x, table.At(k), nullptr});
-    }
-    if (x.GetKind() != Column::Kind::TIMES) options.xTitle = columns.front().name;
-    if (columns.size() < 2) throw Error("it has only one column");
-    if (series.empty()) throw Error("no column but the first holds numbers or dates");
+    for (const std::string& y : proposal.ys) series.push_back({y, x, table[y], nullptr});
+    if (!proposal.group.empty()) series = cli::Grouped(series, table[proposal.group]);
+    if (x.GetKind() == Column::Kind::NUMBERS) options.xTitle = x.IsEmpty() ? proposal.ys.front() : proposal.x;
+    if (proposal.ys.size() == 1 && !x.IsEmpty()) options.yTitle = proposal.ys.front();
     return cli::MakeFigure(series, options);
 }
 

@@ -23,10 +23,11 @@ class Program : public testing::Test {
         return folder_ / "data.csv";
     }
     // The last layer of the chart of a document.
-    Zel2XYLayer* LastLayer(const std::string& path) {
+    Zel2Layer* LastLayer(const std::string& path) {
         drawing_ = zel::LoadDocument(path.c_str());
-        return dynamic_cast<Zel2XYLayer*>(dynamic_cast<Zel2Chart*>((*drawing_)[0])->Layers().back());
+        return dynamic_cast<Zel2Chart*>((*drawing_)[0])->Layers().back();
     }
+    Zel2XYLayer* LastSeries(const std::string& path) { return dynamic_cast<Zel2XYLayer*>(LastLayer(path)); }
     TemporaryFolder folder_;
     std::unique_ptr<Zel2Main> drawing_;
 };
@@ -79,7 +80,7 @@ TEST_F(Program, ReadsAwkwardCsv) {
             "1,2.5,\"one, two\"\r\n2,,\"line\r\nend\"\r\n3,n/a,\r\n\r\n4,-1e3,last");
     const auto output = Run("plot " + csv + " --x 'the \"x\"' --y 'y, in mm' -o " + (folder_ / "a.zel"));
     ASSERT_EQ(output.code, 0) << output.text;
-    const zel::Column y = LastLayer(folder_ / "a.zel")->Y();
+    const zel::Column y = LastSeries(folder_ / "a.zel")->Y();
     ASSERT_EQ(y.Size(), 4U);
     EXPECT_EQ(y.At(0), 2.5);
     EXPECT_TRUE(std::isnan(y.At(1)) && std::isnan(y.At(2)));
@@ -93,7 +94,7 @@ TEST_F(Program, ReadsTablesOfOtherForms) {
                                       HasSubstr("decimal sign ,"), HasSubstr("1 lines above"),
                                       HasSubstr("15 Jan 2020 to 16 Jan 2020"), HasSubstr("\"x\" in row 2")));
     EXPECT_EQ(Run("plot " + csv + " --x Zeit --y Wert -o " + (folder_ / "a.zel")).code, 0);
-    EXPECT_EQ(LastLayer(folder_ / "a.zel")->Y().At(0), 1.5);
+    EXPECT_EQ(LastSeries(folder_ / "a.zel")->Y().At(0), 1.5);
     EXPECT_THAT(Run("plot " + csv + " --x Zeit --y Ort -o " + (folder_ / "a.zel")).text,
                 HasSubstr("no numbers"));
     EXPECT_EQ(Run("plot " + csv + " --delimiter . --no-header --skip 2 --decimal . --x 1 --y 2 -o " +
@@ -118,11 +119,31 @@ TEST_F(Program, DrawsASeriesOfEachGroup) {
     EXPECT_EQ(dynamic_cast<Zel2LineLayer&>(*layers[1]).Y().At(1), 4);
 }
 
+// Chosen by the kinds of columns alone.
+TEST_F(Program, ProposesAFigure) {
+    const auto drawn = [&](const std::string& csv) {
+        const std::string document = folder_ / "a.zel";
+        const auto output = Run("plot " + Csv(csv) + " -o " + document);
+        if (output.code != 0) return output.text;
+        const std::string kind = LastLayer(document)->GetRuntimeClass()->m_lpszClassName;
+        return output.text.substr(0, output.text.find(';')) + ": " + kind;
+    };
+    EXPECT_EQ(drawn("day,a,b,note\n2020-01-01,1,2,x\n2020-01-02,3,4,y\n"),
+              "Drawing a, b along day, as lines: Zel2LineLayer");
+    EXPECT_EQ(drawn("when,source,v\n2019-01-01,coal,1\n2019-01-01,wind,2\n2020-01-01,coal,3\n"),
+              "Drawing v along when by source, as lines: Zel2LineLayer");
+    EXPECT_EQ(drawn("fruit,t\npears,1\nplums,2\n"), "Drawing t of each fruit, as bars: Zel2BarLayer");
+    EXPECT_EQ(drawn("v\n1\n5\n2\n"), "Drawing v, as a histogram: Zel2HistogramLayer");
+    EXPECT_EQ(drawn("x,y\n1,5\n2,6\n3,1\n"), "Drawing y along x, as lines: Zel2LineLayer");
+    EXPECT_EQ(drawn("x,y\n3,5\n1,6\n2,1\n"), "Drawing y along x, as points: Zel2PointLayer");
+    EXPECT_THAT(drawn("a,b\nx,y\nx,z\n"), HasSubstr("no column holds numbers"));
+}
+
 TEST_F(Program, ReadsDatesAsTimes) {
     const std::string csv =
         Csv("when,v\n2012-01-01,1\n2012-07-02T00:00:00,2\n2013-12-31 12:00,3\n2013-02-29,4\n");
     ASSERT_EQ(Run("plot " + csv + " --x when --y v -o " + (folder_ / "a.zel")).code, 0);
-    const zel::Column x = LastLayer(folder_ / "a.zel")->X();
+    const zel::Column x = LastSeries(folder_ / "a.zel")->X();
     EXPECT_EQ(x.Origin(), 1'325'376'000) << "1 January 2012 in seconds since 1970";
     EXPECT_EQ(x.At(1), 183 * 86'400);
     EXPECT_EQ(x.At(2), 730.5 * 86'400);
@@ -179,7 +200,7 @@ TEST_F(Program, PlotsTheSameFromDatabases) {
                       (folder_ / "a.zel"))
                       .code,
                   0);
-        Zel2PointSet* const points = LastLayer(folder_ / "a.zel")->Source();
+        Zel2PointSet* const points = LastSeries(folder_ / "a.zel")->Source();
         ASSERT_TRUE(points);
         ASSERT_EQ(points->NPoints(), 2U);
         EXPECT_EQ(points->X(0), 1'356'998'400) << "1 January 2013 in seconds since 1970";

@@ -237,6 +237,40 @@ TEST_P(AnyChart, fits_into_its_size) {
 
 INSTANTIATE_TEST_SUITE_P(Seeds, AnyChart, testing::Range(0, 8));
 
+// Of the same two columns in every role.
+void AddEveryLook(Zel2Chart& chart, const std::vector<double>& xs, const std::vector<double>& ys) {
+    for (const bool horizontal : {false, true}) {
+        for (const auto stacking : {zel::Stacking::NONE, zel::Stacking::VALUES, zel::Stacking::SHARES})
+            chart.AddBars(xs, ys, {{}, horizontal, stacking, "", 0, 0.8, true});
+        zel::HistogramOptions histogram{{}, ys};
+        histogram.horizontal = horizontal;
+        chart.AddHistogram(xs, histogram);
+        chart.AddErrors(xs, ys, xs, {{}, horizontal});
+        chart.AddBoxes(xs, ys, {{}, horizontal, 0.6, 1.5, horizontal});
+    }
+    chart.AddFloatingBars(xs, ys, xs);
+    chart.AddUnevenErrors(xs, ys, xs, ys);
+    chart.AddCandles(xs, ys, xs, ys, xs);
+    for (const auto spread : {zel::ColorSpread::LINEAR, zel::ColorSpread::LOGARITHM,
+                              zel::ColorSpread::QUANTILES, zel::ColorSpread::CENTRED}) {
+        zel::HeatMapOptions heat;
+        heat.colors.spread = spread;
+        chart.AddHeatMapOfRows(xs, ys, xs, heat);
+        zel::BubbleOptions bubbles{{}, xs, ys};
+        bubbles.colorMap.spread = spread;
+        chart.AddBubbles(xs, ys, bubbles);
+    }
+    chart.AddDensity(xs, ys);
+    chart.AddTexts(xs, ys, std::vector<std::string>{"one", "", "three"});
+    const double x = xs.empty() ? 0 : xs.front(), y = ys.empty() ? 0 : ys.front();
+    chart.AddRuleAtX(x, {{}, "label"});
+    chart.AddRuleAtY(y, {{}, "label"});
+    chart.AddSlope(x, y, {{}, "label"});
+    chart.AddSpanAlongX(x, y);
+    chart.AddSpanAlongY(y, x);
+    chart.AddNote(x, y, "note\nof two lines", {{}, 5, -5});
+}
+
 TEST_F(Chart, bad_input_is_a_picture_and_a_note) {
     const double nan = std::nan("");
     const std::vector<std::vector<double>> data{
@@ -249,6 +283,7 @@ TEST_F(Chart, bad_input_is_a_picture_and_a_note) {
                 all->AddLine(xs, ys);
                 all->AddArea(xs, ys);
                 all->AddPoints(xs, ys);
+                AddEveryLook(*all, xs, ys);
                 if (kind == 1) all->Y().SetLogarithm();
                 if (kind == 2) all->X().SetTime("Asia/Tokyo");
                 if (kind == 3) all->X().SetSymmetricLogarithm().SetReversed(true);

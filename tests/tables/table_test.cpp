@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdio>
 #include <gmock/gmock.h>
+#include <random>
 #include <zlib.h>
 
 namespace {
@@ -216,6 +217,42 @@ TEST(Tables, ComeFromFilesThatAreCompressedToo) {
     const std::string whole = zel::test::Content(path);
     std::ofstream(path, std::ios::binary) << whole.substr(0, whole.size() - 12);
     EXPECT_THAT(zel::test::MessageOf<zel::FormatError>([&] { Table::Read(path); }), HasSubstr("a.csv.gz"));
+}
+
+// Whatever the bytes, a table has as many values in each column as rows, or there is an error.
+TEST(Tables, TakeAnyBytes) {
+    const std::string seeds[] = {"a,b\n1,\"x\ny\"\n2,\"say \"\"so\"\"\"\n",
+                                 "when;v\n15.01.2020;1.234,5 \u20AC\n3/4/20;(7)\n",
+                                 "# c\nt  v\n10:00 5\n1d 02:03 -\n", "2020-W53-7\t2020Q1\tJan 2020\n\t\t\n"};
+    const std::string bytes = "\"\n\r,;\t |#0129.-+:/ \xC3\xFF\x00WQaZ'$%(";
+    std::mt19937 random(7);
+    for (int i = 0; i < 4000; ++i) {
+        std::string text = seeds[random() % 4];
+        for (unsigned k = 0; k <= random() % 12; ++k) {
+            const std::size_t at = random() % text.size();
+            switch (random() % 3) {
+                case 0:
+                    text[at] = bytes[random() % bytes.size()];
+                    break;
+                case 1:
+                    text.insert(at, 1, bytes[random() % bytes.size()]);
+                    break;
+                default:
+                    text.insert(at, text.substr(random() % text.size(), random() % 20));
+                    break;
+            }
+        }
+        try {
+            const Table table = Table::Parse(text, "any", {.keepTexts = true});
+            for (std::size_t c = 0; c < table.Columns().size(); ++c) {
+                const auto& facts = table.Columns()[c];
+                ASSERT_EQ(table.At(c).Size(), table.RowCount()) << text;
+                ASSERT_EQ(facts.present + facts.missing + facts.unread, table.RowCount()) << text;
+            }
+        } catch (const zel::FormatError& e) {
+            EXPECT_THAT(e.what(), HasSubstr("any"));
+        }
+    }
 }
 
 TEST(Tables, FailWithAReason) {
