@@ -123,9 +123,10 @@ bool PdfSink::Complete() {
             static_cast<long long>(exchanged != places_.end() ? exchanged->second : place + ShiftAt(place)));
         rest.replace(static_cast<qsizetype>(line), 10, digits, 10);
     }
-    const auto number = static_cast<qsizetype>(start + kStart.size());
-    rest.replace(number, static_cast<qsizetype>(std::to_string(*table).size()),
-                 QByteArray::number(static_cast<qlonglong>(*table + ShiftAt(*table))));
+    const std::size_t number = start + kStart.size();
+    const qlonglong moved = *table + ShiftAt(*table);
+    rest.replace(static_cast<qsizetype>(number), static_cast<qsizetype>(std::to_string(*table).size()),
+                 QByteArray::number(moved));
     PassOn(rest);
     return true;
 }

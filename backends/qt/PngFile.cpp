@@ -152,7 +152,7 @@ std::string HeaderOf(const PixelBuffer& picture, int bits, ColorType type) {
     AppendNumber(header, static_cast<std::uint32_t>(picture.width));
     AppendNumber(header, static_cast<std::uint32_t>(picture.height));
     header += static_cast<char>(bits);
-    header += type;
+    header += static_cast<char>(type);
     header.append(3, '\0');  // the only compression and filters there are, and no interlacing
     return header;
 }

@@ -618,6 +618,19 @@ TEST_F(Files, SvgUsesOneDefinitionForAllMarks) {
     EXPECT_LT(difference / (80 * 60), 2) << "of 255 on average";
 }
 
+// Whether a PDF's table of objects says where each of them begins.
+bool HasTrueTable(const std::string& pdf) {
+    const std::size_t table = std::stoul(pdf.substr(pdf.rfind("startxref") + 10));
+    const std::size_t count = std::stoul(pdf.substr(table + 7));
+    std::size_t line = pdf.find('\n', table + 7) + 1;
+    for (std::size_t object = 1; object < count; ++object) {
+        line += 20;
+        const std::string begin = std::to_string(object) + " 0 obj";
+        if (pdf.compare(std::stoul(pdf.substr(line, 10)), begin.size(), begin) != 0) return false;
+    }
+    return count > 5;
+}
+
 // Many marks are described once and drawn at every place, but for those that nobody sees, and all formats
 // look like the image: discs, an outline, ink that one sees through.
 TEST_F(Files, DrawManyMarksAlike) {
@@ -647,6 +660,10 @@ TEST_F(Files, DrawManyMarksAlike) {
             const std::size_t size = Content(path).size();
             EXPECT_LT(size, format == "wmf" ? 1'200'000U : 160'000U) << format << kind;
             EXPECT_LE(size, Content(Written(("all." + format).c_str(), all)).size()) << format << kind;
+            if (format == "pdf") {
+                EXPECT_TRUE(HasTrueTable(Content(path))) << kind;
+                EXPECT_NE(Content(path).find("/Subtype /Form"), std::string::npos);
+            }
             if (kind == 2 && format == "wmf") continue;  // knows opaque ink only
             const auto reader = RunProgram(
                 format == "svg"   ? "rsvg-convert -b white " + path + " -o " + seen
