@@ -51,6 +51,7 @@ Distinct DistinctOf(const zel::Column& column) {
     for (std::size_t i = 0; i < column.Size(); ++i)
         if (std::isfinite(column.At(i))) places.emplace(column.At(i), 0);
     std::vector<double> numbers;
+    numbers.reserve(places.size());
     for (auto& [number, place] : places) {
         place = static_cast<std::ptrdiff_t>(numbers.size());
         numbers.push_back(number + (texts ? 0 : column.Origin()));
@@ -244,7 +245,7 @@ std::vector<std::ptrdiff_t> CellOfPixels(int pixels, const Cells& cells, const P
 
 std::uint32_t WithOpacity(std::uint32_t color, double opacity) {
     const double alpha = (color >> 24) * std::clamp(opacity, 0.0, 1.0);
-    return (color & 0xFFFFFF) | static_cast<std::uint32_t>(alpha + 0.5) << 24;
+    return (color & 0xFFFFFF) | static_cast<std::uint32_t>(std::lround(alpha)) << 24;
 }
 
 }  // namespace
@@ -344,6 +345,7 @@ std::vector<std::pair<double, double>> Zel2HeatLayer::Sample(const zel::Scale& x
 void Zel2HeatLayer::DrawKey(const CRect& box) {
     constexpr int kSteps = 64;
     std::vector<std::uint32_t> colors;
+    colors.reserve(kSteps);
     for (int i = 0; i < kSteps; ++i) colors.push_back(key_.Map().PixelAt((i + 0.5) / kSteps));
     if (CDC* dc = DC()) dc->DrawPicture(box, {colors.data(), kSteps, 1});
 }
