@@ -56,6 +56,7 @@ Distinct DistinctOf(const zel::Column& column) {
         place = static_cast<std::ptrdiff_t>(numbers.size());
         numbers.push_back(number + (texts ? 0 : column.Origin()));
     }
+    distinct.placeOf.reserve(column.Size());
     for (std::size_t i = 0; i < column.Size(); ++i) {
         const double number = column.At(i);
         distinct.placeOf.push_back(std::isfinite(number) ? places.at(number) : -1);
@@ -65,6 +66,7 @@ Distinct DistinctOf(const zel::Column& column) {
     } else if (column.GetKind() == zel::Column::Kind::TIMES) {
         constexpr std::int64_t kPerSecond = 1'000'000;
         std::vector<std::int64_t> ticks;
+        ticks.reserve(numbers.size());
         for (const double number : numbers) ticks.push_back(std::llround(number * kPerSecond));
         distinct.column = zel::Column::Times(std::move(ticks), kPerSecond);
     } else {
