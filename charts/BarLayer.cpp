@@ -284,6 +284,7 @@ void Zel2BarLayer::DrawLabels(const zel::LayerFrame& frame, zel::FreeSpace& spac
     const Bars& bars = MakeBars(oriented.Positions(), oriented.Values());
     const bool within = stacking_ != zel::Stacking::NONE || floating_;
     std::vector<double> shown;
+    shown.reserve(bars.high.size());
     for (std::size_t i = 0; i < bars.high.size(); ++i)
         shown.push_back(within ? bars.high[i] - bars.low[i] : bars.high[i]);
     zel::NumberFormat format = labelFormat_;

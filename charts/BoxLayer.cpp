@@ -79,6 +79,7 @@ const std::vector<Zel2BoxLayer::Group>& Zel2BoxLayer::Groups() {
 
 std::vector<zel::BoxSummary> Zel2BoxLayer::Summaries() {
     std::vector<zel::BoxSummary> summaries;
+    summaries.reserve(Groups().size());
     for (const Group& group : Groups()) summaries.push_back(group.summary);
     return summaries;
 }
@@ -183,6 +184,7 @@ void Zel2BoxLayer::DrawIn(const zel::LayerFrame& frame) {
         }
     } else {
         std::vector<CRect> boxes;
+        boxes.reserve(shapes.size());
         for (const Shape& s : shapes) {
             CRect box(oriented.Point(s.begin, s.lower), oriented.Point(s.end, s.upper));
             box.NormalizeRect();

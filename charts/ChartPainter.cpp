@@ -141,6 +141,7 @@ void ChartPainter::DrawColorBars() {
     for (const PlacedColorBar& bar : layout_.colorBars) {
         constexpr int kSteps = 256;
         std::vector<std::uint32_t> colors;
+        colors.reserve(kSteps);
         for (int i = 0; i < kSteps; ++i)
             colors.push_back(bar.key->Map().PixelAt((kSteps - 0.5 - i) / kSteps));
         if (CDC* dc = chart_.DC()) dc->DrawPicture(ToLogical(bar.box), {colors.data(), 1, kSteps});

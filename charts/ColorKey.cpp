@@ -38,6 +38,7 @@ class Polyline {
 std::shared_ptr<Polyline> ByRank(std::span<const double> sample, double low, double high) {
     constexpr std::size_t kSteps = 256;
     std::vector<double> ranks;
+    ranks.reserve(kSteps);
     for (std::size_t i = 1; i < kSteps; ++i) ranks.push_back(static_cast<double>(i) / kSteps);
     auto line = std::make_shared<Polyline>();
     line->Add(low, 0);

@@ -67,6 +67,7 @@ void Zel2DensityLayer::DrawIn(const zel::LayerFrame& frame) {
 void Zel2DensityLayer::DrawKey(const CRect& box) {
     constexpr int kSteps = 64;
     std::vector<std::uint32_t> colors;
+    colors.reserve(kSteps);
     for (int i = 0; i < kSteps; ++i) colors.push_back(map_.PixelAt((i + 0.5) / kSteps));
     if (CDC* dc = DC()) dc->DrawPicture(box, {colors.data(), kSteps, 1});
 }

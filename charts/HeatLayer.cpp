@@ -51,10 +51,12 @@ Distinct DistinctOf(const zel::Column& column) {
     for (std::size_t i = 0; i < column.Size(); ++i)
         if (std::isfinite(column.At(i))) places.emplace(column.At(i), 0);
     std::vector<double> numbers;
+    numbers.reserve(places.size());
     for (auto& [number, place] : places) {
         place = static_cast<std::ptrdiff_t>(numbers.size());
         numbers.push_back(number + (texts ? 0 : column.Origin()));
     }
+    distinct.placeOf.reserve(column.Size());
     for (std::size_t i = 0; i < column.Size(); ++i) {
         const double number = column.At(i);
         distinct.placeOf.push_back(std::isfinite(number) ? places.at(number) : -1);
@@ -64,6 +66,7 @@ Distinct DistinctOf(const zel::Column& column) {
     } else if (column.GetKind() == zel::Column::Kind::TIMES) {
         constexpr std::int64_t kPerSecond = 1'000'000;
         std::vector<std::int64_t> ticks;
+        ticks.reserve(numbers.size());
         for (const double number : numbers) ticks.push_back(std::llround(number * kPerSecond));
         distinct.column = zel::Column::Times(std::move(ticks), kPerSecond);
     } else {
@@ -244,7 +247,7 @@ std::vector<std::ptrdiff_t> CellOfPixels(int pixels, const Cells& cells, const P
 
 std::uint32_t WithOpacity(std::uint32_t color, double opacity) {
     const double alpha = (color >> 24) * std::clamp(opacity, 0.0, 1.0);
-    return (color & 0xFFFFFF) | static_cast<std::uint32_t>(alpha + 0.5) << 24;
+    return (color & 0xFFFFFF) | static_cast<std::uint32_t>(std::lround(alpha)) << 24;
 }
 
 }  // namespace
@@ -344,6 +347,7 @@ std::vector<std::pair<double, double>> Zel2HeatLayer::Sample(const zel::Scale& x
 void Zel2HeatLayer::DrawKey(const CRect& box) {
     constexpr int kSteps = 64;
     std::vector<std::uint32_t> colors;
+    colors.reserve(kSteps);
     for (int i = 0; i < kSteps; ++i) colors.push_back(key_.Map().PixelAt((i + 0.5) / kSteps));
     if (CDC* dc = DC()) dc->DrawPicture(box, {colors.data(), kSteps, 1});
 }

@@ -29,6 +29,7 @@ Extent ExtentOf(std::span<const double> values) {
 
 std::vector<double> Between(double low, double high, std::size_t bins) {
     std::vector<double> edges;
+    edges.reserve(bins + 1);
     const auto n = static_cast<double>(bins);
     for (std::size_t i = 0; i < bins; ++i)
         edges.push_back(low + (high / n - low / n) * static_cast<double>(i));

@@ -68,6 +68,7 @@ class OrderStatistics {
 std::vector<double> Quantiles(std::span<const double> values, std::span<const double> probabilities) {
     OrderStatistics sorted(values);
     std::vector<double> quantiles;
+    quantiles.reserve(probabilities.size());
     for (const double probability : probabilities) {
         if (sorted.Count() == 0 || !(probability >= 0 && probability <= 1)) {
             quantiles.push_back(std::numeric_limits<double>::quiet_NaN());
