@@ -7,18 +7,7 @@
 
 namespace {
 
-using zel::ChartOptions;
 using zel::Column;
-
-// A drawing of one chart.
-struct Drawing {
-    explicit Drawing(const ChartOptions& options) {
-        root->SetRules(ZelRules::EXACT);
-        chart = root->Add(std::make_unique<Zel2Chart>(options));
-    }
-    std::unique_ptr<Zel2Main> root = std::make_unique<Zel2Main>();
-    Zel2Chart* chart = nullptr;
-};
 
 std::vector<double> Range(int n, double from, double to) {
     std::vector<double> numbers;
@@ -37,7 +26,7 @@ std::vector<double> Of(const std::vector<double>& x, Function function) {
 
 std::unique_ptr<Zel2Main> MakeTimeChart(const std::string& folder) {
     const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
-    Drawing drawing({.title = "Two weeks in May", .size = {160, 80}});
+    OneChart drawing({.title = "Two weeks in May", .size = {160, 80}});
     Zel2Chart& chart = *drawing.chart;
     chart.X().SetRange(1'335'830'400, 1'337'040'000);  // the first half of May 2012
     chart.Y().SetTitle("Temperature").SetUnit("°C");
@@ -50,7 +39,7 @@ std::unique_ptr<Zel2Main> MakeTimeChart(const std::string& folder) {
 
 // A night without the hour from two to three.
 std::unique_ptr<Zel2Main> MakeSummerTimeChart(const std::string&) {
-    Drawing drawing({.title = "The night when summer time begins", .size = {160, 70}});
+    OneChart drawing({.title = "The night when summer time begins", .size = {160, 70}});
     Zel2Chart& chart = *drawing.chart;
     const std::vector<double> seconds = Range(60, 1'585'432'800, 1'585'458'000);
     chart.X().SetTime("Europe/Berlin");
@@ -61,7 +50,7 @@ std::unique_ptr<Zel2Main> MakeSummerTimeChart(const std::string&) {
 }
 
 std::unique_ptr<Zel2Main> MakeLogarithmChart(const std::string&) {
-    Drawing drawing({.title = "Growth and decay", .legend = zel::LegendPlace::INSIDE});
+    OneChart drawing({.title = "Growth and decay", .legend = zel::LegendPlace::INSIDE});
     Zel2Chart& chart = *drawing.chart;
     const std::vector<double> x = Range(120, 0, 10);
     chart.X().SetTitle("Time").SetUnit("s");
@@ -72,7 +61,7 @@ std::unique_ptr<Zel2Main> MakeLogarithmChart(const std::string&) {
 }
 
 std::unique_ptr<Zel2Main> MakeAxesChart(const std::string&) {
-    Drawing drawing({.title = "Three scales"});
+    OneChart drawing({.title = "Three scales"});
     Zel2Chart& chart = *drawing.chart;
     const std::vector<double> x = Range(200, 0, 24);
     chart.X().SetTitle("Hour of the day");
@@ -89,7 +78,7 @@ std::unique_ptr<Zel2Main> MakeAxesChart(const std::string&) {
 }
 
 std::unique_ptr<Zel2Main> MakeStackChart(const std::string&) {
-    Drawing drawing({.title = "Electricity by source", .subtitle = "made-up figures"});
+    OneChart drawing({.title = "Electricity by source", .subtitle = "made-up figures"});
     Zel2Chart& chart = *drawing.chart;
     const std::vector<double> hour = Range(97, 0, 24);
     chart.X().SetTitle("Hour").SetTicks(
@@ -106,7 +95,7 @@ std::unique_ptr<Zel2Main> MakeStackChart(const std::string&) {
 
 std::unique_ptr<Zel2Main> MakeCategoryChart(const std::string& folder) {
     const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
-    Drawing drawing({.title = "Highest temperature by kind of weather", .size = {120, 80}});
+    OneChart drawing({.title = "Highest temperature by kind of weather", .size = {120, 80}});
     Zel2Chart& chart = *drawing.chart;
     chart.Y().SetUnit("°C");
     chart.AddPoints(table["weather"], table["temp_max"], {{}, 4});

@@ -33,6 +33,16 @@ std::chrono::year_month_day DayOf(const zel::Column& times, std::size_t row);
 // The numbers of a column of a CSV file.
 std::vector<double> ReadColumn(const std::string& path, const std::string& name);
 
+// A drawing of one chart.
+struct OneChart {
+    explicit OneChart(const zel::ChartOptions& options) {
+        root->SetRules(ZelRules::EXACT);
+        chart = root->Add(std::make_unique<Zel2Chart>(options));
+    }
+    std::unique_ptr<Zel2Main> root = std::make_unique<Zel2Main>();
+    Zel2Chart* chart = nullptr;
+};
+
 std::unique_ptr<Zel2Main> MakeTemperature(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeCo2(const std::string& folder);
 std::unique_ptr<Zel2Main> MakeWeather(const std::string& folder);

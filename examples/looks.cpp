@@ -8,18 +8,7 @@
 
 namespace {
 
-using zel::ChartOptions;
 using zel::Column;
-
-// A drawing of one chart.
-struct Drawing {
-    explicit Drawing(const ChartOptions& options) {
-        root->SetRules(ZelRules::EXACT);
-        chart = root->Add(std::make_unique<Zel2Chart>(options));
-    }
-    std::unique_ptr<Zel2Main> root = std::make_unique<Zel2Main>();
-    Zel2Chart* chart = nullptr;
-};
 
 const char* const kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
@@ -41,7 +30,7 @@ std::unique_ptr<Zel2Main> MakeBarChart(const std::string& folder) {
         auto& years = days.try_emplace(kind, std::vector<double>(4, 0)).first->second;
         years[static_cast<std::size_t>(static_cast<int>(DayOf(table["date"], i).year()) - 2012)] += 1;
     }
-    Drawing drawing({.title = "Days of each kind of weather", .subtitle = "Seattle", .size = {160, 85}});
+    OneChart drawing({.title = "Days of each kind of weather", .subtitle = "Seattle", .size = {160, 85}});
     drawing.chart->Y().SetTitle("Days");
     for (const char* kind : {"sun", "fog", "rain"}) {
         zel::BarOptions options{{.name = kind}};
@@ -53,7 +42,7 @@ std::unique_ptr<Zel2Main> MakeBarChart(const std::string& folder) {
 
 std::unique_ptr<Zel2Main> MakeShareChart(const std::string&) {
     const std::vector<std::string> countries{"Norway", "Austria", "France", "Germany", "Poland"};
-    Drawing drawing({.title = "Electricity by source", .subtitle = "made-up figures", .size = {160, 75}});
+    OneChart drawing({.title = "Electricity by source", .subtitle = "made-up figures", .size = {160, 75}});
     zel::BarOptions options;
     options.horizontal = true;
     options.stacking = zel::Stacking::SHARES;
@@ -71,7 +60,8 @@ std::unique_ptr<Zel2Main> MakeShareChart(const std::string&) {
 
 std::unique_ptr<Zel2Main> MakeHistogramChart(const std::string& folder) {
     const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
-    Drawing drawing({.title = "Highest and lowest temperature of a day", .legend = zel::LegendPlace::INSIDE});
+    OneChart drawing(
+        {.title = "Highest and lowest temperature of a day", .legend = zel::LegendPlace::INSIDE});
     drawing.chart->X().SetTitle("Temperature").SetUnit("°C");
     drawing.chart->Y().SetTitle("Days");
     for (const char* name : {"temp_max", "temp_min"}) {
@@ -98,9 +88,9 @@ std::unique_ptr<Zel2Main> MakeErrorChart(const std::string& folder) {
         below.push_back(middle.back() - zel::Quantile(values, 0.1));
         above.push_back(zel::Quantile(values, 0.9) - middle.back());
     }
-    Drawing drawing({.title = "Highest temperature of a day",
-                     .subtitle = "median, and the range of eight days in ten",
-                     .size = {160, 80}});
+    OneChart drawing({.title = "Highest temperature of a day",
+                      .subtitle = "median, and the range of eight days in ten",
+                      .size = {160, 80}});
     drawing.chart->Y().SetUnit("°C");
     drawing.chart->AddBars(names, middle, {{.name = "median", .color = zel::Color("#9ecae1")}});
     drawing.chart->AddUnevenErrors(names, middle, below, above,
@@ -110,7 +100,7 @@ std::unique_ptr<Zel2Main> MakeErrorChart(const std::string& folder) {
 
 std::unique_ptr<Zel2Main> MakeBoxChart(const std::string& folder) {
     const auto table = zel::tables::Table::Read(folder + "/seattle-weather.csv");
-    Drawing drawing({.title = "Wind by month", .size = {160, 85}});
+    OneChart drawing({.title = "Wind by month", .size = {160, 85}});
     drawing.chart->Y().SetTitle("Wind").SetUnit("m/s");
     drawing.chart->X().SetCategories({std::begin(kMonths), std::end(kMonths)});
     zel::BoxOptions options;
@@ -137,7 +127,7 @@ std::unique_ptr<Zel2Main> MakeCandleChart(const std::string&) {
         high.push_back(std::max(open.back(), price) + 2 * random());
         low.push_back(std::min(open.back(), price) - 2 * random());
     }
-    Drawing drawing({.title = "Prices of the day", .subtitle = "made-up figures", .size = {160, 80}});
+    OneChart drawing({.title = "Prices of the day", .subtitle = "made-up figures", .size = {160, 80}});
     drawing.chart->Y().SetFormat({.prefix = "$"});
     drawing.chart->AddCandles(Column::Times(days, 1), open, high, low, close);
     return std::move(drawing.root);
@@ -153,7 +143,7 @@ std::unique_ptr<Zel2Main> MakeHeatChart(const std::string& folder) {
         days.push_back(second / 86'400 * 86'400);
         hours.push_back(static_cast<double>(second % 86'400) / 3600);
     }
-    Drawing drawing({.title = "A usual year in Seattle", .size = {160, 80}});
+    OneChart drawing({.title = "A usual year in Seattle", .size = {160, 80}});
     drawing.chart->Y().SetTitle("Hour").SetTicks({{0, "0"}, {6, "6"}, {12, "12"}, {18, "18"}});
     zel::HeatMapOptions options;
     options.colors.title = "Temperature";
@@ -175,7 +165,7 @@ std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
     std::vector<double> departures;
     for (std::size_t i = 0; i < high.Size(); ++i)
         departures.push_back(high.At(i) - zel::Quantile(ofMonth[months[i]], 0.5));
-    Drawing drawing({.title = "Warmer and colder months than usual", .size = {160, 70}});
+    OneChart drawing({.title = "Warmer and colder months than usual", .size = {160, 70}});
     zel::HeatMapOptions options;
     options.colors.scheme = zel::ColorScheme::DIVERGING;
     options.colors.spread = zel::ColorSpread::CENTRED;
@@ -187,7 +177,7 @@ std::unique_ptr<Zel2Main> MakeDivergingChart(const std::string& folder) {
 
 std::unique_ptr<Zel2Main> MakeBubbleChart(const std::string& folder) {
     const auto table = zel::tables::Table::Read(folder + "/earthquakes-week.csv");
-    Drawing drawing({.title = "Earthquakes of a week", .size = {160, 95}});
+    OneChart drawing({.title = "Earthquakes of a week", .size = {160, 95}});
     zel::BubbleOptions options{{.opacity = 0.7}};
     // Energy grows with the magnitude as a power.
     std::vector<double> energy;
@@ -211,7 +201,7 @@ std::unique_ptr<Zel2Main> MakeTextChart(const std::string&) {
                                          "Jupiter", "Saturn", "Uranus", "Neptune"};
     const std::vector<double> distance{0.387, 0.723, 1, 1.524, 2.77, 5.203, 9.537, 19.19, 30.07},
         period{0.241, 0.615, 1, 1.881, 4.6, 11.86, 29.45, 84.02, 164.8};
-    Drawing drawing({.title = "Kepler's third law", .size = {120, 85}});
+    OneChart drawing({.title = "Kepler's third law", .size = {120, 85}});
     drawing.chart->X().SetLogarithm().SetTitle("Distance from the Sun").SetUnit("AU");
     drawing.chart->Y().SetLogarithm().SetTitle("Period").SetUnit("years");
     drawing.chart->AddPoints(distance, period);
@@ -226,7 +216,7 @@ std::unique_ptr<Zel2Main> MakeNoteChart(const std::string& folder) {
     std::size_t warmest = 0;
     for (std::size_t i = 0; i < departure.Size(); ++i)
         if (departure.At(i) > departure.At(warmest)) warmest = i;
-    Drawing drawing({.title = "Departure from the mean temperature", .size = {160, 80}});
+    OneChart drawing({.title = "Departure from the mean temperature", .size = {160, 80}});
     Zel2Chart& chart = *drawing.chart;
     chart.Y().SetUnit("°C");
     chart.AddSpanAlongX(1951, 1980);

@@ -46,12 +46,24 @@ void AddBars(Zel2Chart& chart, const Series& series, const LayerOptions& layer,
     chart.AddErrors(series.x, series.y, series.error, errors)->SetName("");
 }
 
+// Histograms are compared by the same bins.
+std::vector<double> CommonEdges(const std::vector<Series>& series, const FigureOptions& options) {
+    std::vector<double> values;
+    for (const Series& one : series) {
+        const Column y = WithColumns(one).y;
+        for (std::size_t i = 0; i < y.Size(); ++i)
+            if (std::isfinite(y.At(i))) values.push_back(y.Origin() + y.At(i));
+    }
+    return options.bins > 0 ? BinEdges(values, static_cast<std::size_t>(options.bins))
+                            : BinEdges(values, BinRule::FREEDMAN_DIACONIS);
+}
+
 void AddHistogram(Zel2Chart& chart, const Series& series, const LayerOptions& layer,
-                  const FigureOptions& options, bool alone) {
+                  const std::vector<double>& edges, bool alone) {
     HistogramOptions histogram{layer};
     constexpr double kSeeThrough = 0.6;
     if (!alone) histogram.opacity = kSeeThrough;
-    histogram.bins = options.bins;
+    histogram.edges = edges;
     chart.AddHistogram(series.y, histogram);
 }
 
@@ -125,6 +137,8 @@ std::unique_ptr<Zel2Main> MakeFigure(const std::vector<Series>& series, const Fi
     SetAxis(chart->Y(), options.yTitle, options.yRange);
     if (options.logX) chart->X().SetLogarithm();
     if (options.logY) chart->Y().SetLogarithm();
+    std::vector<double> edges;
+    if (options.kind == FigureKind::HISTOGRAM) edges = CommonEdges(series, options);
     int place = 0;
     for (const Series& one : series) {
         const LayerOptions layer{.name = one.name, .color = Color::Palette(place)};
@@ -133,7 +147,7 @@ std::unique_ptr<Zel2Main> MakeFigure(const std::vector<Series>& series, const Fi
                 AddBars(*chart, WithColumns(one), layer, options);
                 break;
             case FigureKind::HISTOGRAM:
-                AddHistogram(*chart, WithColumns(one), layer, options, series.size() == 1);
+                AddHistogram(*chart, WithColumns(one), layer, edges, series.size() == 1);
                 break;
             case FigureKind::BOX:
                 chart->AddBoxes(WithColumns(one).x, WithColumns(one).y, {layer});

@@ -126,14 +126,16 @@ std::vector<int> ReportParts::ColumnWidths(const PrintedTable& table) const {
     return widths;
 }
 
-std::unique_ptr<Zel2> ReportParts::MakeTable(const PrintedTable& table, std::size_t begin, std::size_t end,
+std::unique_ptr<Zel2> ReportParts::MakeTable(const PrintedTable& table,
+                                             const std::vector<std::size_t>& columns,
                                              const std::vector<int>& widths) const {
     const Ruler ruler;
     const int rows = static_cast<int>(table.rows.size());
-    auto made = std::make_unique<Zel2TextTable>(static_cast<int>(end - begin), rows + 1);
+    auto made = std::make_unique<Zel2TextTable>(static_cast<int>(columns.size()), rows + 1);
     made->SetNHeaderRows(1);
-    for (std::size_t k = begin; k < end; ++k) {
-        const int c = static_cast<int>(k - begin), width = widths[k];
+    for (std::size_t place = 0; place < columns.size(); ++place) {
+        const std::size_t k = columns[place];
+        const int c = static_cast<int>(place), width = widths[k];
         const unsigned side = table.isNumber[k] ? DT_RIGHT : DT_LEFT;
         const auto header =
             Box("", width, kRowHeight, headerFont_, side | DT_VCENTER, {rulePen_, kBelow}, shade_);
@@ -157,12 +159,20 @@ std::unique_ptr<Zel2> ReportParts::MakeTable(const PrintedTable& table, std::siz
 std::vector<std::unique_ptr<Zel2>> ReportParts::Tables(const PrintedTable& table) const {
     std::vector<std::unique_ptr<Zel2>> tables;
     const std::vector<int> widths = ColumnWidths(table);
-    for (std::size_t begin = 0; begin < widths.size();) {
-        std::size_t end = begin;
+    const bool hasKey = !widths.empty() && widths[0] <= width_ / 3;
+    for (std::size_t next = 0; next < widths.size();) {
+        std::vector<std::size_t> columns;
         int sum = 0;
-        while (end < widths.size() && (end == begin || sum + widths[end] <= width_)) sum += widths[end++];
-        tables.push_back(MakeTable(table, begin, end, widths));
-        begin = end;
+        const auto take = [&](std::size_t k) {
+            columns.push_back(k);
+            sum += widths[k];
+        };
+        if (next > 0 && hasKey) take(0);
+        const std::size_t first = next;
+        while (next < widths.size() && (next == first || sum + widths[next] <= width_)) take(next++);
+        // A column as wide as the paper stands alone.
+        if (sum > width_ && columns.size() > 1) columns.erase(columns.begin());
+        tables.push_back(MakeTable(table, columns, widths));
     }
     return tables;
 }

@@ -32,14 +32,15 @@ class ReportParts {
     // A caption and a value for each pair, side by side over the whole width.
     std::unique_ptr<Zel2> Fields(const std::vector<std::pair<std::string, std::string>>& fields) const;
     // Tables with one header row. Columns are as wide as their longest text; what does not fit on the paper's
-    // width goes into further tables, one below another, and a text wider than the paper is cut short.
+    // width goes into further tables, one below another, which begin with the first column again unless it
+    // takes more than a third of the width. A text wider than the paper is cut short.
     std::vector<std::unique_ptr<Zel2>> Tables(const PrintedTable& table) const;
 
     int TextFont() const { return textFont_; }
 
   private:
     std::vector<int> ColumnWidths(const PrintedTable& table) const;
-    std::unique_ptr<Zel2> MakeTable(const PrintedTable& table, std::size_t begin, std::size_t end,
+    std::unique_ptr<Zel2> MakeTable(const PrintedTable& table, const std::vector<std::size_t>& columns,
                                     const std::vector<int>& widths) const;
 
     int width_;

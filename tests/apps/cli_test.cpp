@@ -69,6 +69,17 @@ TEST_F(Program, ReportsOnAnyTable) {
     EXPECT_THAT(text, HasSubstr("3600"));
     EXPECT_THAT(text, HasSubstr("…"));
     EXPECT_THAT(text, HasSubstr("a rather long column name 29"));
+    // Every continuation begins with the first column again.
+    std::string keyed = "city";
+    for (int c = 0; c < 12; ++c) keyed += ",a rather long column name " + std::to_string(c);
+    keyed += "\nUlm,1\nBonn,2\n";
+    EXPECT_EQ(Run("report " + Csv(keyed) + " --no-figures -o " + report).code, 0);
+    const std::string pages = zel::test::RunProgram("pdftotext -layout " + report + " -").text;
+    std::size_t keys = 0, tables = 0;
+    for (std::size_t at = 0; (at = pages.find("Bonn", at)) != std::string::npos; ++at) ++keys;
+    for (std::size_t at = 0; (at = pages.find("city  ", at)) != std::string::npos; ++at) ++tables;
+    EXPECT_GT(keys, 2U);
+    EXPECT_EQ(tables, keys + 1) << "and in the list of columns";
     EXPECT_EQ(Run("report " + Csv("only,a,header\n") + " -o " + report).code, 0);
     EXPECT_THAT(Run("report " + Csv("a\n1\n") + " --paper A17 -o " + report).text, HasSubstr("A17"));
     EXPECT_NE(Run("report " + (folder_ / "missing.csv") + " -o " + report).code, 0);
