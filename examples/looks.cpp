@@ -220,7 +220,9 @@ std::unique_ptr<Zel2Main> MakeNoteChart(const std::string& folder) {
     Zel2Chart& chart = *drawing.chart;
     chart.Y().SetUnit("°C");
     chart.AddSpanAlongX(1951, 1980);
-    chart.AddRuleAtY(0, {{}, "mean of 1951 to 1980"});
+    zel::RuleOptions mean;
+    mean.label = "mean of 1951 to 1980";
+    chart.AddRuleAtY(0, mean);
     chart.AddLine(year, departure, {{.name = ""}})->SetName("");
     chart.AddNote(1965, 0.9, "reference period");
     chart.AddNote(year.At(warmest), departure.At(warmest), "warmest year", {{}, -14, -4});
