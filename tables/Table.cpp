@@ -137,6 +137,9 @@ class TableReader {
         const std::string encoding = options_.encoding.empty() ? EncodingOf(head) : options_.encoding;
         Decoder decoder(encoding);
         const std::string_view text = decoder.Decode(head, false);
+        if (text.find('\0') != std::string_view::npos)
+            throw FormatError("Cannot read \"" + table_.name_ +
+                              "\" as a table: it holds bytes that no text has");
         dialect = GuessDialect(text, options_);
         dialect.encoding = encoding;
         SpreadSample sample;

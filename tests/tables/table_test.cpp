@@ -224,7 +224,8 @@ TEST(Tables, TakeAnyBytes) {
     const std::string seeds[] = {"a,b\n1,\"x\ny\"\n2,\"say \"\"so\"\"\"\n",
                                  "when;v\n15.01.2020;1.234,5 \u20AC\n3/4/20;(7)\n",
                                  "# c\nt  v\n10:00 5\n1d 02:03 -\n", "2020-W53-7\t2020Q1\tJan 2020\n\t\t\n"};
-    const std::string bytes = "\"\n\r,;\t |#0129.-+:/ \xC3\xFF\x00WQaZ'$%(";
+    using namespace std::string_literals;
+    const std::string bytes = "\"\n\r,;\t |#0129.-+:/ \xC3\xFF\x00WQaZ'$%("s;
     std::mt19937 random(7);
     for (int i = 0; i < 4000; ++i) {
         std::string text = seeds[random() % 4];
@@ -261,6 +262,7 @@ TEST(Tables, FailWithAReason) {
     };
     EXPECT_THAT(message(""), HasSubstr("header"));
     EXPECT_THAT(message("\n\n"), HasSubstr("header"));
+    EXPECT_THAT(message(std::string("a,b\n1,\0\n", 8)), HasSubstr("no text has"));
     EXPECT_THAT(message("a,b\n1,\"x\n"), testing::AllOf(HasSubstr("row 2"), HasSubstr("quote")));
     EXPECT_THAT(zel::test::MessageOf<zel::FileError>([] { Table::Read("/no/such.csv"); }),
                 HasSubstr("No such file"));

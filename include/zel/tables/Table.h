@@ -69,8 +69,8 @@ struct ColumnFacts {
 // kind of their column are absent and counted.
 class Table {
   public:
-    // Reads a file, or standard input for "-". Throws FileError when it cannot be read, FormatError with the
-    // row when it is no table.
+    // Reads a file, or standard input for "-". Throws FileError when it cannot be read, FormatError when it
+    // is no table, with the row where one is at fault.
     static Table Read(const std::string& path, const ReadOptions& options = {});
     // The same from bytes in memory; `name` stands for the file in messages.
     static Table Parse(std::string_view bytes, const std::string& name, const ReadOptions& options = {});
