@@ -246,12 +246,8 @@ void PageDevice::Marks(const GraphicsState& state, std::span<const CPoint> place
         BasicDevice::Marks(state, places, box, paint);
         return;
     }
-    std::vector<CPoint> seen;
-    if (options_.keepAllPoints) {
-        for (const CPoint& place : places) seen.push_back(state.map.ToDevice(place));
-    } else {
-        seen = SeenMarks(state, places, box, paint, pixel_);
-    }
+    const std::vector<CPoint> seen =
+        options_.keepAllPoints ? AllMarks(state, places) : SeenMarks(state, places, box, paint, pixel_);
     UseClip(state);
     FlushLines();
     FlushDiscs();

@@ -102,4 +102,11 @@ std::vector<CPoint> SeenMarks(const GraphicsState& state, std::span<const CPoint
     return seen;
 }
 
+std::vector<CPoint> AllMarks(const GraphicsState& state, std::span<const CPoint> places) {
+    std::vector<CPoint> all;
+    all.reserve(places.size());
+    for (const CPoint& place : places) all.push_back(state.map.ToDevice(place));
+    return all;
+}
+
 }  // namespace zel::qt

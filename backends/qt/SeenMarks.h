@@ -13,5 +13,7 @@ namespace zel::qt {
 // kept, and those that lie wholly below later ones are left out.
 std::vector<CPoint> SeenMarks(const GraphicsState& state, std::span<const CPoint> places, const CRect& box,
                               const MarkPainter& paint, double unitsPerPixel);
+// The places of all of them, as they are.
+std::vector<CPoint> AllMarks(const GraphicsState& state, std::span<const CPoint> places);
 
 }  // namespace zel::qt

@@ -245,12 +245,8 @@ class SvgDevice : public MeasuringDevice {
             BasicDevice::Marks(state, places, box, paint);
             return;
         }
-        std::vector<CPoint> seen;
-        if (options_.keepAllPoints) {
-            for (const CPoint& place : places) seen.push_back(state.map.ToDevice(place));
-        } else {
-            seen = SeenMarks(state, places, box, paint, kPixel);
-        }
+        const std::vector<CPoint> seen =
+            options_.keepAllPoints ? AllMarks(state, places) : SeenMarks(state, places, box, paint, kPixel);
         UseClip(state);
         UseFigure(transparency);
         const QString id = "mark" + QString::number(++lastId_);
